@@ -1,0 +1,29 @@
+#include "foundation/PXRLog.h"
+
+#include "foundation/PXRLogger.h"
+
+namespace lb {
+
+const PXRLog& PXRLog::error() {
+  static const PXRLog channel(std::nullopt);
+  return channel;
+}
+
+bool PXRLog::isEnabled() const {
+  if (disabled_) return false;
+  auto logger = PXRLogger::sharedLogger();
+  return logger && logger->isEnabledForArea(area_);
+}
+
+void PXRLog::write(std::string message, std::source_location site) const {
+  if (disabled_) return;
+  if (auto logger = PXRLogger::sharedLogger()) {
+    logger->log(site.file_name(), site.line(), site.function_name(), area_, std::move(message));
+  }
+}
+
+void pxrLogError(std::string message, std::source_location site) {
+  PXRLog::error().write(std::move(message), site);
+}
+
+} // namespace lb

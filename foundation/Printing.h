@@ -1,0 +1,140 @@
+#pragma once
+
+#include <charconv>
+#include <concepts>
+#include <cstdint>
+#include <exception>
+#include <optional>
+#include <ranges>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <utility>
+
+namespace lb {
+
+// Text helpers for log lines. A value prints as the standard printing of the
+// language would: strings bare, numbers in decimal, collections bracketed
+// with their strings quoted, an absent optional as "nil".
+
+template <class T>
+concept HasDescription = requires(const T& value) {
+  { value.description() } -> std::convertible_to<std::string>;
+};
+
+template <class T>
+concept HasCaseName = std::is_enum_v<T> && requires(T value) {
+  { pxrDescription(value) } -> std::convertible_to<std::string>;
+};
+
+template <class T>
+concept MapLike = std::ranges::range<T> && requires { typename T::mapped_type; };
+
+template <class T>
+concept StringLike = std::convertible_to<const T&, std::string_view>;
+
+inline std::string pxrDescribeDouble(double value) {
+  char buffer[64];
+  auto end = std::to_chars(buffer, buffer + sizeof buffer, value).ptr;
+  std::string text(buffer, end);
+  if (text.find_first_of(".eni") == std::string::npos) text += ".0";
+  return text;
+}
+
+inline std::string pxrQuoted(std::string_view text) {
+  std::string quoted = "\"";
+  for (char c : text) {
+    if (c == '"' || c == '\\') quoted += '\\';
+    quoted += c;
+  }
+  return quoted + "\"";
+}
+
+// One value as text; `nested` values sit inside a collection, where strings
+// are quoted.
+template <class T>
+std::string pxrDescribe(const T& value, bool nested = false) {
+  if constexpr (StringLike<T>) {
+    return nested ? pxrQuoted(std::string_view(value)) : std::string(std::string_view(value));
+  } else if constexpr (std::same_as<T, bool>) {
+    return value ? "true" : "false";
+  } else if constexpr (std::same_as<T, char>) {
+    return nested ? pxrQuoted(std::string_view(&value, 1)) : std::string(1, value);
+  } else if constexpr (std::integral<T>) {
+    return std::to_string(value);
+  } else if constexpr (std::floating_point<T>) {
+    return pxrDescribeDouble(static_cast<double>(value));
+  } else if constexpr (HasDescription<T>) {
+    return value.description();
+  } else if constexpr (HasCaseName<T>) {
+    return pxrDescription(value);
+  } else if constexpr (std::is_enum_v<T>) {
+    return std::to_string(static_cast<std::underlying_type_t<T>>(value));
+  } else if constexpr (std::derived_from<T, std::exception>) {
+    return value.what();
+  } else if constexpr (MapLike<T>) {
+    if (std::ranges::empty(value)) return "[:]";
+    std::string text = "[";
+    for (const auto& [key, element] : value) {
+      if (text.size() > 1) text += ", ";
+      text += pxrDescribe(key, true) + ": " + pxrDescribe(element, true);
+    }
+    return text + "]";
+  } else if constexpr (std::ranges::range<T>) {
+    std::string text = "[";
+    for (const auto& element : value) {
+      if (text.size() > 1) text += ", ";
+      text += pxrDescribe(element, true);
+    }
+    return text + "]";
+  } else if constexpr (requires { value.has_value(); *value; }) {
+    return value.has_value() ? pxrDescribe(*value, nested) : "nil";
+  } else {
+    static_assert(sizeof(T) == 0, "no text for this type");
+  }
+}
+
+inline std::string pxrDescribe(const char* value, bool nested = false) {
+  return pxrDescribe(std::string_view(value ? value : "nil"), nested);
+}
+
+// The values, each as printed, joined with `separator`.
+template <class... Items>
+std::string pxrPrinting(std::string_view separator, const Items&... items) {
+  std::string text;
+  bool first = true;
+  ((text += (first ? "" : std::string(separator)) + pxrDescribe(items), first = false), ...);
+  return text;
+}
+
+// As pxrPrinting; optional values print their content, or "nil" when absent.
+template <class... Items>
+std::string pxrPrintingOptionals(std::string_view separator, const Items&... items) {
+  return pxrPrinting(separator, items...);
+}
+
+// "0x" and the value's 64-bit words, least significant first, in lowercase
+// hexadecimal without leading zeros. Signed values are sign-extended, so the
+// 32-bit -1 gives sixteen f's.
+template <std::integral T>
+std::string pxrHexString(T value) {
+  std::uint64_t word;
+  if constexpr (std::is_signed_v<T>) {
+    word = static_cast<std::uint64_t>(static_cast<std::int64_t>(value));
+  } else {
+    word = static_cast<std::uint64_t>(value);
+  }
+  char buffer[17];
+  auto end = std::to_chars(buffer, buffer + sizeof buffer, word, 16).ptr;
+  return "0x" + std::string(buffer, end);
+}
+
+// For an enumeration backed by an integer: the raw value in decimal, in
+// hexadecimal, and the case's own text, as "-1=0xffffffffffffffff=name".
+template <HasCaseName E>
+std::string pxrDescriptionWithRaw(E value) {
+  auto raw = static_cast<std::underlying_type_t<E>>(value);
+  return std::to_string(raw) + "=" + pxrHexString(raw) + "=" + pxrDescription(value);
+}
+
+} // namespace lb

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+
+namespace lb {
+
+// A timer running on the main thread's event loop. Destroying the handle
+// stops the timer, as `invalidate` does.
+class ScheduledTimer {
+public:
+  virtual ~ScheduledTimer() = default;
+  virtual void invalidate() = 0;
+};
+
+// Starts timers on the main thread's event loop.
+class TimerScheduler {
+public:
+  virtual ~TimerScheduler() = default;
+
+  // `tick` runs on the main thread every `interval` seconds (or once), give
+  // or take `tolerance`, until the returned handle is invalidated or gone.
+  virtual std::unique_ptr<ScheduledTimer> scheduleTimer(double interval, double tolerance,
+                                                        bool repeats,
+                                                        std::function<void()> tick) = 0;
+};
+
+} // namespace lb

@@ -1,0 +1,71 @@
+#include "foundation/PXRAtomic.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <stdexcept>
+#include <thread>
+#include <vector>
+
+namespace lb {
+
+TEST(PXRAtomic, ReadersNeverSeeAHalfDoneMutation) {
+  PXRAtomic<std::pair<long, long>> pair({0, 0});
+  std::atomic<bool> done = false;
+  std::atomic<int> torn = 0;
+  std::atomic<long> reads = 0;
+  std::vector<std::thread> readers;
+  for (int i = 0; i < 3; ++i) {
+    readers.emplace_back([&] {
+      while (!done) {
+        auto [a, b] = pair.value();
+        if (a != b) ++torn;
+        ++reads;
+        std::this_thread::yield(); // glibc's reader-preferring lock would starve the writer
+      }
+    });
+  }
+  for (long i = 1; i <= 2'000; ++i) {
+    pair.mutate([i](std::pair<long, long>& value) {
+      value.first = i;
+      std::this_thread::yield(); // widen the window a torn read would need
+      value.second = i;
+    });
+  }
+  done = true;
+  for (auto& reader : readers) reader.join();
+  EXPECT_EQ(torn, 0);
+  EXPECT_GT(reads, 0);
+  EXPECT_EQ(pair.value(), std::make_pair(2'000L, 2'000L));
+}
+
+TEST(PXRAtomic, ConcurrentIncrementsAreNotLost) {
+  PXRAtomic<int> count(0);
+  auto work = [&] {
+    for (int i = 0; i < 1'000; ++i) count.increment();
+  };
+  std::thread first(work), second(work);
+  first.join();
+  second.join();
+  EXPECT_EQ(count.value(), 2'000);
+}
+
+TEST(PXRAtomic, MutateReturnsTheResultAndKeepsChangesMadeBeforeAThrow) {
+  PXRAtomic<std::vector<int>> list({});
+  EXPECT_EQ(list.mutate([](std::vector<int>& v) { v.push_back(1); return v.size(); }), 1u);
+  EXPECT_THROW(list.mutate([](std::vector<int>& v) {
+    v.push_back(2);
+    throw std::runtime_error("after the change");
+  }), std::runtime_error);
+  EXPECT_EQ(list.value(), (std::vector<int>{1, 2}));
+  list.setValue({5});
+  EXPECT_EQ(list.value(), std::vector<int>{5});
+}
+
+TEST(PXRAtomic, LabelNamesTheCreationSite) {
+  PXRAtomic<int> value(0);
+  EXPECT_NE(value.label().find("PXRAtomicTest.cpp:" + std::to_string(__LINE__ - 1)), std::string::npos)
+      << value.label();
+}
+
+} // namespace lb
