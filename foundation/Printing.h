@@ -100,7 +100,7 @@ inline std::string pxrDescribe(const char* value, bool nested = false) {
 
 // The values, each as printed, joined with `separator`.
 template <class... Items>
-std::string pxrPrinting(std::string_view separator, const Items&... items) {
+std::string pxrPrinting([[maybe_unused]] std::string_view separator, const Items&... items) {
   std::string text;
   bool first = true;
   ((text += (first ? "" : std::string(separator)) + pxrDescribe(items), first = false), ...);

@@ -1,0 +1,112 @@
+#pragma once
+
+#include "core/UserDefaults.h"
+
+#include <cstdint>
+#include <map>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+namespace lb {
+
+// When a tunable key is read.
+enum class TunableRead {
+  oncePerProcess, // at first use; later changes wait for the next start
+  eachUse,        // every time the operation that needs it runs
+  registered,     // every use, its default placed in the registration domain
+};
+
+template <class T>
+struct Tunable {
+  std::string_view key;
+  T defaultValue;
+  TunableRead read;
+};
+
+// Every tunable key with its type and compiled-in default. No window shows
+// them; an expert sets one with `lanternbud-ctl config set` or for one run
+// with "-Key value" on the command line.
+namespace tunable {
+using Names = std::vector<std::string>;
+constexpr auto once = TunableRead::oncePerProcess;
+constexpr auto each = TunableRead::eachUse;
+
+inline const Tunable<bool> ConnectionUpdateUseTimer{"ConnectionUpdateUseTimer", true, each};
+inline const Tunable<double> ConnectionUpdateTimerInterval{"ConnectionUpdateTimerInterval", 1.0, once};
+inline const Tunable<double> ConnectionUpdateFastTimerInterval{"ConnectionUpdateFastTimerInterval", 0.1, once};
+inline const Tunable<double> ConnectionUpdateFastTimerDuration{"ConnectionUpdateFastTimerDuration", 10.0, once};
+inline const Tunable<double> ConnectionWaitInterval{"ConnectionWaitInterval", 1.0, once};
+inline const Tunable<bool> TrySyncConnectFirst{"TrySyncConnectFirst", true, each};
+inline const Tunable<bool> DeviceSettingDisableDisconnectObservation{"DeviceSettingDisableDisconnectObservation", false, each};
+inline const Tunable<bool> EnableAudioOutput{"EnableAudioOutput", true, once};
+inline const Tunable<bool> EnableAutoSettingAudioOutput{"EnableAutoSettingAudioOutput", true, once};
+inline const Tunable<bool> RememberAudioInputWhenSettingAudioOutput{"RememberAudioInputWhenSettingAudioOutput", true, once};
+inline const Tunable<bool> FixAudioInputWhenSettingAudioOutput{"FixAudioInputWhenSettingAudioOutput", true, once};
+inline const Tunable<bool> RunConnectionScriptWhenSettingAudioOutput{"RunConnectionScriptWhenSettingAudioOutput", true, once};
+inline const Tunable<double> ConnectionScriptInterval{"ConnectionScriptInterval", 4.0, once};
+inline const Tunable<bool> OnlySetOutputDeviceIfNecessary{"OnlySetOutputDeviceIfNecessary", false, each};
+inline const Tunable<bool> OnlySetInputDeviceIfNecessary{"OnlySetInputDeviceIfNecessary", true, each};
+inline const Tunable<double> InputDeviceManagerTimerInterval{"InputDeviceManagerTimerInterval", 10.0, each};
+inline const Tunable<bool> InputDeviceManagerPeriodicUpdates{"InputDeviceManagerPeriodicUpdates", true, each};
+inline const Tunable<double> InputDeviceManagerFinalRestorationDelay{"InputDeviceManagerFinalRestorationDelay", 12.0, each};
+inline const Tunable<bool> WorkAroundMissingAudioDevice{"WorkAroundMissingAudioDevice", true, once};
+inline const Tunable<std::int64_t> MissingAudioDeviceTries{"MissingAudioDeviceTries", 5, once};
+inline const Tunable<double> MissingAudioDeviceDisconnectionDelay{"MissingAudioDeviceDisconnectionDelay", 1.0, once};
+inline const Tunable<bool> ChangeIconWhileFixingAudioOutput{"ChangeIconWhileFixingAudioOutput", false, each};
+inline const Tunable<double> NotAudioOutputFraction{"NotAudioOutputFraction", 0.25, once};
+// The default is the tray's icon size plus 5, which only the tray knows: the
+// read passes it in.
+inline const Tunable<double> StatusItemLength{"StatusItemLength", 0.0, once};
+inline const Tunable<double> DeviceInfoStalenessInterval{"DeviceInfoStalenessInterval", 60.0, once};
+inline const Tunable<bool> DisableMontereyBatteryInfo{"DisableMontereyBatteryInfo", false, each};
+inline const Tunable<bool> BatteryInfoUseHelper{"BatteryInfoUseHelper", true, TunableRead::registered};
+inline const Tunable<double> BatteryInfoStalenessInterval{"BatteryInfoStalenessInterval", 600.0, TunableRead::registered};
+inline const Tunable<bool> BatteryInfoDisableRegistry{"BatteryInfoDisableRegistry", false, each};
+// On Linux the battery registry is UPower, whose devices all carry this name.
+inline const Tunable<Names> BatteryInfoRegistryIncludedNames{"BatteryInfoRegistryIncludedNames", {"org.freedesktop.UPower.Device"}, each};
+inline const Tunable<Names> BatteryInfoRegistryExcludedNames{"BatteryInfoRegistryExcludedNames", {}, each};
+inline const Tunable<bool> BatteryInfoDisableCache{"BatteryInfoDisableCache", false, each};
+inline const Tunable<bool> LowEnergyBatteryInfoEnable{"LowEnergyBatteryInfoEnable", false, each};
+inline const Tunable<std::string> LowEnergyBatteryInfoPattern{"LowEnergyBatteryInfoPattern", "", each};
+} // namespace tunable
+
+// Reads tunable keys. One instance per program run: a key read once keeps
+// its first value for the life of this object.
+class Tunables {
+public:
+  // Registers the defaults of the registered keys.
+  explicit Tunables(UserDefaults& defaults);
+
+  template <class T>
+  T operator()(const Tunable<T>& tunable) const {
+    return (*this)(tunable, tunable.defaultValue);
+  }
+
+  // With a default that only the caller knows.
+  template <class T>
+  T operator()(const Tunable<T>& tunable, const T& fallback) const {
+    if (tunable.read != TunableRead::oncePerProcess) return read(tunable.key, fallback);
+    std::lock_guard lock(mutex_);
+    auto found = once_.find(tunable.key);
+    if (found == once_.end()) found = once_.emplace(tunable.key, read(tunable.key, fallback)).first;
+    return std::get<T>(found->second);
+  }
+
+private:
+  using Value = std::variant<bool, std::int64_t, double, std::string, tunable::Names>;
+
+  bool read(std::string_view key, bool fallback) const;
+  std::int64_t read(std::string_view key, std::int64_t fallback) const;
+  double read(std::string_view key, double fallback) const;
+  std::string read(std::string_view key, const std::string& fallback) const;
+  tunable::Names read(std::string_view key, const tunable::Names& fallback) const;
+
+  UserDefaults& defaults_;
+  mutable std::mutex mutex_;
+  mutable std::map<std::string_view, Value> once_;
+};
+
+} // namespace lb

@@ -1,0 +1,165 @@
+#include "core/UserDefaults.h"
+
+#include "foundation/PXRLog.h"
+#include "foundation/SettingsJson.h"
+
+#include <algorithm>
+#include <cctype>
+#include <charconv>
+#include <cstdlib>
+
+namespace lb {
+
+namespace {
+
+std::string lowercased(std::string text) {
+  std::transform(text.begin(), text.end(), text.begin(),
+                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  return text;
+}
+
+std::optional<bool> parseBool(const std::string& text) {
+  auto word = lowercased(text);
+  if (word == "yes" || word == "true" || word == "1") return true;
+  if (word == "no" || word == "false" || word == "0") return false;
+  return std::nullopt;
+}
+
+std::optional<std::int64_t> parseInteger(const std::string& text) {
+  std::int64_t value;
+  auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
+  return value;
+}
+
+std::optional<double> parseDouble(const std::string& text) {
+  if (text.empty() || std::isspace(static_cast<unsigned char>(text.front()))) return std::nullopt;
+  char* end = nullptr;
+  double value = std::strtod(text.c_str(), &end);
+  if (end != text.c_str() + text.size()) return std::nullopt;
+  return value;
+}
+
+std::optional<std::vector<std::string>> stringArray(const SettingsValue& value) {
+  auto array = value.as<SettingsValue::Array>();
+  if (!array) return std::nullopt;
+  std::vector<std::string> strings;
+  for (const auto& element : *array) {
+    auto string = element.as<std::string>();
+    if (!string) return std::nullopt;
+    strings.push_back(*string);
+  }
+  return strings;
+}
+
+} // namespace
+
+UserDefaults::UserDefaults(SettingsStore& store, Arguments arguments)
+    : store_(store), arguments_(std::move(arguments)) {}
+
+UserDefaults::Arguments UserDefaults::argumentDomain(const std::vector<std::string>& words) {
+  Arguments arguments;
+  for (std::size_t i = 0; i + 1 < words.size(); ++i) {
+    const auto& word = words[i];
+    if (word.size() >= 2 && word[0] == '-' && std::isalpha(static_cast<unsigned char>(word[1]))) {
+      arguments.insert_or_assign(word.substr(1), words[i + 1]);
+      ++i;
+    }
+  }
+  return arguments;
+}
+
+std::optional<SettingsValue> UserDefaults::storedOrRegistered(const std::string& key) const {
+  if (auto stored = store_.value(key)) return stored;
+  std::lock_guard lock(mutex_);
+  auto found = registered_.find(key);
+  if (found == registered_.end()) return std::nullopt;
+  return found->second;
+}
+
+// A mistyped command-line value is said once, not at every read.
+void UserDefaults::reportUnusable(const std::string& key, const std::string& text,
+                                  const char* wanted) const {
+  {
+    std::lock_guard lock(mutex_);
+    if (!reported_.insert(key).second) return;
+  }
+  PXR_LOG_ERROR("Ignoring the command-line value \"" + text + "\" of -" + key + ": it is not " +
+                wanted + "; using the default.");
+}
+
+bool UserDefaults::boolValue(const std::string& key, bool fallback) const {
+  if (auto argument = arguments_.find(key); argument != arguments_.end()) {
+    if (auto parsed = parseBool(argument->second)) return *parsed;
+    reportUnusable(key, argument->second, "a Boolean (YES or NO)");
+    return fallback;
+  }
+  auto value = storedOrRegistered(key);
+  auto stored = value ? value->as<bool>() : nullptr;
+  return stored ? *stored : fallback;
+}
+
+std::int64_t UserDefaults::integerValue(const std::string& key, std::int64_t fallback) const {
+  if (auto argument = arguments_.find(key); argument != arguments_.end()) {
+    if (auto parsed = parseInteger(argument->second)) return *parsed;
+    reportUnusable(key, argument->second, "a whole number");
+    return fallback;
+  }
+  auto value = storedOrRegistered(key);
+  auto stored = value ? value->as<std::int64_t>() : nullptr;
+  return stored ? *stored : fallback;
+}
+
+double UserDefaults::doubleValue(const std::string& key, double fallback) const {
+  if (auto argument = arguments_.find(key); argument != arguments_.end()) {
+    if (auto parsed = parseDouble(argument->second)) return *parsed;
+    reportUnusable(key, argument->second, "a number");
+    return fallback;
+  }
+  auto value = storedOrRegistered(key);
+  if (!value) return fallback;
+  if (auto real = value->as<double>()) return *real;
+  // A whole number written for a number of seconds means what it says.
+  if (auto integer = value->as<std::int64_t>()) return static_cast<double>(*integer);
+  return fallback;
+}
+
+std::string UserDefaults::stringValue(const std::string& key, const std::string& fallback) const {
+  if (auto argument = arguments_.find(key); argument != arguments_.end()) return argument->second;
+  auto value = storedOrRegistered(key);
+  auto stored = value ? value->as<std::string>() : nullptr;
+  return stored ? *stored : fallback;
+}
+
+std::vector<std::string> UserDefaults::stringArrayValue(const std::string& key,
+                                                        const std::vector<std::string>& fallback) const {
+  if (auto argument = arguments_.find(key); argument != arguments_.end()) {
+    std::string error;
+    auto parsed = SettingsJson::parse(argument->second, error);
+    if (auto strings = parsed ? stringArray(*parsed) : std::nullopt) return *strings;
+    reportUnusable(key, argument->second, "a JSON array of strings such as [\"a\", \"b\"]");
+    return fallback;
+  }
+  auto value = storedOrRegistered(key);
+  auto strings = value ? stringArray(*value) : std::nullopt;
+  return strings ? *strings : fallback;
+}
+
+std::optional<SettingsValue> UserDefaults::object(const std::string& key) const {
+  if (auto argument = arguments_.find(key); argument != arguments_.end()) {
+    const auto& text = argument->second;
+    if (!text.empty() && (text.front() == '[' || text.front() == '{')) {
+      std::string error;
+      if (auto parsed = SettingsJson::parse(text, error)) return parsed;
+    }
+    return SettingsValue(text);
+  }
+  return storedOrRegistered(key);
+}
+
+void UserDefaults::registerDefaults(const SettingsValue::Dictionary& defaults) {
+  std::lock_guard lock(mutex_);
+  for (const auto& [key, value] : defaults) registered_.insert_or_assign(key, value);
+}
+
+} // namespace lb

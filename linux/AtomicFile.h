@@ -1,0 +1,24 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <sys/types.h>
+
+namespace lb {
+
+// Replaces a file's content all at once: a reader, or the next start after a
+// crash, sees the old content or the new, never a mix.
+struct AtomicFile {
+  // Writes a temporary file beside `path` with `mode`, flushes it to disk and
+  // renames it over `path`. Returns the reason on failure, with the old file
+  // left as it was.
+  static std::optional<std::string> write(const std::filesystem::path& path, std::string_view content,
+                                          mode_t mode);
+
+  // The whole file, or nothing with `error` set.
+  static std::optional<std::string> read(const std::filesystem::path& path, std::string& error);
+};
+
+} // namespace lb

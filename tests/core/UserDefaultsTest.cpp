@@ -1,0 +1,89 @@
+#include "core/Tunables.h"
+#include "core/UserDefaults.h"
+#include "sim/InMemorySettingsStore.h"
+#include "tests/support/CapturedLog.h"
+
+#include <gtest/gtest.h>
+
+namespace lb {
+
+TEST(UserDefaults, CommandLinePairsBecomeTheArgumentDomain) {
+  auto arguments = UserDefaults::argumentDomain(
+      {"lanternbud", "--demo", "-LogConnect", "YES", "-ConnectionWaitInterval", "-1", "-Dangling"});
+  EXPECT_EQ(arguments, (UserDefaults::Arguments{{"LogConnect", "YES"}, {"ConnectionWaitInterval", "-1"}}));
+}
+
+TEST(UserDefaults, TheCommandLineWinsForThatRunOnly) {
+  InMemorySettingsStore store({{"LogConnect", false}, {"ConnectionWaitInterval", 2.0}});
+  UserDefaults run(store, {{"LogConnect", "yes"}, {"ConnectionWaitInterval", "0.5"}});
+  EXPECT_TRUE(run.boolValue("LogConnect", false));
+  EXPECT_DOUBLE_EQ(run.doubleValue("ConnectionWaitInterval", 1), 0.5);
+
+  UserDefaults nextRun(store);
+  EXPECT_FALSE(nextRun.boolValue("LogConnect", true));
+  EXPECT_DOUBLE_EQ(nextRun.doubleValue("ConnectionWaitInterval", 1), 2.0);
+  EXPECT_EQ(store.value("LogConnect"), SettingsValue(false)); // nothing written back
+}
+
+TEST(UserDefaults, CommandLineTextIsReadAsTheWantedType) {
+  InMemorySettingsStore store;
+  UserDefaults defaults(store, {{"A", "NO"}, {"B", "1"}, {"C", "true"}, {"Tries", "-3"},
+                                {"Names", R"(["x", "y"])"}, {"Bad", "perhaps"}, {"Half", "12abc"}});
+  EXPECT_FALSE(defaults.boolValue("A", true));
+  EXPECT_TRUE(defaults.boolValue("B", false));
+  EXPECT_TRUE(defaults.boolValue("C", false));
+  EXPECT_EQ(defaults.integerValue("Tries", 5), -3);
+  EXPECT_EQ(defaults.stringArrayValue("Names", {}), (std::vector<std::string>{"x", "y"}));
+  EXPECT_EQ(defaults.object("Names"), SettingsValue(SettingsValue::Array{"x", "y"}));
+  EXPECT_EQ(defaults.object("A"), SettingsValue("NO"));
+
+  test::CapturedLog log;
+  EXPECT_TRUE(defaults.boolValue("Bad", true));
+  EXPECT_FALSE(defaults.boolValue("Bad", false));
+  EXPECT_EQ(defaults.integerValue("Half", 7), 7);
+  EXPECT_EQ(log.messages().size(), 2u); // each bad value is reported once
+  EXPECT_TRUE(log.contains("-Bad"));
+}
+
+TEST(UserDefaults, AStoredValueOfTheWrongTypeCountsAsAbsent) {
+  InMemorySettingsStore store({{"HeadsetBattery", "85"}, {"Flag", 1}, {"Interval", 10}, {"Tries", 2.5}});
+  UserDefaults defaults(store);
+  EXPECT_EQ(defaults.integerValue("HeadsetBattery", -1), -1);
+  EXPECT_FALSE(defaults.boolValue("Flag", false));
+  EXPECT_EQ(defaults.integerValue("Tries", 5), 5);
+  EXPECT_DOUBLE_EQ(defaults.doubleValue("Interval", 1), 10.0); // a whole number of seconds is fine
+  EXPECT_EQ(defaults.stringArrayValue("HeadsetBattery", {"d"}), std::vector<std::string>{"d"});
+}
+
+TEST(Tunables, ReadOnceKeysKeepTheirFirstValueAndOthersFollowTheSettings) {
+  InMemorySettingsStore store;
+  UserDefaults defaults(store);
+  Tunables tunables(defaults);
+  EXPECT_DOUBLE_EQ(tunables(tunable::ConnectionWaitInterval), 1.0);
+  EXPECT_TRUE(tunables(tunable::TrySyncConnectFirst));
+
+  defaults.setValue("ConnectionWaitInterval", 5.0);
+  defaults.setValue("TrySyncConnectFirst", false);
+  EXPECT_DOUBLE_EQ(tunables(tunable::ConnectionWaitInterval), 1.0); // until the next start
+  EXPECT_FALSE(tunables(tunable::TrySyncConnectFirst));             // read at each attempt
+
+  Tunables nextStart(defaults);
+  EXPECT_DOUBLE_EQ(nextStart(tunable::ConnectionWaitInterval), 5.0);
+}
+
+TEST(Tunables, DefaultsComeFromTheTableTheRegistrationOrTheCaller) {
+  InMemorySettingsStore store;
+  UserDefaults defaults(store);
+  Tunables tunables(defaults);
+  EXPECT_EQ(tunables(tunable::MissingAudioDeviceTries), 5);
+  EXPECT_EQ(tunables(tunable::BatteryInfoRegistryIncludedNames),
+            std::vector<std::string>{"org.freedesktop.UPower.Device"});
+  EXPECT_DOUBLE_EQ(tunables(tunable::StatusItemLength, 27.0), 27.0);
+  // Registered keys answer through the settings themselves.
+  EXPECT_EQ(defaults.object("BatteryInfoStalenessInterval"), SettingsValue(600.0));
+  EXPECT_TRUE(defaults.boolValue("BatteryInfoUseHelper", false));
+  defaults.setValue("BatteryInfoUseHelper", false);
+  EXPECT_FALSE(tunables(tunable::BatteryInfoUseHelper));
+}
+
+} // namespace lb

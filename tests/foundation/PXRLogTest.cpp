@@ -1,0 +1,106 @@
+#include "foundation/PXRLog.h"
+#include "foundation/PXRLogger.h"
+#include "tests/support/CapturedLog.h"
+
+#include <gtest/gtest.h>
+
+#include <optional>
+#include <vector>
+
+namespace lb {
+
+namespace {
+
+enum class Status : std::int32_t { failed = -1, ok = 0 };
+std::string pxrDescription(Status status) { return status == Status::ok ? "ok" : "failed"; }
+
+} // namespace
+
+TEST(PXRLog, AnAreaThatIsOffNeverBuildsItsMessage) {
+  test::CapturedLog log({"LogOn"});
+  PXRLog off("LogOff"), on("LogOn"), switchedOnButDisabled("LogOn", true);
+  int evaluations = 0;
+  auto expensive = [&] {
+    ++evaluations;
+    return std::string("built");
+  };
+
+  off(expensive);
+  PXR_LOG(off, "items", expensive());
+  switchedOnButDisabled(expensive);
+  PXR_LOG(switchedOnButDisabled, expensive());
+  EXPECT_EQ(evaluations, 0);
+  EXPECT_TRUE(log.lines().empty());
+
+  on(expensive);
+  PXR_LOG(on, "items", expensive());
+  EXPECT_EQ(evaluations, 2);
+  EXPECT_EQ(log.messages(), (std::vector<std::string>{"built", "items built"}));
+}
+
+TEST(PXRLog, ItemsAreJoinedByBlanksAndAbsentOnesPrintNil) {
+  test::CapturedLog log({"LogConnect"});
+  PXRLog area("LogConnect");
+  std::optional<int> absent;
+  std::optional<std::string> present = "here";
+  PXR_LOG(area, "Devices:", absent, 3, present, std::vector<std::string>{"a", "b"});
+  PXR_LOG(area, 42);
+  PXR_LOG(area, 0.5, 2.0, true, Status::failed);
+  EXPECT_EQ(log.messages(),
+            (std::vector<std::string>{"Devices: nil 3 here [\"a\", \"b\"]", "42", "0.5 2.0 true failed"}));
+  auto line = log.lines().front();
+  EXPECT_EQ(line.area, "LogConnect");
+  EXPECT_EQ(line.file, "tests/foundation/PXRLogTest.cpp"); // relative to the project
+  EXPECT_NE(line.function.find("ItemsAreJoinedByBlanks"), std::string::npos) << line.function;
+}
+
+TEST(PXRLog, ErrorsAreWrittenWithEveryAreaOff) {
+  test::CapturedLog log;
+  pxrLogError("plain");
+  PXR_LOG_ERROR("joined", std::optional<int>(), 7);
+  EXPECT_EQ(log.messages(), (std::vector<std::string>{"plain", "joined nil 7"}));
+  EXPECT_FALSE(log.lines().front().area);
+}
+
+TEST(PXRLog, WithoutASharedLoggerEveryCallReturnsQuietly) {
+  PXRLogger::setSharedLogger(nullptr);
+  PXRLog area("LogConnect");
+  int evaluations = 0;
+  area([&] { return std::to_string(++evaluations); });
+  PXR_LOG(area, ++evaluations);
+  pxrLogError("nobody listens");
+  EXPECT_FALSE(area.isEnabled());
+  EXPECT_EQ(evaluations, 0);
+}
+
+TEST(Printing, HexStringsAndRawDescriptions) {
+  EXPECT_EQ(pxrHexString(0), "0x0");
+  EXPECT_EQ(pxrHexString(255), "0xff");
+  EXPECT_EQ(pxrHexString(4096), "0x1000");
+  EXPECT_EQ(pxrHexString(std::int32_t{-1}), "0xffffffffffffffff");
+  EXPECT_EQ(pxrHexString(std::uint32_t{0xE00002D6}), "0xe00002d6");
+  EXPECT_EQ(pxrDescriptionWithRaw(Status::failed), "-1=0xffffffffffffffff=failed");
+  EXPECT_EQ(pxrPrinting(", ", std::map<std::string, int>{{"a", 1}}, std::vector<int>{}), "[\"a\": 1], []");
+  EXPECT_EQ(pxrPrinting(" "), "");
+}
+
+TEST(PXRLogger, TrimmingDropsWholeLinesFromTheFront) {
+  std::string data;
+  for (int i = 0; i < 6'000; ++i) data += std::string(99, static_cast<char>('a' + i % 26)) + "\n";
+  ASSERT_EQ(data.size(), 600'000u);
+  std::string trimmed = PXRLogger::trimmedLog(data);
+  // 75,712 bytes too many: 758 lines of 100 bytes go.
+  EXPECT_EQ(trimmed.size(), 5'242u * 100);
+  EXPECT_EQ(trimmed, data.substr(758 * 100));
+
+  std::string withGaps = "\n" + std::string(524'284, 'x') + "\n\n\nend";
+  ASSERT_EQ(withGaps.size(), 524'291u); // at least the limit: the first line goes
+  EXPECT_EQ(PXRLogger::trimmedLog(withGaps), "end\n");
+
+  std::string exact = std::string(262'143, 'a') + "\n\n" + std::string(262'142, 'b') + "\n";
+  ASSERT_EQ(exact.size(), PXRLogger::logFileLimit);
+  EXPECT_EQ(PXRLogger::trimmedLog(exact), std::string(262'143, 'a') + "\n" + std::string(262'142, 'b') + "\n");
+  EXPECT_EQ(PXRLogger::trimmedLog("\n\n"), "");
+}
+
+} // namespace lb
