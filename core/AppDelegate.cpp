@@ -1,0 +1,50 @@
+#include "core/AppDelegate.h"
+
+#include "core/LogAreas.h"
+#include "core/LoginLauncher.h"
+
+namespace lb {
+
+int AppDelegate::processEntry(const UserDefaults& defaults,
+                              const std::function<void(const std::string& address)>& printBatteryInfo,
+                              const std::function<void()>& runApplication) {
+  if (auto address = defaults.object("PrintBatteryInfo"); address && address->is<std::string>()) {
+    printBatteryInfo(*address->as<std::string>());
+    return 0;
+  }
+  runApplication();
+  return 0;
+}
+
+void AppDelegate::applicationDidFinishLaunching() {
+  deviceSettingManager_ = std::make_unique<DeviceSettingManager>(services_);
+  if (deviceSettingManager_->deviceSettingList().empty()) {
+    PXR_LOG(dockLog(), "Showing preferences because no devices have been added:",
+            describe(services_.defaults.object("devices")));
+    showPreference();
+    PXR_LOG(dockLog(), "Done showing preferences.");
+  } else {
+    if (services_.defaults.boolValue("hideDockIcon", false)) {
+      PXR_LOG(dockLog(), "Hiding Dock icon");
+      services_.windows.setActivationPolicy(ActivationPolicy::accessory);
+    }
+    for (const auto& setting : deviceSettingManager_->deviceSettingList()) setting->setupStatusItem();
+  }
+  LoginLauncher::updateFromDefaults(services_.defaults, services_.loginItems);
+}
+
+bool AppDelegate::applicationShouldHandleReopen() {
+  PXR_LOG(dockLog(), "Showing preferences because of reopen.");
+  showPreference();
+  return true;
+}
+
+void AppDelegate::applicationWillTerminate() {
+  if (!deviceSettingManager_) return;
+  deviceSettingManager_->synchronize();
+  deviceSettingManager_->unregister();
+}
+
+void AppDelegate::showPreference() { services_.windows.showPreferences(); }
+
+} // namespace lb

@@ -1,0 +1,133 @@
+#pragma once
+
+#include "core/ConnectionUpdateReason.h"
+#include "core/MenuBarIconOption.h"
+#include "core/Services.h"
+#include "foundation/PXRTimer.h"
+#include "foundation/SettingsValue.h"
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+
+namespace lb {
+
+class DeviceSettingManager;
+
+// One device the user has added: its saved options, its tray item, its
+// timers and notifications, and the last observed state. Lives on the main
+// thread; the options and the manual-connection flag are also read by the
+// worker that connects and disconnects, so they are guarded.
+class DeviceSetting : public std::enable_shared_from_this<DeviceSetting> {
+public:
+  static constexpr const char* defaultScript = "#!/bin/sh\n";
+
+  // A device setting from its saved options; any dictionary will do.
+  static std::shared_ptr<DeviceSetting> make(Services& services, SettingsValue::Dictionary options,
+                                             DeviceSettingManager* registry = nullptr);
+  // A new device setting for a device the user added.
+  static std::shared_ptr<DeviceSetting> make(Services& services, const BluetoothDevice& device, std::int64_t ID,
+                                             DeviceSettingManager* registry = nullptr);
+
+  DeviceSetting(const DeviceSetting&) = delete;
+  DeviceSetting& operator=(const DeviceSetting&) = delete;
+
+  // The options dictionary, which is also the saved form of the device.
+  SettingsValue::Dictionary options() const;
+
+  std::int64_t deviceID() const;
+  // The platform's device for the stored address; none, with an error line,
+  // when no address is stored.
+  std::shared_ptr<BluetoothDevice> device() const;
+  void setDevice(const BluetoothDevice* device);
+
+  // The name, looked up once and then remembered.
+  std::optional<std::string> deviceName() const;
+  std::string deviceNameOrUnknown() const;
+  // "<DeviceSetting: name>"
+  std::string description() const;
+  void storeDeviceName(const std::string& name);
+
+  MenuBarIconOption icon() const;
+  void setIcon(MenuBarIconOption icon);
+  bool isActive() const;
+  bool connectionOnlyMode() const;
+  void setConnectionOnlyMode(bool value);
+  bool keepDefaultAudioInput() const;
+  void setKeepDefaultAudioInput(bool value);
+  bool runShellScriptAfterConnected() const;
+  void setRunShellScriptAfterConnected(bool value);
+  bool runShellScriptAfterDisconnected() const;
+  void setRunShellScriptAfterDisconnected(bool value);
+  bool showBatteryLevel() const;
+  void setShowBatteryLevel(bool value);
+  // The script texts; "#!/bin/sh\n" when there is none. Nothing removes one.
+  std::string shellScriptAfterConnected() const;
+  void setShellScriptAfterConnected(const std::optional<std::string>& text);
+  std::string shellScriptAfterDisconnected() const;
+  void setShellScriptAfterDisconnected(const std::optional<std::string>& text);
+
+  // The settings keys of the device's keyboard shortcut, now and before.
+  std::string shortCutKey() const { return "shortcutDictForDevice" + std::to_string(deviceID()); }
+  std::string oldShortCutKey() const { return "shortcutForDevice" + std::to_string(deviceID()); }
+
+  // Observed state: unknown until first seen.
+  std::optional<bool> isConnected() const { return isConnected_; }
+  std::optional<bool> isAudioOutput() const { return isAudioOutput_; }
+  std::optional<bool> isPotentialAudioOutput() const { return isPotentialAudioOutput_; }
+  bool isManuallyInitiatedConnection() const { return isManuallyInitiatedConnection_; }
+  void setManuallyInitiatedConnection(bool value) { isManuallyInitiatedConnection_ = value; }
+
+  // The tray item.
+  StatusItem* statusItem() const { return statusItem_.get(); }
+  void setupStatusItem();
+  void removeStatusItem();
+  void updateButtonImage();
+  void startProgress();
+  void stopProgress();
+
+  // Notifications: (re)registers this device's disconnect notification;
+  // `unregister` ends its presence in the system (notification, tray item,
+  // shortcut).
+  void registerNotifications();
+  void unregister();
+  void deviceConnected(const BluetoothNotification& notification);
+  void deviceDisconnected(const BluetoothNotification& notification, std::shared_ptr<BluetoothDevice> device);
+
+  // The one place where a change of the connection is noticed.
+  void updateConnectionState(const ConnectionUpdateReason& reason);
+
+private:
+  DeviceSetting(Services& services, DeviceSettingManager* registry);
+
+  void loadScripts();
+  void startTimer();
+
+  bool boolOption(const char* key, bool fallback) const;
+  std::optional<SettingsValue> option(const char* key) const;
+  void setOption(const char* key, SettingsValue value);
+  void removeOption(const char* key);
+  std::optional<std::string> storedAddress() const;
+
+  Services& services_;
+  DeviceSettingManager* registry_;
+
+  mutable std::mutex optionsMutex_;
+  SettingsValue::Dictionary options_;
+  std::atomic<bool> isManuallyInitiatedConnection_ = false;
+
+  mutable std::optional<std::string> cachedDeviceName_;
+  std::optional<bool> isConnected_;
+  std::optional<bool> isAudioOutput_;
+  std::optional<bool> isPotentialAudioOutput_;
+  bool showsProgress_ = false;
+
+  std::unique_ptr<PXRTimer> timer_;
+  std::unique_ptr<StatusItem> statusItem_;
+  std::unique_ptr<NotificationRegistration> disconnectObserver_;
+};
+
+} // namespace lb

@@ -1,0 +1,138 @@
+#include "core/DeviceSettingManager.h"
+
+#include "core/LogAreas.h"
+
+namespace lb {
+
+namespace {
+
+std::optional<std::string> addressOf(const std::shared_ptr<BluetoothDevice>& device) {
+  if (!device) return std::nullopt;
+  return device->addressString();
+}
+
+} // namespace
+
+DeviceSettingManager::DeviceSettingManager(Services& services)
+    : services_(services), scriptSaver_(services.scriptsFolder) {
+  PXR_LOG(dockLog(), "DeviceSettingManager.init()");
+  checkMigration();
+  load();
+  firstLaunch_ = list_.empty();
+  connectionObserver_ = services_.bluetooth.registerForConnectNotifications(
+      [this](const BluetoothNotification& notification, std::shared_ptr<BluetoothDevice> device) {
+        deviceConnected(notification, std::move(device));
+      });
+  statusTimer_ = std::make_unique<PXRTimer>(10.0, true, [this] { updateItemIcon(); });
+  statusTimer_->schedule(services_.loop);
+}
+
+DeviceSettingManager::~DeviceSettingManager() {
+  statusTimer_.reset();
+  unregister();
+  synchronize();
+}
+
+void DeviceSettingManager::checkMigration() {
+  if (services_.defaults.stringValue("currentSettingVersion", "") != currentSettingVersion) {
+    services_.defaults.setValue("currentSettingVersion", currentSettingVersion);
+  }
+}
+
+// All or nothing: one element that is not a dictionary means the list is not
+// ours to read, and no device is loaded.
+void DeviceSettingManager::load() {
+  auto stored = services_.defaults.object("devices");
+  PXR_LOG(dockLog(), "Devices to load:", describe(stored));
+  auto array = stored ? stored->as<SettingsValue::Array>() : nullptr;
+  if (!array) return;
+  for (const auto& element : *array) {
+    if (!element.is<SettingsValue::Dictionary>()) return;
+  }
+  for (const auto& element : *array) {
+    auto setting = DeviceSetting::make(services_, *element.as<SettingsValue::Dictionary>(), this);
+    PXR_LOG(dockLog(), "Loading device setting:", setting->description());
+    list_.push_back(setting);
+    if (setting->deviceID() >= maxDeviceID_) maxDeviceID_ = setting->deviceID() + 1;
+  }
+}
+
+void DeviceSettingManager::synchronize() {
+  SettingsValue::Array devices;
+  for (const auto& setting : list_) {
+    if (auto name = setting->deviceName()) setting->storeDeviceName(*name);
+    devices.emplace_back(setting->options());
+  }
+  services_.defaults.setValue("devices", std::move(devices));
+}
+
+void DeviceSettingManager::sort() {
+  auto before = [this](const DeviceSetting& a, const DeviceSetting& b) {
+    auto nameA = a.deviceName(), nameB = b.deviceName();
+    if (nameA && nameB) return services_.collator.compare(*nameA, *nameB) < 0;
+    return a.deviceID() < b.deviceID();
+  };
+  // Insertion sort: stable, and safe although the test above (names where
+  // both have one, else IDs) is not a strict weak order, which std::sort and
+  // std::stable_sort require. The list holds a handful of devices.
+  for (std::size_t i = 1; i < list_.size(); ++i) {
+    for (std::size_t j = i; j > 0 && before(*list_[j], *list_[j - 1]); --j) std::swap(list_[j], list_[j - 1]);
+  }
+}
+
+std::shared_ptr<DeviceSetting> DeviceSettingManager::add(const BluetoothDevice& device) {
+  const std::optional<std::string> address = device.addressString();
+  for (const auto& setting : list_) {
+    if (addressOf(setting->device()) == address) return nullptr;
+  }
+  auto setting = DeviceSetting::make(services_, device, maxDeviceID_, this);
+  list_.push_back(setting);
+  sort();
+  ++maxDeviceID_;
+  setting->setupStatusItem();
+  return setting;
+}
+
+void DeviceSettingManager::remove(std::size_t index) {
+  auto setting = list_.at(index);
+  setting->removeStatusItem();
+  for (auto type : allScriptTypes) scriptSaver_.cleanUp(setting->deviceID(), type);
+  list_.erase(list_.begin() + static_cast<std::ptrdiff_t>(index));
+  sort();
+  services_.defaults.removeValue(setting->shortCutKey());
+  services_.defaults.removeValue(setting->oldShortCutKey());
+}
+
+void DeviceSettingManager::updateItemIcon() {
+  sort();
+  for (const auto& setting : list_) setting->updateButtonImage();
+}
+
+void DeviceSettingManager::showLandingPopover(DeviceSetting& setting) {
+  if (!firstLaunch_) return;
+  firstLaunch_ = false;
+  services_.loop.postAfter(0.5, [&windows = services_.windows, weak = setting.weak_from_this()] {
+    auto owner = weak.lock();
+    if (owner && owner->statusItem()) windows.showLandingPopover(*owner->statusItem());
+  });
+}
+
+void DeviceSettingManager::deviceConnected(const BluetoothNotification& notification,
+                                           std::shared_ptr<BluetoothDevice> device) {
+  if (!device) {
+    PXR_LOG(bluetoothNotificationsLog(), "Nil device connected:", notification);
+    return;
+  }
+  PXR_LOG(bluetoothNotificationsLog(), "Device connected:", notification, "device:", *device);
+  const auto address = addressOf(device);
+  for (const auto& setting : list_) {
+    if (addressOf(setting->device()) == address) setting->deviceConnected(notification);
+  }
+}
+
+void DeviceSettingManager::unregister() {
+  for (const auto& setting : list_) setting->unregister();
+  connectionObserver_.reset();
+}
+
+} // namespace lb

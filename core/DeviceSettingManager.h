@@ -1,0 +1,70 @@
+#pragma once
+
+#include "core/DeviceSetting.h"
+#include "core/ScriptSaver.h"
+#include "core/Services.h"
+
+#include <memory>
+#include <vector>
+
+namespace lb {
+
+// The registry of the devices the user has added: the name-sorted list, its
+// persistence under "devices", device IDs, adding and removing, the icon
+// timer, and the system's connect notifications handed to the devices they
+// concern. One per program, owned by its application delegate.
+class DeviceSettingManager {
+public:
+  static constexpr const char* currentSettingVersion = "2.8.2";
+
+  // Loads the saved devices, stamps the setting version, listens for
+  // connections and starts the 10-second icon timer.
+  explicit DeviceSettingManager(Services& services);
+  // Stops the timer, unregisters everything and saves.
+  ~DeviceSettingManager();
+
+  DeviceSettingManager(const DeviceSettingManager&) = delete;
+  DeviceSettingManager& operator=(const DeviceSettingManager&) = delete;
+
+  const std::vector<std::shared_ptr<DeviceSetting>>& deviceSettingList() const { return list_; }
+  std::int64_t maxDeviceID() const { return maxDeviceID_; }
+  bool firstLaunch() const { return firstLaunch_; }
+
+  // Writes every device's options, with its current name, under "devices".
+  void synchronize();
+
+  // Adds a device unless its address is registered already; then nothing.
+  std::shared_ptr<DeviceSetting> add(const BluetoothDevice& device);
+  // Removes the device at `index` with its tray item, scripts and shortcut.
+  // The saved list changes at the next save.
+  void remove(std::size_t index);
+
+  // Orders the list by name as the user's language does, ignoring case;
+  // equal names keep their order, and a device without a name goes by ID.
+  void sort();
+  // Every 10 seconds: sort, then redraw every tray item.
+  void updateItemIcon();
+
+  // The one-time welcome, half a second after the first tray item of a
+  // program that started with no devices.
+  void showLandingPopover(DeviceSetting& setting);
+
+  void deviceConnected(const BluetoothNotification& notification, std::shared_ptr<BluetoothDevice> device);
+
+  // Ends every device's presence in the system and stops listening.
+  void unregister();
+
+private:
+  void checkMigration();
+  void load();
+
+  Services& services_;
+  ScriptSaver scriptSaver_;
+  std::vector<std::shared_ptr<DeviceSetting>> list_;
+  bool firstLaunch_ = false;
+  std::int64_t maxDeviceID_ = 1;
+  std::unique_ptr<NotificationRegistration> connectionObserver_;
+  std::unique_ptr<PXRTimer> statusTimer_;
+};
+
+} // namespace lb

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "core/UserDefaults.h"
+#include "ports/LoginItems.h"
+
+namespace lb {
+
+// Brings the system's start-at-login state into line with the user's
+// "launchAtLogin" choice: at every launch, and when the choice changes.
+struct LoginLauncher {
+  static void updateFromDefaults(const UserDefaults& defaults, LoginItems& loginItems);
+};
+
+} // namespace lb

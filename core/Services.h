@@ -1,0 +1,32 @@
+#pragma once
+
+#include "core/Tunables.h"
+#include "core/UserDefaults.h"
+#include "ports/Bluetooth.h"
+#include "ports/EventLoop.h"
+#include "ports/LoginItems.h"
+#include "ports/NameCollator.h"
+#include "ports/ScriptsFolder.h"
+#include "ports/ShortcutBinder.h"
+#include "ports/StatusBar.h"
+#include "ports/Windows.h"
+
+namespace lb {
+
+// What the program's objects are given to work with: the platform's ports
+// and the user's settings. Built once by each program's composition root,
+// and outliving everything that refers to it.
+struct Services {
+  EventLoop& loop;
+  Bluetooth& bluetooth;
+  StatusBar& statusBar;
+  Windows& windows;
+  ShortcutBinder& shortcuts;
+  LoginItems& loginItems;
+  ScriptsFolder& scriptsFolder;
+  NameCollator& collator;
+  UserDefaults& defaults;
+  Tunables& tunables;
+};
+
+} // namespace lb

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "ports/LoginItems.h"
+
+#include <filesystem>
+#include <string>
+
+namespace lb {
+
+// Start at login as desktops do it: an entry in $XDG_CONFIG_HOME/autostart
+// that starts the program. Enabling writes the entry, disabling removes it.
+class XdgAutostart final : public LoginItems {
+public:
+  XdgAutostart(std::filesystem::path entryFile, std::string program)
+      : entryFile_(std::move(entryFile)), program_(std::move(program)) {}
+
+  static std::filesystem::path defaultEntryFile();
+
+  bool setEnabled(bool enabled) override;
+
+  // The entry's text for a program at `program`.
+  static std::string entry(const std::string& program);
+
+private:
+  std::filesystem::path entryFile_;
+  std::string program_;
+};
+
+} // namespace lb

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "ports/BluetoothDevice.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace lb {
+
+// What the platform tells with a connect or disconnect notification.
+struct BluetoothNotification {
+  std::string what; // for log lines: which event, from where
+
+  std::string description() const { return "<BluetoothNotification " + what + ">"; }
+};
+
+// A registration for notifications; destroying it unregisters.
+class NotificationRegistration {
+public:
+  virtual ~NotificationRegistration() = default;
+};
+
+// The platform's Bluetooth classic devices. Notifications arrive on the main
+// thread; lookups may come from any thread.
+class Bluetooth {
+public:
+  using NotificationHandler =
+      std::function<void(const BluetoothNotification&, std::shared_ptr<BluetoothDevice>)>;
+
+  virtual ~Bluetooth() = default;
+
+  // The device with this address, or nothing if the platform knows none.
+  virtual std::shared_ptr<BluetoothDevice> deviceWithAddressString(const std::string& address) = 0;
+
+  // Every device's connections.
+  virtual std::unique_ptr<NotificationRegistration> registerForConnectNotifications(NotificationHandler handler) = 0;
+
+  // One device's disconnection.
+  virtual std::unique_ptr<NotificationRegistration> registerForDisconnectNotification(const BluetoothDevice& device,
+                                                                                      NotificationHandler handler) = 0;
+};
+
+} // namespace lb

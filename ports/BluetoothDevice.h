@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace lb {
+
+// A paired Bluetooth classic device as the platform knows it. Queries may
+// come from the main thread or a worker.
+class BluetoothDevice {
+public:
+  virtual ~BluetoothDevice() = default;
+
+  // The address as the platform writes it, e.g. "00-11-22-33-44-55".
+  virtual std::string addressString() const = 0;
+  // The name the user sees, if the platform has one.
+  virtual std::optional<std::string> name() const = 0;
+  virtual bool isConnected() const = 0;
+  // The major device class of the Class of Device (4 is audio/video).
+  virtual std::uint32_t majorDeviceClass() const = 0;
+
+  std::string nameOrAddress() const { return name().value_or(addressString()); }
+
+  // Two objects for the same address are the same device.
+  bool operator==(const BluetoothDevice& other) const { return addressString() == other.addressString(); }
+
+  std::string description() const {
+    return "<BluetoothDevice " + addressString() + (name() ? " \"" + *name() + "\">" : ">");
+  }
+};
+
+} // namespace lb

@@ -1,0 +1,81 @@
+#include "sim/SimBluetoothWorld.h"
+
+namespace lb {
+
+class SimBluetoothWorld::Registration final : public NotificationRegistration {
+public:
+  Registration(SimBluetoothWorld& world, std::uint64_t id) : world_(world), id_(id) {}
+  ~Registration() override {
+    std::lock_guard lock(world_.mutex_);
+    world_.subscriptions_.erase(id_);
+  }
+
+private:
+  SimBluetoothWorld& world_;
+  std::uint64_t id_;
+};
+
+SimBluetoothDevice& SimBluetoothWorld::addDevice(const std::string& address, std::optional<std::string> name,
+                                                 std::uint32_t majorClass) {
+  auto device = std::make_shared<SimBluetoothDevice>(address, std::move(name), majorClass);
+  std::lock_guard lock(mutex_);
+  devices_[address] = device;
+  return *device;
+}
+
+void SimBluetoothWorld::removeDevice(const std::string& address) {
+  std::lock_guard lock(mutex_);
+  devices_.erase(address);
+}
+
+void SimBluetoothWorld::rename(const std::string& address, std::optional<std::string> name) {
+  if (auto found = device(address)) {
+    std::lock_guard lock(found->mutex_);
+    found->name_ = std::move(name);
+  }
+}
+
+void SimBluetoothWorld::setConnected(const std::string& address, bool connected) {
+  auto found = device(address);
+  if (!found) return;
+  {
+    std::lock_guard lock(found->mutex_);
+    if (found->connected_ == connected) return;
+    found->connected_ = connected;
+  }
+  std::vector<Bluetooth::NotificationHandler> handlers;
+  {
+    std::lock_guard lock(mutex_);
+    for (const auto& [id, subscription] : subscriptions_) {
+      if (subscription.connects == connected && (!subscription.address || *subscription.address == address)) {
+        handlers.push_back(subscription.handler);
+      }
+    }
+  }
+  BluetoothNotification notification{(connected ? "connected " : "disconnected ") + address};
+  for (auto& handler : handlers) {
+    loop_.post([handler, notification, found] { handler(notification, found); });
+  }
+}
+
+std::shared_ptr<SimBluetoothDevice> SimBluetoothWorld::device(const std::string& address) const {
+  std::lock_guard lock(mutex_);
+  auto found = devices_.find(address);
+  return found == devices_.end() ? nullptr : found->second;
+}
+
+std::unique_ptr<NotificationRegistration> SimBluetoothWorld::subscribe(std::optional<std::string> address,
+                                                                       bool connects,
+                                                                       Bluetooth::NotificationHandler handler) {
+  std::lock_guard lock(mutex_);
+  auto id = nextSubscription_++;
+  subscriptions_.emplace(id, Subscription{std::move(address), connects, std::move(handler)});
+  return std::make_unique<Registration>(*this, id);
+}
+
+std::size_t SimBluetoothWorld::subscriptionCount() const {
+  std::lock_guard lock(mutex_);
+  return subscriptions_.size();
+}
+
+} // namespace lb

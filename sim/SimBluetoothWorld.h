@@ -1,0 +1,51 @@
+#pragma once
+
+#include "ports/Bluetooth.h"
+#include "ports/EventLoop.h"
+#include "sim/SimBluetoothDevice.h"
+
+#include <map>
+#include <memory>
+#include <mutex>
+
+namespace lb {
+
+// The simulated Bluetooth world: which devices are paired and connected.
+// Tests and the demo act through it ("the headset powers on"); core sees it
+// only through SimBluetooth. Notifications reach their handlers on the main
+// queue, as the platform delivers them.
+class SimBluetoothWorld {
+public:
+  explicit SimBluetoothWorld(EventLoop& loop) : loop_(loop) {}
+
+  // Pairs a device; the major class 4 is audio, 5 a peripheral.
+  SimBluetoothDevice& addDevice(const std::string& address, std::optional<std::string> name,
+                                std::uint32_t majorClass);
+  // Unpairs it: lookups find nothing from now on.
+  void removeDevice(const std::string& address);
+  void rename(const std::string& address, std::optional<std::string> name);
+  // Connects or disconnects the device, with the notifications that follow.
+  void setConnected(const std::string& address, bool connected);
+
+  // The port's side.
+  std::shared_ptr<SimBluetoothDevice> device(const std::string& address) const;
+  std::unique_ptr<NotificationRegistration> subscribe(std::optional<std::string> address, bool connects,
+                                                      Bluetooth::NotificationHandler handler);
+  std::size_t subscriptionCount() const;
+
+private:
+  struct Subscription {
+    std::optional<std::string> address; // none: every device
+    bool connects;
+    Bluetooth::NotificationHandler handler;
+  };
+  class Registration;
+
+  EventLoop& loop_;
+  mutable std::mutex mutex_;
+  std::map<std::string, std::shared_ptr<SimBluetoothDevice>> devices_;
+  std::map<std::uint64_t, Subscription> subscriptions_;
+  std::uint64_t nextSubscription_ = 0;
+};
+
+} // namespace lb

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "ports/LoginItems.h"
+
+#include <vector>
+
+namespace lb {
+
+class SimLoginItems final : public LoginItems {
+public:
+  bool setEnabled(bool wanted) override {
+    requests.push_back(wanted);
+    if (accepts) enabled = wanted;
+    return accepts;
+  }
+
+  // The world's side.
+  bool accepts = true;
+  bool enabled = false;
+  std::vector<bool> requests;
+};
+
+} // namespace lb

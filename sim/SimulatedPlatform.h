@@ -1,0 +1,40 @@
+#pragma once
+
+#include "core/Services.h"
+#include "sim/InMemorySettingsStore.h"
+#include "sim/SimBluetooth.h"
+#include "sim/SimLoginItems.h"
+#include "sim/SimScriptsFolder.h"
+#include "sim/SimShortcutBinder.h"
+#include "sim/SimStatusBar.h"
+#include "sim/SimWindows.h"
+#include "sim/SimpleNameCollator.h"
+#include "sim/VirtualEventLoop.h"
+
+namespace lb {
+
+// The whole simulated platform in virtual time, wired into one Services:
+// the composition root of tests. The settings store is handed in, so a test
+// can use a real settings file.
+struct SimulatedPlatform {
+  explicit SimulatedPlatform(SettingsStore& store, UserDefaults::Arguments arguments = {})
+      : defaults(store, std::move(arguments)), tunables(defaults) {}
+
+  SimulatedPlatform(const SimulatedPlatform&) = delete;
+  SimulatedPlatform& operator=(const SimulatedPlatform&) = delete;
+
+  VirtualEventLoop loop;
+  UserDefaults defaults;
+  Tunables tunables;
+  SimBluetoothWorld world{loop};
+  SimBluetooth bluetooth{world};
+  SimStatusBar statusBar;
+  SimWindows windows;
+  SimShortcutBinder shortcuts;
+  SimLoginItems loginItems;
+  SimScriptsFolder scriptsFolder;
+  SimpleNameCollator collator;
+  Services services{loop, bluetooth, statusBar, windows, shortcuts, loginItems, scriptsFolder, collator, defaults, tunables};
+};
+
+} // namespace lb
