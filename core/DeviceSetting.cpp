@@ -3,6 +3,7 @@
 #include "core/DeviceSettingManager.h"
 #include "core/LogAreas.h"
 #include "core/ScriptType.h"
+#include "core/Texts.h"
 
 namespace lb {
 
@@ -22,7 +23,7 @@ std::string describe(const std::optional<bool>& value) { return pxrDescribe(valu
 } // namespace
 
 DeviceSetting::DeviceSetting(Services& services, DeviceSettingManager* registry)
-    : services_(services), registry_(registry) {}
+    : services_(services), registry_(registry), outputFixer_(std::make_unique<OutputFixer>(*this, services)) {}
 
 std::shared_ptr<DeviceSetting> DeviceSetting::make(Services& services, SettingsValue::Dictionary options,
                                                    DeviceSettingManager* registry) {
@@ -133,10 +134,15 @@ void DeviceSetting::setDevice(const BluetoothDevice* newDevice) {
 }
 
 std::optional<std::string> DeviceSetting::deviceName() const {
-  if (cachedDeviceName_) return cachedDeviceName_;
+  {
+    std::lock_guard lock(nameMutex_);
+    if (cachedDeviceName_) return cachedDeviceName_;
+  }
   auto found = device();
-  cachedDeviceName_ = found ? found->name() : std::nullopt;
-  return cachedDeviceName_;
+  auto name = found ? found->name() : std::nullopt;
+  std::lock_guard lock(nameMutex_);
+  cachedDeviceName_ = name;
+  return name;
 }
 
 std::string DeviceSetting::deviceNameOrUnknown() const {
@@ -244,10 +250,14 @@ void DeviceSetting::updateButtonImage() {
   statusItem_->setAppearance({std::string(rawValue(icon())), *isConnected_});
 }
 
-void DeviceSetting::startProgress() { showsProgress_ = true; }
+void DeviceSetting::startProgress() {
+  showsProgress_ = true;
+  if (statusItem_) statusItem_->setBusy(true);
+}
 
 void DeviceSetting::stopProgress() {
   showsProgress_ = false;
+  if (statusItem_) statusItem_->setBusy(false);
   updateButtonImage();
 }
 
@@ -263,21 +273,25 @@ void DeviceSetting::registerNotifications() {
 }
 
 void DeviceSetting::deviceConnected(const BluetoothNotification& notification) {
-  PXR_LOG(notificationsLog(), "Device connected:", description());
+  PXR_LOG(notificationsLog(), "Device connected:", description(), outputFixer_->state());
   services_.loop.postAfter(0.1, [weak = weak_from_this(), notification] {
     if (auto self = weak.lock()) self->updateConnectionState(ConnectionUpdateReason::connectedNotification(notification));
   });
 }
 
 void DeviceSetting::deviceDisconnected(const BluetoothNotification& notification, std::shared_ptr<BluetoothDevice> gone) {
-  PXR_LOG(notificationsLog(), "deviceDisconnected notification:", notification, "device:", description());
+  PXR_LOG(notificationsLog(), "deviceDisconnected notification:", notification, "device:", description(),
+          outputFixer_->state());
   stopProgress();
   if (!gone) {
     PXR_LOG_ERROR("Nil device disconnected:", notification);
     return;
   }
   services_.loop.post([weak = weak_from_this(), notification] {
-    if (auto self = weak.lock()) self->updateConnectionState(ConnectionUpdateReason::disconnectedNotification(notification));
+    auto self = weak.lock();
+    if (!self) return;
+    self->outputFixer_->didDisconnect();
+    self->updateConnectionState(ConnectionUpdateReason::disconnectedNotification(notification));
   });
 }
 
@@ -299,9 +313,173 @@ void DeviceSetting::updateConnectionState(const ConnectionUpdateReason& reason) 
       connectLog()([&] {
         return "Previous connection state was unknown: " + description() + " so won't run script or change input";
       });
+    } else if (*isConnected_) {
+      reactToConnection();
+    } else {
+      reactToDisconnection();
     }
     stopProgress();
   }
+}
+
+void DeviceSetting::reactToConnection() {
+  connectLog()([&] { return "Was not already connected: " + description() + " so will try script and input"; });
+  auto weak = weak_from_this();
+  fastTimer_ = std::make_unique<PXRTimer>(services_.tunables(tunable::ConnectionUpdateFastTimerInterval), true, [weak] {
+    if (auto self = weak.lock()) self->updateConnectionState(ConnectionUpdateReason::fastTimer());
+  });
+  fastTimer_->schedule(services_.loop);
+  // Each connection schedules one drop, which ends whatever fast timer is
+  // running by then, even one that a later connection started.
+  services_.loop.postAfter(services_.tunables(tunable::ConnectionUpdateFastTimerDuration), [weak] {
+    if (auto self = weak.lock()) self->fastTimer_.reset();
+  });
+
+  if (isManuallyInitiatedConnection_) {
+    if (services_.tunables(tunable::EnableAutoSettingAudioOutput)) {
+      outputFixer_->didAutomaticallySetAudioOutput();
+      outputLog()([&] { return "No need to set sound output device because it was already set automatically: " + description(); });
+    }
+    isManuallyInitiatedConnection_ = false;
+  }
+
+  const bool deferToOutput = isPotentialAudioOutput_ == true &&
+                             services_.tunables(tunable::RunConnectionScriptWhenSettingAudioOutput);
+  if (!deferToOutput) {
+    scriptLog()([&] {
+      return "Connect script because potential " + describe(isPotentialAudioOutput_) + " and output setting " +
+             pxrDescribe(services_.tunables(tunable::RunConnectionScriptWhenSettingAudioOutput)) + ": " + description();
+    });
+    lastConnectionScriptRun_ = services_.loop.now();
+  }
+}
+
+void DeviceSetting::reactToDisconnection() {
+  connectLog()([&] { return "Device disconnected: " + description(); });
+  if (outputFixer_->didDisconnect()) return;
+}
+
+void DeviceSetting::toggleConnection(bool menuRequested) {
+  if (menuRequested && statusItem_) {
+    statusItem_->popUpMenu();
+    return;
+  }
+  auto found = device();
+  if (!found) return;
+  startProgress();
+  services_.loop.runOnWorker([self = shared_from_this(), found] {
+    auto& loop = self->services_.loop;
+    if (found->isConnected()) {
+      if (self->connectionOnlyMode()) {
+        connectLog()([&] { return "Tried to disconnect from " + self->description() + " but in connection-only mode"; });
+        loop.post([self] { self->stopProgress(); });
+        return;
+      }
+      loop.post([self] { self->outputFixer_->willManuallyDisconnect(); });
+      self->closeConnection();
+    } else {
+      self->openConnection();
+    }
+    loop.post([self] { self->updateConnectionState(ConnectionUpdateReason::toggle()); });
+  });
+}
+
+void DeviceSetting::openConnection() {
+  auto found = device();
+  if (!found) return;
+  isManuallyInitiatedConnection_ = true;
+  IOReturn result;
+  if (services_.tunables(tunable::TrySyncConnectFirst)) {
+    if (found->isConnected()) {
+      PXR_LOG(connectLog(), "Already connected to", description(), outputFixer_->state());
+      return;
+    }
+    PXR_LOG(connectLog(), "Begin sync connecting to", description(), outputFixer_->state());
+    result = found->openConnection();
+    if (pxrIsSuccess(result)) {
+      PXR_LOG(connectLog(), "End sync connecting to", description(), outputFixer_->state());
+      return;
+    }
+    connectLog()([&] { return "Error sync connecting to " + description() + " with status: " + pxrDescription(result); });
+  } else {
+    PXR_LOG(connectLog(), "Begin connecting to", description());
+    result = found->openConnection(10000);
+    if (pxrIsSuccess(result)) {
+      PXR_LOG(connectLog(), "End connecting to", description());
+      return;
+    }
+  }
+
+  PXR_LOG(connectLog(), "Retry connecting to", description());
+  result = found->openConnection(20000);
+  if (pxrIsSuccess(result)) {
+    connectLog()([&] { return "End retry connecting to " + description() + " with status: " + pxrDescription(result); });
+    return;
+  }
+  if (pxrIsBluetoothAlreadyConnected(result)) {
+    pxrLogError("It looks like " + description() + " is already connected: " + pxrDescription(result));
+  } else if (pxrIsMontereySpuriousBluetoothTimeout(result) && services_.operatingSystem.hasSpuriousConnectionTimeouts()) {
+    pxrLogError("Error " + pxrDescription(result) + " connecting to " + description() +
+                " on Monterey; will wait and see if this ends up being spurious.");
+    services_.loop.postAfter(services_.tunables(tunable::ConnectionWaitInterval),
+                             [self = shared_from_this(), found, result] { self->checkForDelayedConnection(found, result); });
+  } else {
+    pxrLogError("Error " + pxrDescription(result) + " connecting to " + description());
+    showConnectionErrorAlert(result);
+  }
+}
+
+void DeviceSetting::checkForDelayedConnection(const std::shared_ptr<BluetoothDevice>& found, const IOReturn& result) {
+  if (found->isConnected()) {
+    pxrLogError("Error " + pxrDescription(result) + " connecting to " + description() + " was spurious");
+    return;
+  }
+  pxrLogError("Error " + pxrDescription(result) + " connecting to " + description() + " was real");
+  showConnectionErrorAlert(result);
+}
+
+void DeviceSetting::closeConnection() {
+  auto found = device();
+  if (!found) return;
+  PXR_LOG(connectLog(), "Begin disconnecting from", description());
+  auto result = found->closeConnection();
+  if (pxrIsSuccess(result)) {
+    connectLog()([&] { return "End disconnecting from " + description() + " with status: " + pxrDescription(result); });
+    services_.loop.post([self = shared_from_this()] { self->outputFixer_->didDisconnect(); });
+  } else {
+    pxrLogError("Error " + pxrDescription(result) + " disconnecting from " + description());
+  }
+}
+
+void DeviceSetting::showConnectionErrorAlert(const IOReturn& result) {
+  services_.loop.post([self = shared_from_this(), result] {
+    const bool settled = !self->outputFixer_->isRetrying();
+    self->outputFixer_->didFailToConnect();
+    self->stopProgress();
+    // While the fixer is itself closing and reopening the connection, its
+    // failures are no news to the user.
+    if (!settled) return;
+    if (self->services_.alerts.runModal(self->connectionErrorAlert(result)) == 1) {
+      self->services_.alerts.openHelpPage("not-connecting");
+    }
+  });
+}
+
+Alert DeviceSetting::connectionErrorAlert(const IOReturn& result) const {
+  Alert alert;
+  alert.message = formatted(localized("Your Mac could not connect to “%@”."), deviceNameOrUnknown());
+  alert.buttons = {localized("OK"), localized("Help")};
+  if (pxrIsBluetoothTimeout(result)) {
+    alert.informativeText = localized("The Bluetooth connection timed out.");
+  } else if (pxrIsBluetoothOffline(result)) {
+    alert.informativeText =
+        services_.operatingSystem.usesSettingsWording()
+            ? localized("Please make sure that Bluetooth is enabled in the Bluetooth pane in System Settings.")
+            : localized("Please make sure that Bluetooth is On in the Bluetooth pane in System Preferences.");
+  } else {
+    alert.informativeText = formatted(localized("Bluetooth reported error %@."), pxrDescription(result));
+  }
+  return alert;
 }
 
 } // namespace lb

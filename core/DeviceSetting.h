@@ -2,6 +2,7 @@
 
 #include "core/ConnectionUpdateReason.h"
 #include "core/MenuBarIconOption.h"
+#include "core/OutputFixer.h"
 #include "core/Services.h"
 #include "foundation/PXRTimer.h"
 #include "foundation/SettingsValue.h"
@@ -100,11 +101,33 @@ public:
   // The one place where a change of the connection is noticed.
   void updateConnectionState(const ConnectionUpdateReason& reason);
 
+  // A click, the shortcut or a script asks to connect or disconnect. A
+  // click that asks for the menu (right click, or connect-only rules) opens
+  // it instead.
+  void toggleConnection(bool menuRequested = false);
+  // Blocking: a synchronous attempt, then a retry with a long page timeout.
+  // Called from a worker.
+  void openConnection();
+  // Blocking; called from a worker.
+  void closeConnection();
+  // After a time-out that may be spurious: connected now, or a real failure.
+  void checkForDelayedConnection(const std::shared_ptr<BluetoothDevice>& device, const IOReturn& result);
+  // Shows the connection error dialog on the main thread, unless the output
+  // fixer is in the middle of a repair.
+  void showConnectionErrorAlert(const IOReturn& result);
+  Alert connectionErrorAlert(const IOReturn& result) const;
+
+  OutputFixer& outputFixer() { return *outputFixer_; }
+  std::optional<Date> lastConnectionScriptRun() const { return lastConnectionScriptRun_; }
+  bool hasFastTimer() const { return fastTimer_ != nullptr; }
+
 private:
   DeviceSetting(Services& services, DeviceSettingManager* registry);
 
   void loadScripts();
   void startTimer();
+  void reactToConnection();
+  void reactToDisconnection();
 
   bool boolOption(const char* key, bool fallback) const;
   std::optional<SettingsValue> option(const char* key) const;
@@ -119,13 +142,19 @@ private:
   SettingsValue::Dictionary options_;
   std::atomic<bool> isManuallyInitiatedConnection_ = false;
 
+  // Worker log lines name the device too.
+  mutable std::mutex nameMutex_;
   mutable std::optional<std::string> cachedDeviceName_;
   std::optional<bool> isConnected_;
   std::optional<bool> isAudioOutput_;
   std::optional<bool> isPotentialAudioOutput_;
   bool showsProgress_ = false;
 
+  std::optional<Date> lastConnectionScriptRun_;
+
+  std::unique_ptr<OutputFixer> outputFixer_;
   std::unique_ptr<PXRTimer> timer_;
+  std::unique_ptr<PXRTimer> fastTimer_;
   std::unique_ptr<StatusItem> statusItem_;
   std::unique_ptr<NotificationRegistration> disconnectObserver_;
 };

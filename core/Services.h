@@ -2,10 +2,12 @@
 
 #include "core/Tunables.h"
 #include "core/UserDefaults.h"
+#include "ports/Alerts.h"
 #include "ports/Bluetooth.h"
 #include "ports/EventLoop.h"
 #include "ports/LoginItems.h"
 #include "ports/NameCollator.h"
+#include "ports/OperatingSystem.h"
 #include "ports/ScriptsFolder.h"
 #include "ports/ShortcutBinder.h"
 #include "ports/StatusBar.h"
@@ -25,6 +27,8 @@ struct Services {
   LoginItems& loginItems;
   ScriptsFolder& scriptsFolder;
   NameCollator& collator;
+  Alerts& alerts;
+  OperatingSystem& operatingSystem;
   UserDefaults& defaults;
   Tunables& tunables;
 };

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ports/IOReturn.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -19,6 +21,11 @@ public:
   virtual bool isConnected() const = 0;
   // The major device class of the Class of Device (4 is audio/video).
   virtual std::uint32_t majorDeviceClass() const = 0;
+
+  // Blocking calls, made from a worker thread. The page timeout counts
+  // baseband slots of 0.625 ms; without one the platform's default applies.
+  virtual IOReturn openConnection(std::optional<std::uint16_t> pageTimeout = std::nullopt) = 0;
+  virtual IOReturn closeConnection() = 0;
 
   std::string nameOrAddress() const { return name().value_or(addressString()); }
 

@@ -20,6 +20,10 @@ public:
   virtual ~StatusItem() = default;
   virtual void setAccessibilityLabel(const std::optional<std::string>& label) = 0;
   virtual void setAppearance(const StatusItemAppearance& appearance) = 0;
+  // While busy the item shows a spinner and takes no clicks.
+  virtual void setBusy(bool busy) = 0;
+  // Opens the device's menu from the item.
+  virtual void popUpMenu() = 0;
 };
 
 class StatusBar {

@@ -1,37 +1,63 @@
 #pragma once
 
 #include "ports/BluetoothDevice.h"
+#include "ports/EventLoop.h"
 
+#include <functional>
 #include <mutex>
+#include <vector>
 
 namespace lb {
+
+class SimBluetoothWorld;
+
+// What a simulated blocking call sees: the world to change, the loop whose
+// worker sleeps in virtual time, and the page timeout asked for.
+struct SimCallContext {
+  SimBluetoothWorld& world;
+  EventLoop& loop;
+  std::string address;
+  std::optional<std::uint16_t> pageTimeout;
+};
+
+// How a device answers a connect or disconnect; see sim/SimBehaviours.h.
+using SimBehaviour = std::function<IOReturn(SimCallContext&)>;
 
 // A simulated paired device. Core sees it through BluetoothDevice; the
 // world changes it through SimBluetoothWorld.
 class SimBluetoothDevice final : public BluetoothDevice {
 public:
-  SimBluetoothDevice(std::string address, std::optional<std::string> name, std::uint32_t majorClass)
-      : address_(std::move(address)), majorClass_(majorClass), name_(std::move(name)) {}
+  SimBluetoothDevice(SimBluetoothWorld& world, EventLoop& loop, std::string address,
+                     std::optional<std::string> name, std::uint32_t majorClass);
 
   std::string addressString() const override { return address_; }
-  std::optional<std::string> name() const override {
-    std::lock_guard lock(mutex_);
-    return name_;
-  }
-  bool isConnected() const override {
-    std::lock_guard lock(mutex_);
-    return connected_;
-  }
+  std::optional<std::string> name() const override;
+  bool isConnected() const override;
   std::uint32_t majorDeviceClass() const override { return majorClass_; }
+  IOReturn openConnection(std::optional<std::uint16_t> pageTimeout = std::nullopt) override;
+  IOReturn closeConnection() override;
+
+  // The world's side.
+  void setConnectBehaviour(SimBehaviour behaviour);
+  void setDisconnectBehaviour(SimBehaviour behaviour);
+  // The page timeouts of every connect call so far (none: the default).
+  std::vector<std::optional<std::uint16_t>> connectCalls() const;
+  int disconnectCalls() const;
 
 private:
   friend class SimBluetoothWorld;
 
+  SimBluetoothWorld& world_;
+  EventLoop& loop_;
   const std::string address_;
   const std::uint32_t majorClass_;
   mutable std::mutex mutex_;
   std::optional<std::string> name_;
   bool connected_ = false;
+  SimBehaviour connect_;
+  SimBehaviour disconnect_;
+  std::vector<std::optional<std::uint16_t>> connectCalls_;
+  int disconnectCalls_ = 0;
 };
 
 } // namespace lb

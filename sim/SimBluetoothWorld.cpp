@@ -17,7 +17,7 @@ private:
 
 SimBluetoothDevice& SimBluetoothWorld::addDevice(const std::string& address, std::optional<std::string> name,
                                                  std::uint32_t majorClass) {
-  auto device = std::make_shared<SimBluetoothDevice>(address, std::move(name), majorClass);
+  auto device = std::make_shared<SimBluetoothDevice>(*this, loop_, address, std::move(name), majorClass);
   std::lock_guard lock(mutex_);
   devices_[address] = device;
   return *device;

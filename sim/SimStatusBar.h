@@ -16,6 +16,8 @@ public:
     std::optional<std::string> label;
     std::optional<StatusItemAppearance> appearance;
     int redraws = 0;
+    bool busy = false;
+    int menuPopUps = 0;
 
     Item(SimStatusBar& owner, double itemLength) : bar(owner), length(itemLength) {}
     ~Item() override {
@@ -27,6 +29,8 @@ public:
       appearance = shown;
       ++redraws;
     }
+    void setBusy(bool value) override { busy = value; }
+    void popUpMenu() override { ++menuPopUps; }
   };
 
   double thickness() const override { return 22.0; }

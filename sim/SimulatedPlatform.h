@@ -2,8 +2,10 @@
 
 #include "core/Services.h"
 #include "sim/InMemorySettingsStore.h"
+#include "sim/SimAlerts.h"
 #include "sim/SimBluetooth.h"
 #include "sim/SimLoginItems.h"
+#include "sim/SimOperatingSystem.h"
 #include "sim/SimScriptsFolder.h"
 #include "sim/SimShortcutBinder.h"
 #include "sim/SimStatusBar.h"
@@ -34,7 +36,10 @@ struct SimulatedPlatform {
   SimLoginItems loginItems;
   SimScriptsFolder scriptsFolder;
   SimpleNameCollator collator;
-  Services services{loop, bluetooth, statusBar, windows, shortcuts, loginItems, scriptsFolder, collator, defaults, tunables};
+  SimAlerts alerts;
+  SimOperatingSystem operatingSystem;
+  Services services{loop,     bluetooth, statusBar, windows,         shortcuts, loginItems,
+                    scriptsFolder, collator, alerts, operatingSystem, defaults,  tunables};
 };
 
 } // namespace lb

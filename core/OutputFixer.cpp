@@ -1,0 +1,100 @@
+#include "core/OutputFixer.h"
+
+#include "core/DeviceSetting.h"
+#include "core/LogAreas.h"
+
+namespace lb {
+
+std::string OutputFixer::State::description() const {
+  switch (kind) {
+  case Kind::waitingToDisconnect: return "waitingToDisconnect(" + std::to_string(tries) + ")";
+  case Kind::waitingToReconnect: return "waitingToReconnect(" + std::to_string(tries) + ")";
+  case Kind::initial: return "initial";
+  case Kind::ok: return "ok";
+  case Kind::gaveUp: return "gaveUp";
+  }
+  return "unknown";
+}
+
+bool OutputFixer::isRetrying() const {
+  auto kind = state().kind;
+  return kind == State::Kind::waitingToDisconnect || kind == State::Kind::waitingToReconnect;
+}
+
+void OutputFixer::setOk(const char* because) {
+  state_.setValue(State::ok());
+  PXR_LOG(outputFixerLog(), std::string("Setting state to .ok because ") + because, deviceSetting_.description());
+}
+
+void OutputFixer::didDetectCorrectAudioOutput() { setOk("detected correct audio output"); }
+void OutputFixer::didAutomaticallySetAudioOutput() { setOk("automatically set audio output"); }
+void OutputFixer::didManuallySetAudioOutput() { setOk("manually set audio output"); }
+void OutputFixer::willManuallyDisconnect() { setOk("will manually disconnect"); }
+void OutputFixer::didFailToConnect() { setOk("failed to connect/reconnect"); }
+
+void OutputFixer::didFailToSetAudioOutput() {
+  const State current = state();
+  PXR_LOG(outputFixerLog(), "Failed to set audio output with state", current, deviceSetting_.description());
+  if (!services_.tunables(tunable::WorkAroundMissingAudioDevice)) return;
+
+  switch (current.kind) {
+  case State::Kind::waitingToDisconnect:
+    PXR_LOG_ERROR("Unexpectedly tried to set audio output while waiting to disconnect", current,
+                  deviceSetting_.description());
+    return;
+  case State::Kind::waitingToReconnect:
+    if (current.tries < 1) {
+      PXR_LOG_ERROR("Gave up trying to fix audio output:", deviceSetting_.description());
+      state_.setValue(State::gaveUp());
+      return;
+    }
+    PXR_LOG_ERROR(current.tries, "remaining tries for audio output fix:", deviceSetting_.description());
+    state_.setValue(State::waitingToDisconnect(current.tries - 1));
+    break;
+  case State::Kind::gaveUp:
+    pxrLogError("Already exhausted tries to fix audio ouptut");
+    return;
+  case State::Kind::initial:
+  case State::Kind::ok:
+    PXR_LOG_ERROR("Could not set audio output so disconnecting and reconnecting:", deviceSetting_.description());
+    state_.setValue(State::waitingToDisconnect(services_.tunables(tunable::MissingAudioDeviceTries) - 1));
+    break;
+  }
+
+  services_.loop.postAfter(services_.tunables(tunable::MissingAudioDeviceDisconnectionDelay),
+                           [setting = deviceSetting_.shared_from_this(), this] {
+                             if (setting->isAudioOutput() == false && setting->isPotentialAudioOutput() == true) {
+                               PXR_LOG_ERROR("Closing connection to try to fix audio output", state(), setting->description());
+                               services_.loop.runOnWorker([setting] { setting->closeConnection(); });
+                             } else {
+                               PXR_LOG(outputFixerLog(), "Skipping retry because audio output is now correct");
+                             }
+                           });
+}
+
+bool OutputFixer::didDisconnect() {
+  const State current = state();
+  PXR_LOG(outputFixerLog(), "Did disconnect with state", current);
+  switch (current.kind) {
+  case State::Kind::waitingToDisconnect:
+    state_.setValue(State::waitingToReconnect(current.tries));
+    PXR_LOG_ERROR("Re-opening connection to try to fix audio output", state(), deviceSetting_.description());
+    reopen();
+    return true;
+  case State::Kind::waitingToReconnect:
+    PXR_LOG_ERROR("Connecting again because disconnected while waiting to reconnect", current,
+                  deviceSetting_.description());
+    reopen();
+    return true;
+  default:
+    return false;
+  }
+}
+
+// The blocking connect runs on a worker, as a click's does, so the tray stays
+// responsive while it pages the device.
+void OutputFixer::reopen() {
+  services_.loop.runOnWorker([setting = deviceSetting_.shared_from_this()] { setting->openConnection(); });
+}
+
+} // namespace lb

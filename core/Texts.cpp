@@ -1,0 +1,25 @@
+#include "core/Texts.h"
+
+#include <map>
+
+namespace lb {
+
+std::string localized(std::string_view english) {
+  static const std::map<std::string_view, std::string_view> linux{
+      {"Your Mac could not connect to “%@”.", "Your computer could not connect to “%@”."},
+      {"Please make sure that Bluetooth is enabled in the Bluetooth pane in System Settings.",
+       "Please make sure that Bluetooth is turned on in your desktop’s Bluetooth settings."},
+      {"Please make sure that Bluetooth is On in the Bluetooth pane in System Preferences.",
+       "Please make sure that Bluetooth is On in your desktop’s Bluetooth settings."},
+  };
+  auto found = linux.find(english);
+  return std::string(found == linux.end() ? english : found->second);
+}
+
+std::string formatted(std::string_view format, std::string_view argument) {
+  std::string text(format);
+  if (auto at = text.find("%@"); at != std::string::npos) text.replace(at, 2, argument);
+  return text;
+}
+
+} // namespace lb

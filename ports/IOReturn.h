@@ -1,0 +1,54 @@
+#pragma once
+
+#include "foundation/Printing.h"
+
+#include <cstdint>
+#include <string>
+
+namespace lb {
+
+// The 32-bit result of a Bluetooth call: system (bits 26-31), subsystem
+// (14-25) and code (0-13). Backends map their own errors onto these codes so
+// that the program has one error model, and may attach their own text (such
+// as BlueZ's "br-connection-page-timeout") for logs and the error dialog.
+struct IOReturn {
+  std::int32_t value = 0;
+  std::string detail;
+
+  enum class System : std::int32_t { err_sys = 56 };
+  enum class Subsystem : std::int32_t { sub_iokit_common = 0, sub_iokit_bluetooth = 8 };
+  enum class Code : std::int32_t {
+    kBluetoothHCIErrorPageTimeout = 4,
+    kBluetoothHCIErrorACLConnectionAlreadyExists = 11,
+    kIOReturnNoDevice = 704,
+    kIOReturnTimeout = 726,
+    kIOReturnOffline = 727,
+  };
+
+  static IOReturn make(Subsystem subsystem, std::int32_t code, std::string detail = {}) {
+    auto bits = (std::uint32_t{56} << 26) | (static_cast<std::uint32_t>(subsystem) << 14) |
+                (static_cast<std::uint32_t>(code) & 0x3fff);
+    return {static_cast<std::int32_t>(bits), std::move(detail)};
+  }
+  static IOReturn success() { return {}; }
+
+  std::int32_t system() const { return static_cast<std::int32_t>((static_cast<std::uint32_t>(value) >> 26) & 0x3f); }
+  std::int32_t subsystem() const { return static_cast<std::int32_t>((static_cast<std::uint32_t>(value) >> 14) & 0xfff); }
+  std::int32_t code() const { return static_cast<std::int32_t>(static_cast<std::uint32_t>(value) & 0x3fff); }
+};
+
+std::string pxrDescription(IOReturn::System value);
+std::string pxrDescription(IOReturn::Subsystem value);
+std::string pxrDescription(IOReturn::Code value);
+
+inline bool pxrIsSuccess(const IOReturn& r) { return r.value == 0; }
+inline bool pxrIsBluetoothAlreadyConnected(const IOReturn& r) { return r.code() == 11; }
+inline bool pxrIsMontereySpuriousBluetoothTimeout(const IOReturn& r) { return r.code() == 726; }
+inline bool pxrIsBluetoothTimeout(const IOReturn& r) { return r.code() == 4 || r.code() == 726; }
+inline bool pxrIsBluetoothOffline(const IOReturn& r) { return r.code() == 727; }
+
+// "IOReturn -536870186 (56=0x38=err_sys, 0=0x0=sub_iokit_common,
+// 726=0x2d6=kIOReturnTimeout)", then the backend's text if it gave one.
+std::string pxrDescription(const IOReturn& r);
+
+} // namespace lb

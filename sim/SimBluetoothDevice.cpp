@@ -1,0 +1,65 @@
+#include "sim/SimBluetoothDevice.h"
+
+#include "sim/SimBehaviours.h"
+#include "sim/SimBluetoothWorld.h"
+
+namespace lb {
+
+SimBluetoothDevice::SimBluetoothDevice(SimBluetoothWorld& world, EventLoop& loop, std::string address,
+                                       std::optional<std::string> name, std::uint32_t majorClass)
+    : world_(world), loop_(loop), address_(std::move(address)), majorClass_(majorClass), name_(std::move(name)),
+      connect_(sim::succeedsAfter(1.0)), disconnect_(sim::disconnectsAfter(0.2)) {}
+
+std::optional<std::string> SimBluetoothDevice::name() const {
+  std::lock_guard lock(mutex_);
+  return name_;
+}
+
+bool SimBluetoothDevice::isConnected() const {
+  std::lock_guard lock(mutex_);
+  return connected_;
+}
+
+IOReturn SimBluetoothDevice::openConnection(std::optional<std::uint16_t> pageTimeout) {
+  SimBehaviour behaviour;
+  {
+    std::lock_guard lock(mutex_);
+    connectCalls_.push_back(pageTimeout);
+    behaviour = connect_;
+  }
+  SimCallContext call{world_, loop_, address_, pageTimeout};
+  return behaviour(call);
+}
+
+IOReturn SimBluetoothDevice::closeConnection() {
+  SimBehaviour behaviour;
+  {
+    std::lock_guard lock(mutex_);
+    ++disconnectCalls_;
+    behaviour = disconnect_;
+  }
+  SimCallContext call{world_, loop_, address_, std::nullopt};
+  return behaviour(call);
+}
+
+void SimBluetoothDevice::setConnectBehaviour(SimBehaviour behaviour) {
+  std::lock_guard lock(mutex_);
+  connect_ = std::move(behaviour);
+}
+
+void SimBluetoothDevice::setDisconnectBehaviour(SimBehaviour behaviour) {
+  std::lock_guard lock(mutex_);
+  disconnect_ = std::move(behaviour);
+}
+
+std::vector<std::optional<std::uint16_t>> SimBluetoothDevice::connectCalls() const {
+  std::lock_guard lock(mutex_);
+  return connectCalls_;
+}
+
+int SimBluetoothDevice::disconnectCalls() const {
+  std::lock_guard lock(mutex_);
+  return disconnectCalls_;
+}
+
+} // namespace lb
