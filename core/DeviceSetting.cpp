@@ -5,6 +5,8 @@
 #include "core/ScriptType.h"
 #include "core/Texts.h"
 
+#include <cmath>
+
 namespace lb {
 
 namespace {
@@ -299,8 +301,16 @@ void DeviceSetting::updateConnectionState(const ConnectionUpdateReason& reason) 
   auto found = device();
   if (!found) return;
   const auto wasConnected = isConnected_;
+  const auto wasAudioOutput = isAudioOutput_;
+  const auto wasPotentialAudioOutput = isPotentialAudioOutput_;
   if (found->isConnected()) {
     isConnected_ = true;
+    if (services_.tunables(tunable::EnableAudioOutput)) {
+      if (isPotentialAudioOutput_ != true) {
+        isPotentialAudioOutput_ = services_.outputDeviceManager.isPotentialOutput(*this);
+      }
+      if (isPotentialAudioOutput_ == true) isAudioOutput_ = services_.outputDeviceManager.isCurrent(*this);
+    }
   } else {
     isConnected_ = false;
     isAudioOutput_ = false;
@@ -320,6 +330,23 @@ void DeviceSetting::updateConnectionState(const ConnectionUpdateReason& reason) 
     }
     stopProgress();
   }
+  if (isAudioOutput_ != wasAudioOutput) {
+    outputLog()([&] {
+      return "isAudioOutput is now " + describe(isAudioOutput_) + " " + description() + " because " + reason.description();
+    });
+    if (isAudioOutput_ == true) {
+      outputFixer_->didDetectCorrectAudioOutput();
+      reactToSettingAudioOutput();
+    }
+    updateButtonImage();
+  }
+  if (isPotentialAudioOutput_ != wasPotentialAudioOutput) {
+    outputLog()([&] {
+      return "isPotentialAudioOutput is now " + describe(isPotentialAudioOutput_) + " " + description() + " because " +
+             reason.description();
+    });
+    updateButtonImage();
+  }
 }
 
 void DeviceSetting::reactToConnection() {
@@ -337,8 +364,13 @@ void DeviceSetting::reactToConnection() {
 
   if (isManuallyInitiatedConnection_) {
     if (services_.tunables(tunable::EnableAutoSettingAudioOutput)) {
-      outputFixer_->didAutomaticallySetAudioOutput();
-      outputLog()([&] { return "No need to set sound output device because it was already set automatically: " + description(); });
+      if (isAudioOutput_ == false && isPotentialAudioOutput_ == true) {
+        outputLog()([&] { return "Setting sound output device because connection was manually initiated: " + description(); });
+        setDefaultAudioOutput();
+      } else {
+        outputFixer_->didAutomaticallySetAudioOutput();
+        outputLog()([&] { return "No need to set sound output device because it was already set automatically: " + description(); });
+      }
     }
     isManuallyInitiatedConnection_ = false;
   }
@@ -352,11 +384,40 @@ void DeviceSetting::reactToConnection() {
     });
     lastConnectionScriptRun_ = services_.loop.now();
   }
+  if (keepDefaultAudioInput()) services_.inputDeviceManager.restoreLast();
 }
 
 void DeviceSetting::reactToDisconnection() {
   connectLog()([&] { return "Device disconnected: " + description(); });
   if (outputFixer_->didDisconnect()) return;
+  services_.inputDeviceManager.rememberCurrentDevice("disconnected");
+}
+
+void DeviceSetting::setDefaultAudioOutput() {
+  try {
+    services_.outputDeviceManager.setCurrent(*this);
+    outputFixer_->didManuallySetAudioOutput();
+  } catch (const AudioError& error) {
+    // Other failures were logged where they happened; only a missing device
+    // can be repaired by reconnecting.
+    if (error.kind() == AudioError::Kind::noMatchingAudioDevice) outputFixer_->didFailToSetAudioOutput();
+  }
+}
+
+void DeviceSetting::reactToSettingAudioOutput() {
+  if (services_.tunables(tunable::FixAudioInputWhenSettingAudioOutput) && keepDefaultAudioInput()) {
+    PXR_LOG(inputLog(), "Fixing audio input because audio output was set to:", description());
+    services_.inputDeviceManager.restoreLast();
+  }
+  if (!services_.tunables(tunable::RunConnectionScriptWhenSettingAudioOutput)) return;
+  const auto now = services_.loop.now();
+  if (lastConnectionScriptRun_ &&
+      std::abs(secondsBetween(*lastConnectionScriptRun_, now)) < services_.tunables(tunable::ConnectionScriptInterval)) {
+    PXR_LOG(scriptLog(), "Skipping connect script because audio output set because just ran:", description());
+    return;
+  }
+  PXR_LOG(scriptLog(), "Connect script because audio output set:", description());
+  lastConnectionScriptRun_ = now;
 }
 
 void DeviceSetting::toggleConnection(bool menuRequested) {
@@ -366,6 +427,15 @@ void DeviceSetting::toggleConnection(bool menuRequested) {
   }
   auto found = device();
   if (!found) return;
+  if (found->isConnected() && services_.tunables(tunable::EnableAudioOutput) && isAudioOutput_ == false &&
+      isPotentialAudioOutput_ == true) {
+    connectLog()([&] { return "Already connected but trying to set audio output: " + description(); });
+    if (services_.tunables(tunable::RememberAudioInputWhenSettingAudioOutput)) {
+      services_.inputDeviceManager.rememberCurrentDevice("setting output device");
+    }
+    setDefaultAudioOutput();
+    return;
+  }
   startProgress();
   services_.loop.runOnWorker([self = shared_from_this(), found] {
     auto& loop = self->services_.loop;
@@ -378,6 +448,7 @@ void DeviceSetting::toggleConnection(bool menuRequested) {
       loop.post([self] { self->outputFixer_->willManuallyDisconnect(); });
       self->closeConnection();
     } else {
+      self->services_.inputDeviceManager.rememberCurrentDevice("about to connect from Lanternbud");
       self->openConnection();
     }
     loop.post([self] { self->updateConnectionState(ConnectionUpdateReason::toggle()); });

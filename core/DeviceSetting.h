@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/BluetoothMatchable.h"
 #include "core/ConnectionUpdateReason.h"
 #include "core/MenuBarIconOption.h"
 #include "core/OutputFixer.h"
@@ -22,7 +23,7 @@ class DeviceSettingManager;
 // timers and notifications, and the last observed state. Lives on the main
 // thread; the options and the manual-connection flag are also read by the
 // worker that connects and disconnects, so they are guarded.
-class DeviceSetting : public std::enable_shared_from_this<DeviceSetting> {
+class DeviceSetting : public BluetoothMatchable, public std::enable_shared_from_this<DeviceSetting> {
 public:
   static constexpr const char* defaultScript = "#!/bin/sh\n";
 
@@ -42,14 +43,14 @@ public:
   std::int64_t deviceID() const;
   // The platform's device for the stored address; none, with an error line,
   // when no address is stored.
-  std::shared_ptr<BluetoothDevice> device() const;
+  std::shared_ptr<BluetoothDevice> device() const override;
   void setDevice(const BluetoothDevice* device);
 
   // The name, looked up once and then remembered.
-  std::optional<std::string> deviceName() const;
+  std::optional<std::string> deviceName() const override;
   std::string deviceNameOrUnknown() const;
   // "<DeviceSetting: name>"
-  std::string description() const;
+  std::string description() const override;
   void storeDeviceName(const std::string& name);
 
   MenuBarIconOption icon() const;
@@ -116,6 +117,13 @@ public:
   // fixer is in the middle of a repair.
   void showConnectionErrorAlert(const IOReturn& result);
   Alert connectionErrorAlert(const IOReturn& result) const;
+
+  // Makes this device the sound output; a device the audio system does not
+  // list goes to the output fixer.
+  void setDefaultAudioOutput();
+  // The output is this device now: restore the input if asked, and run the
+  // connect script, spaced by "ConnectionScriptInterval".
+  void reactToSettingAudioOutput();
 
   OutputFixer& outputFixer() { return *outputFixer_; }
   std::optional<Date> lastConnectionScriptRun() const { return lastConnectionScriptRun_; }

@@ -92,9 +92,15 @@ bool OutputFixer::didDisconnect() {
 }
 
 // The blocking connect runs on a worker, as a click's does, so the tray stays
-// responsive while it pages the device.
+// responsive while it pages the device. One disconnection is reported up to
+// three times; a reopening already under way answers them all, as a second
+// connect to a device that is being connected would only fail.
 void OutputFixer::reopen() {
-  services_.loop.runOnWorker([setting = deviceSetting_.shared_from_this()] { setting->openConnection(); });
+  if (reopening_.exchange(true)) return;
+  services_.loop.runOnWorker([this, setting = deviceSetting_.shared_from_this()] {
+    setting->openConnection();
+    reopening_ = false;
+  });
 }
 
 } // namespace lb

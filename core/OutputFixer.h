@@ -3,6 +3,7 @@
 #include "core/Services.h"
 #include "foundation/PXRAtomic.h"
 
+#include <atomic>
 #include <cstdint>
 #include <string>
 
@@ -56,6 +57,7 @@ private:
   DeviceSetting& deviceSetting_;
   Services& services_;
   PXRAtomic<State> state_{State::initial()};
+  std::atomic<bool> reopening_ = false;
 };
 
 } // namespace lb

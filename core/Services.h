@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/InputDeviceManager.h"
+#include "core/OutputDeviceManager.h"
 #include "core/Tunables.h"
 #include "core/UserDefaults.h"
 #include "ports/Alerts.h"
@@ -31,6 +33,8 @@ struct Services {
   OperatingSystem& operatingSystem;
   UserDefaults& defaults;
   Tunables& tunables;
+  OutputDeviceManager& outputDeviceManager;
+  InputDeviceManager& inputDeviceManager;
 };
 
 } // namespace lb

@@ -3,6 +3,7 @@
 #include "core/Services.h"
 #include "sim/InMemorySettingsStore.h"
 #include "sim/SimAlerts.h"
+#include "sim/SimAudioSystem.h"
 #include "sim/SimBluetooth.h"
 #include "sim/SimLoginItems.h"
 #include "sim/SimOperatingSystem.h"
@@ -38,8 +39,13 @@ struct SimulatedPlatform {
   SimpleNameCollator collator;
   SimAlerts alerts;
   SimOperatingSystem operatingSystem;
-  Services services{loop,     bluetooth, statusBar, windows,         shortcuts, loginItems,
-                    scriptsFolder, collator, alerts, operatingSystem, defaults,  tunables};
+  SimAudioSystem audio;
+  AudioHardware audioHardware{audio, loop};
+  OutputDeviceManager outputDeviceManager{audioHardware, tunables};
+  InputDeviceManager inputDeviceManager{audioHardware, tunables, loop};
+  Services services{loop,     bluetooth,       statusBar, windows,  shortcuts,           loginItems,
+                    scriptsFolder, collator,   alerts,    operatingSystem, defaults, tunables,
+                    outputDeviceManager, inputDeviceManager};
 };
 
 } // namespace lb

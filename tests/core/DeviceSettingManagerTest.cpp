@@ -157,6 +157,7 @@ TEST(DeviceSettingManager, GoingAwayUnregistersEverythingAndSaves) {
   InMemorySettingsStore store({{"devices", SettingsValue::Array{saved(1, "a")}}});
   SimulatedPlatform sim(store);
   sim.world.addDevice("a", "Alpha", 5);
+  const auto timersBefore = sim.loop.activeTimers().size();
   {
     DeviceSettingManager registry(sim.services);
     registry.deviceSettingList()[0]->setupStatusItem();
@@ -168,7 +169,7 @@ TEST(DeviceSettingManager, GoingAwayUnregistersEverythingAndSaves) {
   auto stored = store.value("devices");
   auto devices = stored->as<SettingsValue::Array>();
   EXPECT_EQ(devices->at(0).as<SettingsValue::Dictionary>()->at("deviceName"), SettingsValue("Alpha"));
-  EXPECT_TRUE(sim.loop.activeTimers().empty());
+  EXPECT_EQ(sim.loop.activeTimers().size(), timersBefore); // icon timer and slow timer gone
 }
 
 } // namespace lb

@@ -35,8 +35,10 @@ TEST(OutputFixer, WalksThroughItsTriesAndGivesUp) {
   EXPECT_TRUE(log.contains("Already exhausted tries to fix audio ouptut"));
   EXPECT_EQ(fixer.state(), State::gaveUp());
 
-  d.sim.loop.advance(30); // five reopenings ran on workers
-  EXPECT_EQ(d.device->connectCalls().size(), 5u);
+  // No time passed between the reports: the first reopening, still under
+  // way, answers all of them.
+  d.sim.loop.advance(30);
+  EXPECT_EQ(d.device->connectCalls().size(), 1u);
   fixer.didDetectCorrectAudioOutput();
   EXPECT_EQ(fixer.state(), State::ok());
   EXPECT_TRUE(log.contains("Setting state to .ok because detected correct audio output <DeviceSetting: Headset>"));

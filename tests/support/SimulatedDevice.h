@@ -14,7 +14,8 @@ struct SimulatedDevice {
   explicit SimulatedDevice(SettingsValue::Dictionary settings = {}, std::uint32_t majorClass = 5,
                            std::string name = "Keyboard")
       : store(std::move(settings)), sim(store) {
-    device = &sim.world.addDevice(address, std::move(name), majorClass);
+    sim.world.addDevice(address, std::move(name), majorClass);
+    device = sim.world.device(address);
     registry = std::make_unique<DeviceSettingManager>(sim.services);
     setting = registry->add(*device);
     sim.loop.runDue();
@@ -25,7 +26,7 @@ struct SimulatedDevice {
   const std::string address = "00-11-22-33-44-55";
   InMemorySettingsStore store;
   SimulatedPlatform sim;
-  SimBluetoothDevice* device = nullptr;
+  std::shared_ptr<SimBluetoothDevice> device; // outlives its unpairing
   std::unique_ptr<DeviceSettingManager> registry;
   std::shared_ptr<DeviceSetting> setting;
 };
