@@ -25,7 +25,8 @@ std::string describe(const std::optional<bool>& value) { return pxrDescribe(valu
 } // namespace
 
 DeviceSetting::DeviceSetting(Services& services, DeviceSettingManager* registry)
-    : services_(services), registry_(registry), outputFixer_(std::make_unique<OutputFixer>(*this, services)) {}
+    : services_(services), registry_(registry), scriptSaver_(services.scriptsFolder, services.defaults),
+      outputFixer_(std::make_unique<OutputFixer>(*this, services)) {}
 
 std::shared_ptr<DeviceSetting> DeviceSetting::make(Services& services, SettingsValue::Dictionary options,
                                                    DeviceSettingManager* registry) {
@@ -383,6 +384,7 @@ void DeviceSetting::reactToConnection() {
              pxrDescribe(services_.tunables(tunable::RunConnectionScriptWhenSettingAudioOutput)) + ": " + description();
     });
     lastConnectionScriptRun_ = services_.loop.now();
+    runScript(ScriptType::connected);
   }
   if (keepDefaultAudioInput()) services_.inputDeviceManager.restoreLast();
 }
@@ -390,6 +392,7 @@ void DeviceSetting::reactToConnection() {
 void DeviceSetting::reactToDisconnection() {
   connectLog()([&] { return "Device disconnected: " + description(); });
   if (outputFixer_->didDisconnect()) return;
+  runScript(ScriptType::disconnected);
   services_.inputDeviceManager.rememberCurrentDevice("disconnected");
 }
 
@@ -418,6 +421,52 @@ void DeviceSetting::reactToSettingAudioOutput() {
   }
   PXR_LOG(scriptLog(), "Connect script because audio output set:", description());
   lastConnectionScriptRun_ = now;
+  runScript(ScriptType::connected);
+}
+
+void DeviceSetting::runScript(ScriptType type) {
+  const bool enabled = type == ScriptType::connected ? runShellScriptAfterConnected() : runShellScriptAfterDisconnected();
+  if (!enabled) {
+    PXR_LOG(scriptLog(), "Script type not enabled: " + rawValue(type));
+    return;
+  }
+  const auto id = deviceID();
+  auto folder = services_.scriptsFolder.location();
+  if (!folder) {
+    PXR_LOG(scriptLog(), "No script URL for: " + std::to_string(id) + " " + rawValue(type));
+    return;
+  }
+  const auto name = scriptFileName(id, type);
+  const auto path = *folder + "/" + name;
+  if (!services_.scriptsFolder.fileExists(name)) {
+    PXR_LOG(scriptLog(), "No script for: " + path);
+    return;
+  }
+  const auto who = description(); // the script may end after this device setting is gone
+  scriptLog()([&] { return "Starting to run script " + who + ": " + path; });
+  auto failure = services_.scriptRunner.start(path, [who, path](const ScriptRunner::Outcome& outcome) {
+    if (outcome.success) {
+      scriptLog()([&] { return "Successfully ran script " + who + ": " + path; });
+    } else {
+      pxrLogError("Error running script " + who + ": " + outcome.description);
+    }
+  });
+  if (failure) pxrLogError("Error creating script: " + *failure);
+}
+
+void DeviceSetting::saveScripts() {
+  for (auto type : allScriptTypes) {
+    const auto key = rawValue(type);
+    auto value = option(key.c_str());
+    std::optional<std::string> edited;
+    if (auto text = value ? value->as<std::string>() : nullptr) edited = *text;
+    const auto id = deviceID();
+    const bool hasFolder = services_.scriptsFolder.location().has_value();
+    if (hasFolder && edited == services_.scriptsFolder.read(scriptFileName(id, type))) continue;
+    if (!hasFolder && !edited) continue;
+    scriptSaveLog()([&] { return "Saving " + key + " for device " + description(); });
+    scriptSaver_.saveScript(id, type, edited);
+  }
 }
 
 void DeviceSetting::toggleConnection(bool menuRequested) {

@@ -4,6 +4,7 @@
 #include "core/ConnectionUpdateReason.h"
 #include "core/MenuBarIconOption.h"
 #include "core/OutputFixer.h"
+#include "core/ScriptSaver.h"
 #include "core/Services.h"
 #include "foundation/PXRTimer.h"
 #include "foundation/SettingsValue.h"
@@ -125,6 +126,13 @@ public:
   // connect script, spaced by "ConnectionScriptInterval".
   void reactToSettingAudioOutput();
 
+  // Starts the script of that type if it is switched on and has a file;
+  // its end is only logged.
+  void runScript(ScriptType type);
+  // Writes edited script texts to their files; unchanged ones are left
+  // alone. Throws ScriptError or the file system's failure.
+  void saveScripts();
+
   OutputFixer& outputFixer() { return *outputFixer_; }
   std::optional<Date> lastConnectionScriptRun() const { return lastConnectionScriptRun_; }
   bool hasFastTimer() const { return fastTimer_ != nullptr; }
@@ -159,6 +167,7 @@ private:
   bool showsProgress_ = false;
 
   std::optional<Date> lastConnectionScriptRun_;
+  ScriptSaver scriptSaver_;
 
   std::unique_ptr<OutputFixer> outputFixer_;
   std::unique_ptr<PXRTimer> timer_;

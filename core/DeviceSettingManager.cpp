@@ -14,7 +14,7 @@ std::optional<std::string> addressOf(const std::shared_ptr<BluetoothDevice>& dev
 } // namespace
 
 DeviceSettingManager::DeviceSettingManager(Services& services)
-    : services_(services), scriptSaver_(services.scriptsFolder) {
+    : services_(services), scriptSaver_(services.scriptsFolder, services.defaults) {
   PXR_LOG(dockLog(), "DeviceSettingManager.init()");
   checkMigration();
   load();

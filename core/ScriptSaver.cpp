@@ -1,12 +1,124 @@
 #include "core/ScriptSaver.h"
 
+#include "core/AppIdentity.h"
 #include "core/LogAreas.h"
+#include "core/Texts.h"
 
 namespace lb {
 
+namespace {
+constexpr const char* bookmarkKey = "scriptFolderURL";
+
+struct FileFailure : std::runtime_error {
+  using std::runtime_error::runtime_error;
+};
+} // namespace
+
+std::string ScriptSaver::normalizingLineBreaks(const std::string& text) {
+  std::string result;
+  result.reserve(text.size());
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] == '\r') {
+      result += '\n';
+      if (i + 1 < text.size() && text[i + 1] == '\n') ++i;
+    } else {
+      result += text[i];
+    }
+  }
+  return result;
+}
+
+bool ScriptSaver::promptForAccess(const std::string& location, const std::string& message) {
+  PXR_LOG(scriptSaveLog(), "Prompting for access to", location);
+  return folder_.promptForAccess(location, message);
+}
+
+std::pair<std::string, bool> ScriptSaver::ensureApplicationScriptsFolder() {
+  auto folder = folder_.location();
+  if (!folder) throw FileFailure("the system has no place for a scripts folder");
+  if (folder_.exists()) {
+    PXR_LOG(scriptSaveLog(), "Folder in Application Scripts already exists:", *folder);
+    return {*folder, false};
+  }
+  auto parent = folder_.parentLocation();
+  PXR_LOG(scriptSaveLog(), "Prompting for access to:", parent);
+  if (!promptForAccess(parent, localized("Please select the User > Library > Application Scripts folder to save the scripts."))) {
+    PXR_LOG(scriptSaveLog(), "Didn't get access to:", parent);
+    if (auto failure = folder_.create()) throw FileFailure(*failure);
+    return {*folder, false};
+  }
+  if (auto failure = folder_.create()) throw FileFailure(*failure);
+  PXR_LOG(scriptSaveLog(), "Created:", *folder);
+  return {*folder, true};
+}
+
+void ScriptSaver::withWritableScriptFolder(bool ask, const Completion& completion) {
+  if (auto stored = defaults_.object(bookmarkKey); stored && stored->is<SettingsValue::Data>()) {
+    auto resolved = folder_.resolveBookmark(*stored->as<SettingsValue::Data>());
+    if (resolved && folder_.startAccessing(*resolved)) {
+      PXR_LOG(scriptSaveLog(), "Accessing stored bookmark:", *resolved);
+      struct StopAccessing {
+        ScriptsFolder& folder;
+        std::string location;
+        ~StopAccessing() { folder.stopAccessing(location); }
+      } stop{folder_, *resolved};
+      completion(*resolved);
+      return;
+    }
+  }
+  if (!ask) {
+    PXR_LOG(scriptSaveLog(), "No access and not set to ask");
+    completion(std::nullopt);
+    return;
+  }
+  try {
+    auto [folder, access] = ensureApplicationScriptsFolder();
+    PXR_LOG(scriptSaveLog(), "Access", access, "to folder", folder);
+    bool granted = access || promptForAccess(folder, localized("Please select the User > Library > Application Scripts > ") +
+                                                         bundleIdentifier + localized(" folder to save the scripts."));
+    if (granted) {
+      auto bookmark = folder_.bookmark(folder);
+      if (!bookmark) throw FileFailure("could not remember access to " + folder);
+      PXR_LOG(scriptSaveLog(), "Saving bookmark for", folder);
+      defaults_.setValue(bookmarkKey, *bookmark);
+      completion(folder);
+      return;
+    }
+  } catch (const std::exception& error) {
+    pxrLogError(std::string("Error getting script folder: ") + error.what());
+  }
+  PXR_LOG(scriptSaveLog(), "Never got access");
+  completion(std::nullopt);
+}
+
+void ScriptSaver::saveScript(std::int64_t deviceID, ScriptType type, const std::optional<std::string>& text) {
+  withWritableScriptFolder(true, [&](const std::optional<std::string>& folder) {
+    PXR_LOG(scriptSaveLog(), "Received baseURL", folder);
+    if (!folder) throw ScriptError();
+    const auto name = scriptFileName(deviceID, type);
+    const auto path = *folder + "/" + name;
+    PXR_LOG(scriptSaveLog(), "Script URL is", path);
+    if (folder_.fileExists(name)) {
+      PXR_LOG(scriptSaveLog(), "Removing URL", path);
+      if (auto failure = folder_.remove(name)) throw FileFailure("removing " + path + ": " + *failure);
+    }
+    if (!text || text->empty()) return;
+    PXR_LOG(scriptSaveLog(), "Writing to URL", path);
+    if (auto failure = folder_.write(name, normalizingLineBreaks(*text))) throw FileFailure("writing " + path + ": " + *failure);
+  });
+}
+
 void ScriptSaver::cleanUp(std::int64_t deviceID, ScriptType type) {
-  auto name = scriptFileName(deviceID, type);
-  if (folder_.remove(name)) PXR_LOG(scriptSaveLog(), "Cleaning up URL", folder_.location().value_or("") + "/" + name);
+  try {
+    withWritableScriptFolder(false, [&](const std::optional<std::string>& folder) {
+      const auto name = scriptFileName(deviceID, type);
+      if (!folder || !folder_.fileExists(name)) return;
+      PXR_LOG(scriptSaveLog(), "Cleaning up URL", *folder + "/" + name);
+      folder_.remove(name);
+    });
+  } catch (const std::exception&) {
+    // Cleaning up reports nothing: a file left behind harms no one.
+  }
 }
 
 } // namespace lb

@@ -1,23 +1,50 @@
 #pragma once
 
 #include "core/ScriptType.h"
+#include "core/UserDefaults.h"
 #include "ports/ScriptsFolder.h"
 
 #include <cstdint>
+#include <functional>
+#include <optional>
+#include <stdexcept>
+#include <string>
 
 namespace lb {
 
-// A device's script files in the scripts folder.
+// No writable scripts folder could be had.
+class ScriptError : public std::runtime_error {
+public:
+  ScriptError() : std::runtime_error("no permission to write to the scripts folder") {}
+};
+
+// A device's script files in the scripts folder, and write access to it:
+// asked for once, remembered under "scriptFolderURL", reused silently.
 class ScriptSaver {
 public:
-  explicit ScriptSaver(ScriptsFolder& folder) : folder_(folder) {}
+  ScriptSaver(ScriptsFolder& folder, UserDefaults& defaults) : folder_(folder), defaults_(defaults) {}
 
-  // Removes the device's script of that type if there is one; never fails
-  // and never asks the user.
+  // Replaces the script file with `text` (line breaks made line feeds), or
+  // removes it when the text is absent or empty. May ask the user for
+  // access; throws ScriptError without it, or the file system's failure.
+  void saveScript(std::int64_t deviceID, ScriptType type, const std::optional<std::string>& text);
+
+  // Removes the script file if the remembered grant allows; never asks,
+  // never fails.
   void cleanUp(std::int64_t deviceID, ScriptType type);
 
+  // "\r\n" and "\r" become "\n".
+  static std::string normalizingLineBreaks(const std::string& text);
+
 private:
+  using Completion = std::function<void(const std::optional<std::string>& folder)>;
+  void withWritableScriptFolder(bool ask, const Completion& completion);
+  // The folder, and whether access was granted on the way.
+  std::pair<std::string, bool> ensureApplicationScriptsFolder();
+  bool promptForAccess(const std::string& location, const std::string& message);
+
   ScriptsFolder& folder_;
+  UserDefaults& defaults_;
 };
 
 } // namespace lb

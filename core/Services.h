@@ -10,6 +10,7 @@
 #include "ports/LoginItems.h"
 #include "ports/NameCollator.h"
 #include "ports/OperatingSystem.h"
+#include "ports/ScriptRunner.h"
 #include "ports/ScriptsFolder.h"
 #include "ports/ShortcutBinder.h"
 #include "ports/StatusBar.h"
@@ -28,6 +29,7 @@ struct Services {
   ShortcutBinder& shortcuts;
   LoginItems& loginItems;
   ScriptsFolder& scriptsFolder;
+  ScriptRunner& scriptRunner;
   NameCollator& collator;
   Alerts& alerts;
   OperatingSystem& operatingSystem;

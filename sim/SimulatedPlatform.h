@@ -7,6 +7,7 @@
 #include "sim/SimBluetooth.h"
 #include "sim/SimLoginItems.h"
 #include "sim/SimOperatingSystem.h"
+#include "sim/SimScriptRunner.h"
 #include "sim/SimScriptsFolder.h"
 #include "sim/SimShortcutBinder.h"
 #include "sim/SimStatusBar.h"
@@ -36,6 +37,7 @@ struct SimulatedPlatform {
   SimShortcutBinder shortcuts;
   SimLoginItems loginItems;
   SimScriptsFolder scriptsFolder;
+  SimScriptRunner scriptRunner;
   SimpleNameCollator collator;
   SimAlerts alerts;
   SimOperatingSystem operatingSystem;
@@ -43,9 +45,9 @@ struct SimulatedPlatform {
   AudioHardware audioHardware{audio, loop};
   OutputDeviceManager outputDeviceManager{audioHardware, tunables};
   InputDeviceManager inputDeviceManager{audioHardware, tunables, loop};
-  Services services{loop,     bluetooth,       statusBar, windows,  shortcuts,           loginItems,
-                    scriptsFolder, collator,   alerts,    operatingSystem, defaults, tunables,
-                    outputDeviceManager, inputDeviceManager};
+  Services services{loop,          bluetooth,    statusBar, windows,         shortcuts, loginItems,
+                    scriptsFolder, scriptRunner, collator,  alerts,          operatingSystem,
+                    defaults,      tunables,     outputDeviceManager, inputDeviceManager};
 };
 
 } // namespace lb

@@ -83,8 +83,10 @@ TEST(DeviceSettingManager, AddingARegisteredAddressChangesNothing) {
 
 TEST(DeviceSettingManager, RemovingDeletesScriptsAndShortcutKeysButNotTheSavedList) {
   const SettingsValue devices = SettingsValue::Array{saved(1, "a"), saved(2, "b")};
+  const std::string folder = SimScriptsFolder::folder;
   InMemorySettingsStore store({{"devices", devices}, {"shortcutDictForDevice2", SettingsValue::Dictionary{}},
-                               {"shortcutForDevice2", "old"}, {"shortcutDictForDevice1", SettingsValue::Dictionary{}}});
+                               {"shortcutForDevice2", "old"}, {"shortcutDictForDevice1", SettingsValue::Dictionary{}},
+                               {"scriptFolderURL", SettingsValue::Data(folder.begin(), folder.end())}});
   SimulatedPlatform sim(store);
   sim.world.addDevice("a", "Alpha", 5);
   sim.world.addDevice("b", "Beta", 5);
@@ -102,6 +104,12 @@ TEST(DeviceSettingManager, RemovingDeletesScriptsAndShortcutKeysButNotTheSavedLi
   EXPECT_EQ(store.value("devices"), devices); // until the next save
   registry.synchronize();
   EXPECT_EQ(store.value("devices")->as<SettingsValue::Array>()->size(), 1u);
+
+  // Without a usable grant for the folder the files stay, and nothing is asked.
+  sim.scriptsFolder.bookmarksResolve = false;
+  registry.remove(0);
+  EXPECT_EQ(sim.scriptsFolder.files.size(), 1u);
+  EXPECT_TRUE(sim.scriptsFolder.prompts.empty());
 }
 
 TEST(DeviceSettingManager, AConnectNotificationReachesEveryDeviceWithThatAddress) {
