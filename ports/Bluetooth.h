@@ -5,6 +5,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace lb {
 
@@ -19,6 +20,11 @@ struct BluetoothNotification {
 class NotificationRegistration {
 public:
   virtual ~NotificationRegistration() = default;
+};
+
+struct PairedDevice {
+  std::string name;
+  std::string address;
 };
 
 // The platform's Bluetooth classic devices. Notifications arrive on the main
@@ -39,6 +45,9 @@ public:
   // One device's disconnection.
   virtual std::unique_ptr<NotificationRegistration> registerForDisconnectNotification(const BluetoothDevice& device,
                                                                                       NotificationHandler handler) = 0;
+
+  // The devices the user has paired, for choosing one to add.
+  virtual std::vector<PairedDevice> pairedDevices() const = 0;
 };
 
 } // namespace lb

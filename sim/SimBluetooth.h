@@ -20,6 +20,7 @@ public:
                                                                               NotificationHandler handler) override {
     return world_.subscribe(device.addressString(), false, std::move(handler));
   }
+  std::vector<PairedDevice> pairedDevices() const override { return world_.pairedDevices(); }
 
 private:
   SimBluetoothWorld& world_;

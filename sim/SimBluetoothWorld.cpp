@@ -73,6 +73,13 @@ std::unique_ptr<NotificationRegistration> SimBluetoothWorld::subscribe(std::opti
   return std::make_unique<Registration>(*this, id);
 }
 
+std::vector<PairedDevice> SimBluetoothWorld::pairedDevices() const {
+  std::lock_guard lock(mutex_);
+  std::vector<PairedDevice> paired;
+  for (const auto& [address, device] : devices_) paired.push_back({device->name().value_or(address), address});
+  return paired;
+}
+
 std::size_t SimBluetoothWorld::subscriptionCount() const {
   std::lock_guard lock(mutex_);
   return subscriptions_.size();

@@ -32,6 +32,7 @@ public:
   std::unique_ptr<NotificationRegistration> subscribe(std::optional<std::string> address, bool connects,
                                                       Bluetooth::NotificationHandler handler);
   std::size_t subscriptionCount() const;
+  std::vector<PairedDevice> pairedDevices() const;
 
 private:
   struct Subscription {

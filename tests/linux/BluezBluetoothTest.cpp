@@ -1,0 +1,187 @@
+#include "core/DeviceSetting.h"
+#include "linux/BluezBluetooth.h"
+#include "linux/BluezDevice.h"
+#include "linux/BluezErrors.h"
+#include "linux/QtEventLoop.h"
+#include "sim/SimulatedPlatform.h"
+#include "tests/support/CapturedLog.h"
+#include "tests/support/PrivateBus.h"
+
+#include <gtest/gtest.h>
+
+#include <future>
+#include <thread>
+
+namespace lb {
+
+namespace {
+
+constexpr const char* headsetAddress = "00:1B:66:AA:BB:CC";
+constexpr const char* mouseAddress = "F0:99:B6:11:22:33";
+const QString adapterPath = "/org/bluez/hci0";
+const QString headsetPath = "/org/bluez/hci0/dev_00_1B_66_AA_BB_CC";
+const QString mousePath = "/org/bluez/hci0/dev_F0_99_B6_11_22_33";
+
+// A private system bus with the BlueZ model: one adapter, a paired headset
+// (audio class) and a paired mouse.
+class BluezTest : public ::testing::Test {
+protected:
+  void SetUp() override {
+    if (!bus.skipReason().empty() || !bus.startBluez()) GTEST_SKIP() << bus.skipReason();
+    populate();
+    connection = std::make_unique<QDBusConnection>(bus.connect("lanternbud"));
+    bluetooth = std::make_unique<BluezBluetooth>(*connection);
+  }
+
+  void populate() {
+    bus.bluez("/", "org.bluez.Mock", "AddAdapter", {"hci0", "my-computer"});
+    for (auto [address, name, deviceClass] : {std::tuple{headsetAddress, "WH Headset", 0x240404},
+                                              std::tuple{mouseAddress, "MX Mouse", 0x002580}}) {
+      bus.bluez("/", "org.bluez.Mock", "AddDevice", {"hci0", address, name});
+      bus.bluez("/", "org.bluez.Mock", "PairDevice", {"hci0", address, deviceClass});
+    }
+  }
+
+  // Runs a blocking call on a thread of its own, as a worker would, while
+  // the main thread keeps delivering signals.
+  IOReturn onWorker(std::function<IOReturn()> call) {
+    auto future = std::async(std::launch::async, std::move(call));
+    test::waitUntil([&] { return future.wait_for(std::chrono::seconds(0)) == std::future_status::ready; }, 60);
+    return future.get();
+  }
+
+  QDBusMessage replaceMethod(const QString& path, const char* name, const char* code) {
+    return bus.bluez(path, "org.freedesktop.DBus.Mock", "AddMethod", {"org.bluez.Device1", name, "", "", code});
+  }
+
+  test::PrivateBus bus;
+  std::unique_ptr<QDBusConnection> connection;
+  std::unique_ptr<BluezBluetooth> bluetooth;
+};
+
+} // namespace
+
+TEST_F(BluezTest, FindsDevicesByEitherAddressForm) {
+  for (auto form : {"00:1B:66:AA:BB:CC", "00-1b-66-aa-bb-cc", "00:1b:66:AA:bb:CC"}) {
+    auto device = bluetooth->deviceWithAddressString(form);
+    ASSERT_TRUE(device) << form;
+    EXPECT_EQ(device->addressString(), headsetAddress); // as BlueZ writes it
+  }
+  auto headset = bluetooth->deviceWithAddressString(headsetAddress);
+  EXPECT_EQ(headset->name(), "WH Headset");
+  EXPECT_EQ(headset->majorDeviceClass(), 4u);
+  EXPECT_EQ(bluetooth->deviceWithAddressString(mouseAddress)->majorDeviceClass(), 5u);
+  EXPECT_FALSE(headset->isConnected());
+  EXPECT_FALSE(bluetooth->deviceWithAddressString("11:22:33:44:55:66"));
+  EXPECT_EQ(bluetooth->pairedDevices().size(), 2u);
+
+  bus.bluez(headsetPath, "org.freedesktop.DBus.Mock", "UpdateProperties",
+            {"org.bluez.Device1", QVariantMap{{"Alias", "Kitchen Headset"}}});
+  EXPECT_TRUE(test::waitUntil([&] { return headset->name() == "Kitchen Headset"; }));
+
+  bus.bluez("/", "org.bluez.Mock", "AddDevice", {"hci0", "AA:AA:AA:AA:AA:AA", "Later Speaker"});
+  EXPECT_TRUE(test::waitUntil([&] { return bluetooth->deviceWithAddressString("aa-aa-aa-aa-aa-aa") != nullptr; }));
+}
+
+TEST_F(BluezTest, ConnectAndDisconnectWithTheirNotifications) {
+  std::vector<std::string> heard;
+  auto connects = bluetooth->registerForConnectNotifications(
+      [&](const BluetoothNotification&, std::shared_ptr<BluetoothDevice> device) { heard.push_back("connected " + device->addressString()); });
+  auto headset = bluetooth->deviceWithAddressString(headsetAddress);
+  auto disconnects = bluetooth->registerForDisconnectNotification(
+      *headset, [&](const BluetoothNotification&, std::shared_ptr<BluetoothDevice> device) { heard.push_back("disconnected " + device->addressString()); });
+
+  EXPECT_TRUE(pxrIsSuccess(onWorker([&] { return headset->openConnection(); })));
+  EXPECT_TRUE(test::waitUntil([&] { return headset->isConnected() && heard.size() == 1; }));
+  EXPECT_TRUE(pxrIsBluetoothAlreadyConnected(onWorker([&] { return headset->openConnection(20000); })));
+  EXPECT_TRUE(pxrIsSuccess(onWorker([&] { return headset->closeConnection(); })));
+  EXPECT_TRUE(test::waitUntil([&] { return !headset->isConnected() && heard.size() == 2; }));
+  EXPECT_EQ(heard, (std::vector<std::string>{"connected 00:1B:66:AA:BB:CC", "disconnected 00:1B:66:AA:BB:CC"}));
+
+  auto mouse = bluetooth->deviceWithAddressString(mouseAddress);
+  EXPECT_TRUE(pxrIsSuccess(onWorker([&] { return mouse->openConnection(); })));
+  EXPECT_TRUE(test::waitUntil([&] { return heard.size() == 3; }));
+  EXPECT_EQ(heard.size(), 3u); // the mouse's disconnection is not the headset's business
+}
+
+TEST_F(BluezTest, BluezErrorsBecomeResultCodes) {
+  auto headset = bluetooth->deviceWithAddressString(headsetAddress);
+  replaceMethod(headsetPath, "Connect", "raise dbus.exceptions.DBusException('Page Timeout', name='org.bluez.Error.Failed')");
+  auto page = onWorker([&] { return headset->openConnection(); });
+  EXPECT_EQ(page.code(), 4);
+  EXPECT_EQ(page.detail, "org.bluez.Error.Failed: Page Timeout");
+
+  replaceMethod(headsetPath, "Connect", "raise dbus.exceptions.DBusException('br-connection-page-timeout', name='org.bluez.Error.Failed')");
+  EXPECT_EQ(onWorker([&] { return headset->openConnection(); }).code(), 4);
+  replaceMethod(headsetPath, "Connect", "raise dbus.exceptions.DBusException('Resource Not Ready', name='org.bluez.Error.NotReady')");
+  EXPECT_EQ(onWorker([&] { return headset->openConnection(); }).code(), 727);
+  replaceMethod(headsetPath, "Connect", "raise dbus.exceptions.DBusException('Input/output error', name='org.bluez.Error.Failed')");
+  auto other = onWorker([&] { return headset->openConnection(); });
+  EXPECT_EQ(other.code(), 700);
+  EXPECT_NE(pxrDescription(other).find("org.bluez.Error.Failed: Input/output error"), std::string::npos);
+
+  // An adapter that is off: known from the mirror, nothing is sent.
+  bus.bluez(adapterPath, "org.freedesktop.DBus.Mock", "UpdateProperties", {"org.bluez.Adapter1", QVariantMap{{"Powered", false}}});
+  ASSERT_TRUE(test::waitUntil([&] {
+    return onWorker([&] { return headset->openConnection(); }).code() == 727;
+  }));
+
+  // Unpaired while held: gone for lookups, and its calls answer at once.
+  bus.bluez(adapterPath, "org.bluez.Adapter1", "RemoveDevice", {QVariant::fromValue(QDBusObjectPath(headsetPath))});
+  EXPECT_TRUE(test::waitUntil([&] { return !bluetooth->deviceWithAddressString(headsetAddress); }));
+  EXPECT_EQ(onWorker([&] { return headset->openConnection(); }).code(), 704);
+
+  EXPECT_EQ(bluezResult("org.freedesktop.DBus.Error.NoReply", "Did not receive a reply").code(), 726);
+  EXPECT_EQ(bluezResult("org.freedesktop.DBus.Error.UnknownObject", "").code(), 704);
+  EXPECT_EQ(BluezDevice::callTimeoutMilliseconds(20000), 32'500);
+  EXPECT_EQ(BluezDevice::callTimeoutMilliseconds(std::nullopt), 25'120);
+}
+
+TEST_F(BluezTest, ABluetoothdRestartIsFollowed) {
+  test::CapturedLog log;
+  auto held = bluetooth->deviceWithAddressString(headsetAddress);
+  bus.killBluez();
+  ASSERT_TRUE(test::waitUntil([&] { return !bluetooth->deviceWithAddressString(headsetAddress); }));
+  EXPECT_TRUE(log.contains("BlueZ left the bus"));
+  auto started = std::chrono::steady_clock::now();
+  EXPECT_EQ(onWorker([&] { return held->openConnection(); }).code(), 704);
+  EXPECT_LT(std::chrono::steady_clock::now() - started, std::chrono::seconds(5)); // no call waits for a reply
+
+  ASSERT_TRUE(bus.startBluez());
+  populate();
+  EXPECT_TRUE(test::waitUntil([&] { return bluetooth->deviceWithAddressString("00-1b-66-aa-bb-cc") != nullptr; }));
+  EXPECT_TRUE(pxrIsSuccess(onWorker([&] { return held->openConnection(); })));
+}
+
+// The program's own logic, unchanged, on BlueZ: a device setting follows
+// its device and a toggle connects it through the real bus.
+TEST_F(BluezTest, ADeviceSettingFollowsAndConnectsItsDevice) {
+  InMemorySettingsStore store({{"ConnectionUpdateTimerInterval", 0.05}});
+  SimulatedPlatform sim(store);
+  QtEventLoop loop;
+  Services services{loop,          *bluetooth,   sim.statusBar, sim.windows,         sim.shortcuts, sim.loginItems,
+                    sim.scriptsFolder, sim.scriptRunner, sim.collator, sim.alerts, sim.operatingSystem,
+                    sim.defaults,  sim.tunables, sim.outputDeviceManager, sim.inputDeviceManager};
+  auto setting = DeviceSetting::make(services, {{"deviceID", 1}, {"device", "00-1b-66-aa-bb-cc"}});
+  setting->setupStatusItem();
+  ASSERT_TRUE(test::waitUntil([&] { return setting->isConnected() == false; }));
+
+  setting->toggleConnection();
+  EXPECT_TRUE(test::waitUntil([&] { return setting->isConnected() == true && !sim.statusBar.items()[0]->busy; }));
+
+  bus.bluez(headsetPath, "org.bluez.Device1", "Disconnect"); // from outside
+  EXPECT_TRUE(test::waitUntil([&] { return setting->isConnected() == false; }));
+
+  replaceMethod(headsetPath, "Connect", "raise dbus.exceptions.DBusException('Page Timeout', name='org.bluez.Error.Failed')");
+  setting->toggleConnection();
+  EXPECT_TRUE(test::waitUntil([&] { return !sim.alerts.shown.empty(); }));
+  EXPECT_EQ(sim.alerts.shown[0].informativeText, "The Bluetooth connection timed out.");
+
+  // Idle, the state tracking sends BlueZ nothing at all.
+  test::PrivateBus::MessageCounter sent(bus, connection->baseService());
+  ASSERT_TRUE(sent.started()) << "dbus-monitor did not start";
+  test::waitUntil([] { return false; }, 1.0); // twenty updates of the slow timer
+  EXPECT_EQ(sent.count(), 0);
+}
+
+} // namespace lb

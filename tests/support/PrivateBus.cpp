@@ -1,0 +1,126 @@
+#include "tests/support/PrivateBus.h"
+
+#include <QCoreApplication>
+#include <QDBusConnectionInterface>
+#include <QDBusReply>
+#include <QElapsedTimer>
+#include <QVariantMap>
+
+#include <filesystem>
+
+namespace lb::test {
+
+bool waitUntil(const std::function<bool()>& predicate, double seconds) {
+  QElapsedTimer clock;
+  clock.start();
+  while (!predicate()) {
+    if (static_cast<double>(clock.elapsed()) > seconds * 1000) return false;
+    QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+  }
+  return true;
+}
+
+PrivateBus::PrivateBus() {
+  if (!std::filesystem::exists("/usr/bin/dbus-daemon")) {
+    skipReason_ = "dbus-daemon is not installed (scripts/install-deps installs it)";
+    return;
+  }
+  auto socket = folder_ / "system_bus_socket";
+  test::writeFile(folder_ / "bus.conf", R"(<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
+ "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
+<busconfig>
+  <type>system</type>
+  <listen>unix:path=)" + socket.string() + R"(</listen>
+  <auth>EXTERNAL</auth>
+  <policy context="default">
+    <allow user="*"/>
+    <allow own="*"/>
+    <allow send_destination="*" eavesdrop="true"/>
+    <allow receive_sender="*"/>
+    <allow eavesdrop="true"/>
+  </policy>
+</busconfig>
+)");
+  daemon_ = std::make_unique<QProcess>();
+  daemon_->setStandardErrorFile(QProcess::nullDevice()); // it complains of fd limits it may not raise
+  daemon_->start("/usr/bin/dbus-daemon", {"--config-file=" + QString::fromStdString((folder_ / "bus.conf").string()), "--nofork"});
+  if (!daemon_->waitForStarted(5000) || !waitUntil([&] { return std::filesystem::exists(socket); }, 10)) {
+    skipReason_ = "dbus-daemon did not start";
+    return;
+  }
+  address_ = "unix:path=" + socket.string();
+  control_ = std::make_unique<QDBusConnection>(connect("control"));
+  if (!control_->isConnected()) skipReason_ = "cannot connect to the private bus";
+}
+
+PrivateBus::~PrivateBus() {
+  killBluez();
+  if (daemon_) {
+    daemon_->kill();
+    daemon_->waitForFinished(5000);
+  }
+}
+
+// Qt keeps connections by name; a name per bus keeps one test's connections
+// from being handed to the next.
+QDBusConnection PrivateBus::connect(const QString& name) {
+  return QDBusConnection::connectToBus(QString::fromStdString(address_), name + "@" + QString::fromStdString(address_));
+}
+
+bool PrivateBus::startBluez() {
+  if (!std::filesystem::exists("/usr/lib/python3/dist-packages/dbusmock")) {
+    skipReason_ = "python3-dbusmock is not installed (scripts/install-deps installs it)";
+    return false;
+  }
+  bluez_ = std::make_unique<QProcess>();
+  auto environment = QProcessEnvironment::systemEnvironment();
+  environment.insert("DBUS_SYSTEM_BUS_ADDRESS", QString::fromStdString(address_));
+  bluez_->setProcessEnvironment(environment);
+  bluez_->setStandardOutputFile(QProcess::nullDevice());
+  // Debian's python3 with its dbusmock, whatever python3 comes first on PATH.
+  bluez_->start("/usr/bin/python3", {"-m", "dbusmock", "--system", "--template", LANTERNBUD_TEST_SUPPORT_DIR "/bluez_mock_template.py"});
+  if (!bluez_->waitForStarted(5000) ||
+      !waitUntil([&] { return control_->interface()->isServiceRegistered("org.bluez").value(); }, 15)) {
+    skipReason_ = "python3-dbusmock's BlueZ model did not start";
+    return false;
+  }
+  return true;
+}
+
+void PrivateBus::killBluez() {
+  if (!bluez_) return;
+  bluez_->kill();
+  bluez_->waitForFinished(5000);
+  bluez_.reset();
+}
+
+QDBusMessage PrivateBus::bluez(const QString& path, const QString& interface, const QString& method,
+                               const QVariantList& arguments) {
+  auto message = QDBusMessage::createMethodCall("org.bluez", path, interface, method);
+  message.setArguments(arguments);
+  return control_->call(message, QDBus::Block, 10000);
+}
+
+PrivateBus::MessageCounter::MessageCounter(const PrivateBus& bus, const QString& uniqueName) : uniqueName_(uniqueName) {
+  monitor_.start("/usr/bin/dbus-monitor", {"--address", QString::fromStdString(bus.address()), "sender='" + uniqueName + "'"});
+  // The monitor says nothing until it sees a message; give it time to hook in.
+  started_ = monitor_.waitForStarted(5000) && !waitUntil([&] { return monitor_.state() != QProcess::Running; }, 0.5);
+}
+
+PrivateBus::MessageCounter::~MessageCounter() {
+  monitor_.kill();
+  monitor_.waitForFinished(5000);
+}
+
+int PrivateBus::MessageCounter::count() {
+  QCoreApplication::processEvents();
+  pending_ += monitor_.readAllStandardOutput();
+  // One header line a message: "method call time=… sender=:1.5 -> …".
+  for (qsizetype end; (end = pending_.indexOf('\n')) >= 0; pending_.remove(0, end + 1)) {
+    QByteArray line = pending_.left(end);
+    if (line.contains("sender=" + uniqueName_.toUtf8() + " ")) ++count_;
+  }
+  return count_;
+}
+
+} // namespace lb::test

@@ -1,0 +1,72 @@
+#pragma once
+
+#include "tests/support/TemporaryDirectory.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QProcess>
+#include <QVariantList>
+
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace lb::test {
+
+// Runs `until` the predicate holds or `seconds` pass, delivering Qt events
+// (D-Bus signals, timers) meanwhile. Whether it held.
+bool waitUntil(const std::function<bool()>& predicate, double seconds = 10);
+
+// A private D-Bus daemon of the system type on a socket in a temporary
+// folder, with python-dbusmock models of system services on it. Everything
+// it starts, it stops.
+class PrivateBus {
+public:
+  PrivateBus();
+  ~PrivateBus();
+
+  // Empty when the bus runs; otherwise why the tests that need it skip.
+  const std::string& skipReason() const { return skipReason_; }
+  const std::string& address() const { return address_; }
+
+  // A fresh connection to the bus, for the code under test or for driving
+  // the models.
+  QDBusConnection connect(const QString& name);
+
+  // Starts bluetoothd's stand-in (our BlueZ template) and waits for its name.
+  bool startBluez();
+  // Kills it, as a crash of bluetoothd would.
+  void killBluez();
+
+  // A method call on the BlueZ model; the reply (or error) message.
+  QDBusMessage bluez(const QString& path, const QString& interface, const QString& method, const QVariantList& arguments = {});
+
+  // Counts the messages that the connection with this unique name sends,
+  // from now on, by watching the bus with dbus-monitor.
+  class MessageCounter {
+  public:
+    MessageCounter(const PrivateBus& bus, const QString& uniqueName);
+    ~MessageCounter();
+    // How many have been seen so far; false if the monitor could not start.
+    bool started() const { return started_; }
+    int count();
+
+  private:
+    QProcess monitor_;
+    QString uniqueName_;
+    bool started_ = false;
+    int count_ = 0;
+    QByteArray pending_;
+  };
+
+private:
+  TemporaryDirectory folder_;
+  std::string address_;
+  std::string skipReason_;
+  std::unique_ptr<QProcess> daemon_;
+  std::unique_ptr<QProcess> bluez_;
+  std::unique_ptr<QDBusConnection> control_;
+};
+
+
+} // namespace lb::test

@@ -1,0 +1,10 @@
+// Tests that need Qt's event loop (D-Bus signals, Qt timers) run inside a
+// QCoreApplication.
+#include <QCoreApplication>
+#include <gtest/gtest.h>
+
+int main(int argc, char** argv) {
+  QCoreApplication application(argc, argv);
+  testing::InitGoogleTest(&argc, argv);
+  return RUN_ALL_TESTS();
+}
