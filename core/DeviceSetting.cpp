@@ -1,5 +1,6 @@
 #include "core/DeviceSetting.h"
 
+#include "core/BatteryType.h"
 #include "core/DeviceSettingManager.h"
 #include "core/LogAreas.h"
 #include "core/ScriptType.h"
@@ -306,6 +307,7 @@ void DeviceSetting::updateConnectionState(const ConnectionUpdateReason& reason) 
   const auto wasPotentialAudioOutput = isPotentialAudioOutput_;
   if (found->isConnected()) {
     isConnected_ = true;
+    services_.deviceInfoCache.remove(this); // battery levels are read afresh next time
     if (services_.tunables(tunable::EnableAudioOutput)) {
       if (isPotentialAudioOutput_ != true) {
         isPotentialAudioOutput_ = services_.outputDeviceManager.isPotentialOutput(*this);
@@ -602,4 +604,72 @@ Alert DeviceSetting::connectionErrorAlert(const IOReturn& result) const {
   return alert;
 }
 
+std::optional<SettingsValue::Dictionary> DeviceSetting::deviceCachedInfo() {
+  if (auto cached = services_.deviceInfoCache.cachedValue(this); cached && cached->isCurrent()) return cached->value;
+  auto fresh = deviceFreshInfo();
+  services_.deviceInfoCache.setValue(this, fresh);
+  return fresh;
+}
+
+// Linux answers as the newest system: the battery sources. The older
+// systems' preferences cache does not exist here, so switching the sources
+// off leaves no information.
+std::optional<SettingsValue::Dictionary> DeviceSetting::deviceFreshInfo() {
+  auto found = device();
+  if (!found || services_.tunables(tunable::DisableMontereyBatteryInfo)) return std::nullopt;
+  return services_.batteryInfo.fallbackInfo(*found);
+}
+
+std::optional<int> DeviceSetting::batteryLevel() {
+  auto info = deviceCachedInfo();
+  auto type = info ? BatteryType::from(*info) : std::nullopt;
+  if (!type) return std::nullopt;
+  if (type->kind != BatteryType::Kind::leftRight) return type->level;
+  if (type->level != 0 && type->right != 0) return std::min(type->level, type->right);
+  return std::max(type->level, type->right);
+}
+
+std::optional<std::string> DeviceSetting::batteryLevelFormat() {
+  auto info = deviceCachedInfo();
+  auto type = info ? BatteryType::from(*info) : std::nullopt;
+  if (!type) return std::nullopt;
+  if (type->kind != BatteryType::Kind::leftRight) return std::to_string(type->level) + "%%";
+  std::string text;
+  if (type->level != 0) text = localized("L") + ": " + std::to_string(type->level) + "%%";
+  if (type->right != 0) text += (text.empty() ? "" : " ") + localized("R") + ": " + std::to_string(type->right) + "%%";
+  return text;
+}
+
+std::string DeviceSetting::batteryLevelString() {
+  std::string text = localized("Unknown");
+  auto found = device();
+  if (found && found->isConnected()) {
+    if (auto format = batteryLevelFormat()) text = *format;
+  }
+  return formatted("%@: " + text, localized("Battery Level"));
+}
+
+std::optional<std::string> DeviceSetting::statusString() {
+  auto found = device();
+  if (!found) return std::nullopt;
+  const bool connected = found->isConnected();
+  std::string state = localized(connected ? "Connected" : "Disconnected");
+  if (outputFixer_->isRetrying()) state = localized("Fixing Sound Output");
+  if (connected && services_.tunables(tunable::EnableAudioOutput) && isAudioOutput_ == false &&
+      isPotentialAudioOutput_ == true) {
+    state += localized(" (Not Sound Output)");
+  }
+  return deviceNameOrUnknown() + " - " + state;
+}
+
+std::optional<std::string> DeviceSetting::toolTipString() {
+  auto status = statusString();
+  if (!status) return std::nullopt;
+  std::string text = *status + ".";
+  auto found = device();
+  if (found && found->isConnected()) text += "\n" + batteryLevelString() + ".";
+  return text;
+}
+
 } // namespace lb
+

@@ -133,6 +133,19 @@ public:
   // alone. Throws ScriptError or the file system's failure.
   void saveScripts();
 
+  // Battery levels and status texts, for the tray, its menu and scripts.
+  std::optional<SettingsValue::Dictionary> deviceCachedInfo();
+  std::optional<SettingsValue::Dictionary> deviceFreshInfo();
+  std::optional<int> batteryLevel();
+  // The battery text with its percent signs doubled, "85%%" or "L: 40%% R: 70%%".
+  std::optional<std::string> batteryLevelFormat();
+  // "Battery Level: 85%", or "Battery Level: Unknown"
+  std::string batteryLevelString();
+  // "Headphones - Connected (Not Sound Output)"
+  std::optional<std::string> statusString();
+  // The status and, while connected, the battery, on two lines.
+  std::optional<std::string> toolTipString();
+
   OutputFixer& outputFixer() { return *outputFixer_; }
   std::optional<Date> lastConnectionScriptRun() const { return lastConnectionScriptRun_; }
   bool hasFastTimer() const { return fastTimer_ != nullptr; }

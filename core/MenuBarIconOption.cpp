@@ -1,5 +1,9 @@
 #include "core/MenuBarIconOption.h"
 
+#include "foundation/PXRLog.h"
+
+#include <algorithm>
+
 namespace lb {
 
 const std::array<MenuBarIconOptionInfo, 49>& allMenuBarIconOptions() {
@@ -74,4 +78,80 @@ std::optional<MenuBarIconOption> menuBarIconOption(std::string_view raw) {
 
 std::string pxrDescription(MenuBarIconOption option) { return std::string(rawValue(option)); }
 
+std::optional<std::string_view> toolTip(MenuBarIconOption option) { return info(option).toolTip; }
+bool isNarrow(MenuBarIconOption option) { return info(option).narrow; }
+
+std::string batteryImageName(int batteryLevel) {
+  const int t = batteryLevel + 5;
+  const int step = t <= 9 ? 0 : std::min(t / 10, 10);
+  return "battery-" + std::to_string(step);
+}
+
+const std::array<std::optional<MenuBarIconOption>, 59>& iconsForMenu() {
+  using O = MenuBarIconOption;
+  constexpr std::optional<O> separator;
+  static constexpr std::array<std::optional<O>, 59> menu{
+      O::airPodsPair, O::airPodsPairEven, O::airPodsPairEvenSmall, O::airPods3, separator,
+      O::airPodsPro, O::airPodsProEven, O::airPodsPro2, O::airpodsMax, separator,
+      O::powerBeats3, O::powerBeatsPro, O::powerBeats2020, O::beatsX, O::beatsFitPro, O::beatsStudioBuds,
+      O::beatsSolo, O::beatsStudio3Side, separator,
+      O::aftershokzAeropex, O::surfaceEarbuds, O::galaxyBudsLive, O::sonyWF1000XM4, O::sonyWH1000XM4, separator,
+      O::wand, O::earbuds, O::headphones, O::phone, O::headset, O::headset2, separator,
+      O::box, O::boombox, O::airplaySpeaker, O::horizontalSpeaker, O::cylinderSpeaker, O::conferenceSpeaker,
+      O::desktopSpeaker, separator,
+      O::magicMouse, O::mouse, O::mouseButtons, separator,
+      O::magicTrackpad1Side, O::magicTrackpad2Top, O::magicTrackpad2Side, separator,
+      O::keyboard, O::graphicTablet, separator,
+      O::siriRemote, O::gameController, O::controller, O::playStation, O::xbox, separator,
+      O::iPhone, O::tablet,
+  };
+  return menu;
+}
+
+std::vector<std::optional<MenuBarIconOption>> availableIconsForMenu(Images& images) {
+  std::vector<std::optional<MenuBarIconOption>> available;
+  for (const auto& entry : iconsForMenu()) {
+    if (entry) {
+      if (!connectedImage(images, *entry)) PXR_LOG_ERROR("No connected image for", *entry);
+      if (!images.named(std::string(rawValue(*entry)))) PXR_LOG_ERROR("No image for", *entry);
+    }
+    available.push_back(entry);
+  }
+  return available;
+}
+
+std::shared_ptr<Image> connectedImage(Images& images, MenuBarIconOption option) {
+  const std::string raw(rawValue(option));
+  auto image = images.named(raw + "-fill");
+  if (!image) image = images.named(raw);
+  if (image) image->setTemplate(true);
+  return image;
+}
+
+std::shared_ptr<Image> connectedImage(Images& images, MenuBarIconOption option, double fraction) {
+  auto icon = connectedImage(images, option);
+  if (!icon) return nullptr;
+  auto result = images.compose(icon->size(), {{icon, 0, 0, fraction}});
+  result->setTemplate(true);
+  return result;
+}
+
+std::shared_ptr<Image> image(Images& images, MenuBarIconOption option, int batteryLevel, double fraction) {
+  const auto gaugeName = batteryImageName(batteryLevel);
+  auto gauge = images.named(gaugeName);
+  auto icon = connectedImage(images, option);
+  if (!gauge || !icon) {
+    pxrLogError("Missing image: " + gaugeName);
+    return icon;
+  }
+  gauge->setTemplate(true);
+  const auto iconSize = icon->size(), gaugeSize = gauge->size();
+  const double inset = isNarrow(option) ? 4.0 : 2.0;
+  auto result = images.compose({gaugeSize.width + iconSize.width + 3.0, std::max(gaugeSize.height, iconSize.height)},
+                               {{icon, 1.0, 0.0, fraction}, {gauge, iconSize.width - inset, 3.0, fraction}});
+  result->setTemplate(true);
+  return result;
+}
+
 } // namespace lb
+

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ports/Images.h"
+
 #include <array>
 #include <optional>
 #include <string>
@@ -77,5 +79,25 @@ std::string_view rawValue(MenuBarIconOption option);
 std::optional<MenuBarIconOption> menuBarIconOption(std::string_view rawValue);
 
 std::string pxrDescription(MenuBarIconOption option);
+
+std::optional<std::string_view> toolTip(MenuBarIconOption option);
+// A tall, thin picture: the battery gauge overlaps it further.
+bool isNarrow(MenuBarIconOption option);
+
+// The gauge for a level: "battery-0" for 0 to 4 %, "battery-1" for 5 to 14 %,
+// up to "battery-10" for 95 % and more.
+std::string batteryImageName(int batteryLevel);
+
+// The icon menu: every option once, in groups; none marks a separator.
+const std::array<std::optional<MenuBarIconOption>, 59>& iconsForMenu();
+// The same, with a line in the log for each option whose artwork is missing.
+std::vector<std::optional<MenuBarIconOption>> availableIconsForMenu(Images& images);
+
+// The picture of a connected device: the "-fill" artwork, or else the plain
+// one, as a template image.
+std::shared_ptr<Image> connectedImage(Images& images, MenuBarIconOption option);
+std::shared_ptr<Image> connectedImage(Images& images, MenuBarIconOption option, double fraction);
+// The connected picture with the battery gauge at its right, overlapping it.
+std::shared_ptr<Image> image(Images& images, MenuBarIconOption option, int batteryLevel, double fraction);
 
 } // namespace lb

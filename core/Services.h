@@ -1,9 +1,11 @@
 #pragma once
 
+#include "core/BatteryInfo.h"
 #include "core/InputDeviceManager.h"
 #include "core/OutputDeviceManager.h"
 #include "core/Tunables.h"
 #include "core/UserDefaults.h"
+#include "foundation/PXRExpiringCache.h"
 #include "ports/Alerts.h"
 #include "ports/Bluetooth.h"
 #include "ports/EventLoop.h"
@@ -17,6 +19,9 @@
 #include "ports/Windows.h"
 
 namespace lb {
+
+// Each device setting's information (battery levels), reused for a while.
+using DeviceInfoCache = PXRExpiringCache<const void*, std::optional<SettingsValue::Dictionary>>;
 
 // What the program's objects are given to work with: the platform's ports
 // and the user's settings. Built once by each program's composition root,
@@ -37,6 +42,8 @@ struct Services {
   Tunables& tunables;
   OutputDeviceManager& outputDeviceManager;
   InputDeviceManager& inputDeviceManager;
+  BatteryInfo& batteryInfo;
+  DeviceInfoCache& deviceInfoCache;
 };
 
 } // namespace lb

@@ -17,8 +17,20 @@ std::string localized(std::string_view english) {
 }
 
 std::string formatted(std::string_view format, std::string_view argument) {
-  std::string text(format);
-  if (auto at = text.find("%@"); at != std::string::npos) text.replace(at, 2, argument);
+  std::string text;
+  bool filled = false;
+  for (std::size_t i = 0; i < format.size(); ++i) {
+    if (format[i] == '%' && i + 1 < format.size() && format[i + 1] == '%') {
+      text += '%';
+      ++i;
+    } else if (!filled && format[i] == '%' && i + 1 < format.size() && format[i + 1] == '@') {
+      text += argument;
+      filled = true;
+      ++i;
+    } else {
+      text += format[i];
+    }
+  }
   return text;
 }
 

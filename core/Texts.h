@@ -10,7 +10,7 @@ namespace lb {
 // exist here.
 std::string localized(std::string_view english);
 
-// `format` with its "%@" replaced by `argument`.
+// `format` with its first "%@" replaced by `argument`, and "%%" as "%".
 std::string formatted(std::string_view format, std::string_view argument);
 
 } // namespace lb

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "foundation/SettingsValue.h"
 #include "ports/IOReturn.h"
 
 #include <cstdint>
@@ -26,6 +27,10 @@ public:
   // baseband slots of 0.625 ms; without one the platform's default applies.
   virtual IOReturn openConnection(std::optional<std::uint16_t> pageTimeout = std::nullopt) = 0;
   virtual IOReturn closeConnection() = 0;
+
+  // A battery level the device object offers under a key such as
+  // "batteryPercentSingle"; none when it has no such property.
+  virtual std::optional<SettingsValue> batteryProperty(const std::string& /*keyString*/) const { return std::nullopt; }
 
   std::string nameOrAddress() const { return name().value_or(addressString()); }
 

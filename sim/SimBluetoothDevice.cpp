@@ -42,6 +42,19 @@ IOReturn SimBluetoothDevice::closeConnection() {
   return behaviour(call);
 }
 
+std::optional<SettingsValue> SimBluetoothDevice::batteryProperty(const std::string& keyString) const {
+  std::lock_guard lock(mutex_);
+  auto found = battery_.find(keyString);
+  if (found == battery_.end()) return std::nullopt;
+  return found->second;
+}
+
+void SimBluetoothDevice::setBatteryProperty(const std::string& keyString, std::optional<SettingsValue> value) {
+  std::lock_guard lock(mutex_);
+  if (value) battery_.insert_or_assign(keyString, *value);
+  else battery_.erase(keyString);
+}
+
 void SimBluetoothDevice::setConnectBehaviour(SimBehaviour behaviour) {
   std::lock_guard lock(mutex_);
   connect_ = std::move(behaviour);

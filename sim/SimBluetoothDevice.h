@@ -4,6 +4,7 @@
 #include "ports/EventLoop.h"
 
 #include <functional>
+#include <map>
 #include <mutex>
 #include <vector>
 
@@ -36,8 +37,10 @@ public:
   std::uint32_t majorDeviceClass() const override { return majorClass_; }
   IOReturn openConnection(std::optional<std::uint16_t> pageTimeout = std::nullopt) override;
   IOReturn closeConnection() override;
+  std::optional<SettingsValue> batteryProperty(const std::string& keyString) const override;
 
   // The world's side.
+  void setBatteryProperty(const std::string& keyString, std::optional<SettingsValue> value);
   void setConnectBehaviour(SimBehaviour behaviour);
   void setDisconnectBehaviour(SimBehaviour behaviour);
   // The page timeouts of every connect call so far (none: the default).
@@ -54,6 +57,7 @@ private:
   mutable std::mutex mutex_;
   std::optional<std::string> name_;
   bool connected_ = false;
+  std::map<std::string, SettingsValue> battery_;
   SimBehaviour connect_;
   SimBehaviour disconnect_;
   std::vector<std::optional<std::uint16_t>> connectCalls_;

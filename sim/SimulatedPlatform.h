@@ -4,6 +4,7 @@
 #include "sim/InMemorySettingsStore.h"
 #include "sim/SimAlerts.h"
 #include "sim/SimAudioSystem.h"
+#include "sim/SimBatterySources.h"
 #include "sim/SimBluetooth.h"
 #include "sim/SimLoginItems.h"
 #include "sim/SimOperatingSystem.h"
@@ -27,6 +28,35 @@ struct SimulatedPlatform {
   SimulatedPlatform(const SimulatedPlatform&) = delete;
   SimulatedPlatform& operator=(const SimulatedPlatform&) = delete;
 
+  // Real ports to use in place of simulated ones.
+  struct Replacements {
+    EventLoop* loop = nullptr;
+    Bluetooth* bluetooth = nullptr;
+    ScriptsFolder* scriptsFolder = nullptr;
+    ScriptRunner* scriptRunner = nullptr;
+  };
+
+  // These services with some ports real: the composition of adapter tests.
+  Services servicesWith(const Replacements& real) {
+    return Services{real.loop ? *real.loop : loop,
+                    real.bluetooth ? *real.bluetooth : bluetooth,
+                    statusBar,
+                    windows,
+                    shortcuts,
+                    loginItems,
+                    real.scriptsFolder ? *real.scriptsFolder : scriptsFolder,
+                    real.scriptRunner ? *real.scriptRunner : scriptRunner,
+                    collator,
+                    alerts,
+                    operatingSystem,
+                    defaults,
+                    tunables,
+                    outputDeviceManager,
+                    inputDeviceManager,
+                    batteryInfo,
+                    deviceInfoCache};
+  }
+
   VirtualEventLoop loop;
   UserDefaults defaults;
   Tunables tunables;
@@ -45,9 +75,10 @@ struct SimulatedPlatform {
   AudioHardware audioHardware{audio, loop};
   OutputDeviceManager outputDeviceManager{audioHardware, tunables};
   InputDeviceManager inputDeviceManager{audioHardware, tunables, loop};
-  Services services{loop,          bluetooth,    statusBar, windows,         shortcuts, loginItems,
-                    scriptsFolder, scriptRunner, collator,  alerts,          operatingSystem,
-                    defaults,      tunables,     outputDeviceManager, inputDeviceManager};
+  SimBatterySources batterySources;
+  BatteryInfo batteryInfo{batterySources, tunables, loop, loop.now()};
+  DeviceInfoCache deviceInfoCache{loop, 1000, tunables(tunable::DeviceInfoStalenessInterval)};
+  Services services = servicesWith({});
 };
 
 } // namespace lb

@@ -34,9 +34,7 @@ int main(int argc, char** argv) {
   InMemorySettingsStore store;
   SimulatedPlatform sim(store);
   QtEventLoop loop;
-  Services services{loop,          bluetooth,    sim.statusBar, sim.windows,         sim.shortcuts, sim.loginItems,
-                    sim.scriptsFolder, sim.scriptRunner, sim.collator, sim.alerts, sim.operatingSystem,
-                    sim.defaults,  sim.tunables, sim.outputDeviceManager, sim.inputDeviceManager};
+  Services services = sim.servicesWith({.loop = &loop, .bluetooth = &bluetooth});
   std::vector<std::shared_ptr<DeviceSetting>> settings;
   for (int i = 0; i < 10; ++i) {
     auto address = QString("00-11-22-33-44-%1").arg(i, 2, 10, QChar('0')).toStdString();

@@ -159,9 +159,7 @@ TEST_F(BluezTest, ADeviceSettingFollowsAndConnectsItsDevice) {
   InMemorySettingsStore store({{"ConnectionUpdateTimerInterval", 0.05}});
   SimulatedPlatform sim(store);
   QtEventLoop loop;
-  Services services{loop,          *bluetooth,   sim.statusBar, sim.windows,         sim.shortcuts, sim.loginItems,
-                    sim.scriptsFolder, sim.scriptRunner, sim.collator, sim.alerts, sim.operatingSystem,
-                    sim.defaults,  sim.tunables, sim.outputDeviceManager, sim.inputDeviceManager};
+  Services services = sim.servicesWith({.loop = &loop, .bluetooth = bluetooth.get()});
   auto setting = DeviceSetting::make(services, {{"deviceID", 1}, {"device", "00-1b-66-aa-bb-cc"}});
   setting->setupStatusItem();
   ASSERT_TRUE(test::waitUntil([&] { return setting->isConnected() == false; }));

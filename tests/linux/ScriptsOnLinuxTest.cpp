@@ -25,9 +25,7 @@ struct RealScripts {
   SimulatedPlatform sim{store};
   XdgScriptsFolder scripts{folder};
   SpawnScriptRunner runner;
-  Services services{sim.loop,     sim.bluetooth, sim.statusBar, sim.windows,         sim.shortcuts, sim.loginItems,
-                    scripts,      runner,        sim.collator,  sim.alerts,          sim.operatingSystem,
-                    sim.defaults, sim.tunables,  sim.outputDeviceManager, sim.inputDeviceManager};
+  Services services = sim.servicesWith({.scriptsFolder = &scripts, .scriptRunner = &runner});
   std::shared_ptr<DeviceSetting> setting;
 
   RealScripts() {
