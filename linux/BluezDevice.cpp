@@ -27,6 +27,13 @@ std::uint32_t BluezDevice::majorDeviceClass() const {
   return deviceClass ? (deviceClass->toUInt() >> 8) & 0x1f : 0;
 }
 
+std::optional<SettingsValue> BluezDevice::batteryProperty(const std::string& keyString) const {
+  if (keyString != "batteryPercentSingle") return std::nullopt;
+  auto percentage = mirror_->property(path_, "org.bluez.Battery1", "Percentage");
+  if (!percentage) return std::nullopt;
+  return SettingsValue(static_cast<std::int64_t>(percentage->toUInt()));
+}
+
 IOReturn BluezDevice::openConnection(std::optional<std::uint16_t> pageTimeout) {
   return call("Connect", callTimeoutMilliseconds(pageTimeout));
 }

@@ -27,6 +27,8 @@ public:
   std::uint32_t majorDeviceClass() const override;
   IOReturn openConnection(std::optional<std::uint16_t> pageTimeout = std::nullopt) override;
   IOReturn closeConnection() override;
+  // BlueZ's Battery1.Percentage, offered as "batteryPercentSingle".
+  std::optional<SettingsValue> batteryProperty(const std::string& keyString) const override;
 
   const QString& path() const { return path_; }
 

@@ -2,7 +2,7 @@
 
 #include "foundation/PXRLog.h"
 
-#include <regex>
+#include <cctype>
 
 namespace lb {
 
@@ -13,14 +13,22 @@ std::string property(const pa_proplist* properties, const char* key) {
   return value ? value : "";
 }
 
-// "00:11:22:33:44:55" within a property such as device.string.
+// The first "00:11:22:33:44:55" (or with _ or -) within a property such as
+// device.string, as BlueZ writes it.
 std::string bluetoothAddressIn(const std::string& text) {
-  static const std::regex address("([0-9A-Fa-f]{2}[:_-]){5}[0-9A-Fa-f]{2}");
-  std::smatch found;
-  if (!std::regex_search(text, found, address)) return "";
-  std::string result = found.str();
-  for (auto& c : result) c = (c == '_' || c == '-') ? ':' : static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-  return result;
+  auto isHex = [](char c) { return std::isxdigit(static_cast<unsigned char>(c)) != 0; };
+  auto isSeparator = [](char c) { return c == ':' || c == '_' || c == '-'; };
+  for (std::size_t start = 0; start + 17 <= text.size(); ++start) {
+    bool matches = true;
+    for (std::size_t i = 0; i < 17 && matches; ++i) {
+      matches = i % 3 == 2 ? isSeparator(text[start + i]) : isHex(text[start + i]);
+    }
+    if (!matches) continue;
+    std::string address = text.substr(start, 17);
+    for (auto& c : address) c = isSeparator(c) ? ':' : static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+    return address;
+  }
+  return "";
 }
 
 } // namespace

@@ -153,6 +153,23 @@ TEST_F(BluezTest, ABluetoothdRestartIsFollowed) {
   EXPECT_TRUE(pxrIsSuccess(onWorker([&] { return held->openConnection(); })));
 }
 
+TEST_F(BluezTest, ABatteryLevelComesFromTheMirror) {
+  auto headset = bluetooth->deviceWithAddressString(headsetAddress);
+  EXPECT_FALSE(headset->batteryProperty("batteryPercentSingle"));
+  // BlueZ adds Battery1 once the headset reports its level.
+  bus.bluez(headsetPath, "org.freedesktop.DBus.Mock", "AddProperty",
+            {"org.bluez.Battery1", "Percentage", QVariant::fromValue(QDBusVariant(QVariant::fromValue(uchar(73))))});
+  bus.bluez("/", "org.freedesktop.DBus.Mock", "EmitSignal",
+            {"org.freedesktop.DBus.ObjectManager", "InterfacesAdded", "oa{sa{sv}}",
+             QVariantList{QVariant::fromValue(QDBusObjectPath(headsetPath)),
+                          QVariant::fromValue(BluezInterfaceMap{{"org.bluez.Battery1", QVariantMap{{"Percentage", QVariant::fromValue(uchar(73))}}}})}});
+  EXPECT_TRUE(test::waitUntil([&] { return headset->batteryProperty("batteryPercentSingle") == SettingsValue(73); }));
+  bus.bluez(headsetPath, "org.freedesktop.DBus.Mock", "UpdateProperties",
+            {"org.bluez.Battery1", QVariantMap{{"Percentage", QVariant::fromValue(uchar(72))}}});
+  EXPECT_TRUE(test::waitUntil([&] { return headset->batteryProperty("batteryPercentSingle") == SettingsValue(72); }));
+  EXPECT_FALSE(headset->batteryProperty("batteryPercentLeft"));
+}
+
 // The program's own logic, unchanged, on BlueZ: a device setting follows
 // its device and a toggle connects it through the real bus.
 TEST_F(BluezTest, ADeviceSettingFollowsAndConnectsItsDevice) {

@@ -48,6 +48,12 @@ TEST_F(PulseAudioTest, ListsSinksAndSourcesWithoutMonitors) {
   EXPECT_EQ(audio->hasOutputStreams(*headset).value, true);
   EXPECT_EQ(audio->hasOutputStreams(*microphone).value, false);
   EXPECT_NE(audio->name(12345).status, 0);
+
+  // PulseAudio's own Bluetooth module gives the address in device.string.
+  pulse.pactl("load-module module-null-sink sink_name=speaker \"sink_properties='device.bus=bluetooth "
+              "device.string=aa_bb_cc_dd_ee_ff device.description=Speaker'\"");
+  ASSERT_TRUE(test::eventually([&] { return find("Speaker").has_value(); }));
+  EXPECT_EQ(audio->uid(*find("Speaker")).value, "speaker AA:BB:CC:DD:EE:FF");
 }
 
 TEST_F(PulseAudioTest, SettingTheDefaultsIsConfirmedBeforeItReturns) {
