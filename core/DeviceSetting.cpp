@@ -189,26 +189,15 @@ void DeviceSetting::setShowBatteryLevel(bool value) {
   updateButtonImage();
 }
 
-std::string DeviceSetting::shellScriptAfterConnected() const {
-  auto value = option("connected");
+std::string DeviceSetting::scriptText(ScriptType type) const {
+  auto value = option(rawValue(type).c_str());
   auto text = value ? value->as<std::string>() : nullptr;
   return text ? *text : defaultScript;
 }
 
-void DeviceSetting::setShellScriptAfterConnected(const std::optional<std::string>& text) {
-  if (text) setOption("connected", *text);
-  else removeOption("connected");
-}
-
-std::string DeviceSetting::shellScriptAfterDisconnected() const {
-  auto value = option("disconnected");
-  auto text = value ? value->as<std::string>() : nullptr;
-  return text ? *text : defaultScript;
-}
-
-void DeviceSetting::setShellScriptAfterDisconnected(const std::optional<std::string>& text) {
-  if (text) setOption("disconnected", *text);
-  else removeOption("disconnected");
+void DeviceSetting::setScriptText(ScriptType type, const std::optional<std::string>& text) {
+  if (text) setOption(rawValue(type).c_str(), *text);
+  else removeOption(rawValue(type).c_str());
 }
 
 void DeviceSetting::setupStatusItem() {

@@ -68,10 +68,12 @@ public:
   bool showBatteryLevel() const;
   void setShowBatteryLevel(bool value);
   // The script texts; "#!/bin/sh\n" when there is none. Nothing removes one.
-  std::string shellScriptAfterConnected() const;
-  void setShellScriptAfterConnected(const std::optional<std::string>& text);
-  std::string shellScriptAfterDisconnected() const;
-  void setShellScriptAfterDisconnected(const std::optional<std::string>& text);
+  std::string shellScriptAfterConnected() const { return scriptText(ScriptType::connected); }
+  void setShellScriptAfterConnected(const std::optional<std::string>& text) { setScriptText(ScriptType::connected, text); }
+  std::string shellScriptAfterDisconnected() const { return scriptText(ScriptType::disconnected); }
+  void setShellScriptAfterDisconnected(const std::optional<std::string>& text) {
+    setScriptText(ScriptType::disconnected, text);
+  }
 
   // The settings keys of the device's keyboard shortcut, now and before.
   std::string shortCutKey() const { return "shortcutDictForDevice" + std::to_string(deviceID()); }
@@ -158,6 +160,8 @@ private:
   void reactToConnection();
   void reactToDisconnection();
 
+  std::string scriptText(ScriptType type) const;
+  void setScriptText(ScriptType type, const std::optional<std::string>& text);
   bool boolOption(const char* key, bool fallback) const;
   std::optional<SettingsValue> option(const char* key) const;
   void setOption(const char* key, SettingsValue value);

@@ -5,8 +5,9 @@
 
 namespace lb {
 
-// A non-recursive lock with value semantics: copies share one mutex.
-class PXRLock {
+// A lock with value semantics: copies share one mutex.
+template <class Mutex>
+class PXRBasicLock {
 public:
   // Runs `block` while holding the lock; the lock is released even when
   // `block` throws, and the exception reaches the caller unchanged.
@@ -17,7 +18,10 @@ public:
   }
 
 private:
-  std::shared_ptr<std::mutex> mutex_ = std::make_shared<std::mutex>();
+  std::shared_ptr<Mutex> mutex_ = std::make_shared<Mutex>();
 };
+
+// Non-recursive: taking it again on the thread that holds it never returns.
+using PXRLock = PXRBasicLock<std::mutex>;
 
 } // namespace lb
