@@ -88,61 +88,59 @@ void UserDefaults::reportUnusable(const std::string& key, const std::string& tex
                 wanted + "; using the default.");
 }
 
-bool UserDefaults::boolValue(const std::string& key, bool fallback) const {
+// The command line decides if it has the key (a value it cannot read is
+// reported once and gives the default); then the stored or registered value,
+// if it has the wanted type.
+template <class T, class FromText, class FromStored>
+T UserDefaults::read(const std::string& key, const T& fallback, FromText fromText, const char* wanted,
+                     FromStored fromStored) const {
   if (auto argument = arguments_.find(key); argument != arguments_.end()) {
-    if (auto parsed = parseBool(argument->second)) return *parsed;
-    reportUnusable(key, argument->second, "a Boolean (YES or NO)");
+    if (auto parsed = fromText(argument->second)) return *parsed;
+    reportUnusable(key, argument->second, wanted);
     return fallback;
   }
   auto value = storedOrRegistered(key);
-  auto stored = value ? value->as<bool>() : nullptr;
+  std::optional<T> stored = value ? fromStored(*value) : std::nullopt;
   return stored ? *stored : fallback;
+}
+
+namespace {
+template <class T>
+std::optional<T> ofType(const SettingsValue& value) {
+  auto stored = value.as<T>();
+  return stored ? std::optional<T>(*stored) : std::nullopt;
+}
+} // namespace
+
+bool UserDefaults::boolValue(const std::string& key, bool fallback) const {
+  return read(key, fallback, parseBool, "a Boolean (YES or NO)", ofType<bool>);
 }
 
 std::int64_t UserDefaults::integerValue(const std::string& key, std::int64_t fallback) const {
-  if (auto argument = arguments_.find(key); argument != arguments_.end()) {
-    if (auto parsed = parseInteger(argument->second)) return *parsed;
-    reportUnusable(key, argument->second, "a whole number");
-    return fallback;
-  }
-  auto value = storedOrRegistered(key);
-  auto stored = value ? value->as<std::int64_t>() : nullptr;
-  return stored ? *stored : fallback;
+  return read(key, fallback, parseInteger, "a whole number", ofType<std::int64_t>);
 }
 
 double UserDefaults::doubleValue(const std::string& key, double fallback) const {
-  if (auto argument = arguments_.find(key); argument != arguments_.end()) {
-    if (auto parsed = parseDouble(argument->second)) return *parsed;
-    reportUnusable(key, argument->second, "a number");
-    return fallback;
-  }
-  auto value = storedOrRegistered(key);
-  if (!value) return fallback;
-  if (auto real = value->as<double>()) return *real;
-  // A whole number written for a number of seconds means what it says.
-  if (auto integer = value->as<std::int64_t>()) return static_cast<double>(*integer);
-  return fallback;
+  return read(key, fallback, parseDouble, "a number", [](const SettingsValue& value) -> std::optional<double> {
+    if (auto real = value.as<double>()) return *real;
+    // A whole number written for a number of seconds means what it says.
+    if (auto integer = value.as<std::int64_t>()) return static_cast<double>(*integer);
+    return std::nullopt;
+  });
 }
 
 std::string UserDefaults::stringValue(const std::string& key, const std::string& fallback) const {
-  if (auto argument = arguments_.find(key); argument != arguments_.end()) return argument->second;
-  auto value = storedOrRegistered(key);
-  auto stored = value ? value->as<std::string>() : nullptr;
-  return stored ? *stored : fallback;
+  return read(key, fallback, [](const std::string& text) { return std::optional(text); }, "a string", ofType<std::string>);
 }
 
 std::vector<std::string> UserDefaults::stringArrayValue(const std::string& key,
                                                         const std::vector<std::string>& fallback) const {
-  if (auto argument = arguments_.find(key); argument != arguments_.end()) {
+  auto fromJson = [](const std::string& text) -> std::optional<std::vector<std::string>> {
     std::string error;
-    auto parsed = SettingsJson::parse(argument->second, error);
-    if (auto strings = parsed ? stringArray(*parsed) : std::nullopt) return *strings;
-    reportUnusable(key, argument->second, "a JSON array of strings such as [\"a\", \"b\"]");
-    return fallback;
-  }
-  auto value = storedOrRegistered(key);
-  auto strings = value ? stringArray(*value) : std::nullopt;
-  return strings ? *strings : fallback;
+    auto parsed = SettingsJson::parse(text, error);
+    return parsed ? stringArray(*parsed) : std::nullopt;
+  };
+  return read(key, fallback, fromJson, "a JSON array of strings such as [\"a\", \"b\"]", stringArray);
 }
 
 std::optional<SettingsValue> UserDefaults::object(const std::string& key) const {

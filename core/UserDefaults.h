@@ -48,6 +48,8 @@ public:
 private:
   std::optional<SettingsValue> storedOrRegistered(const std::string& key) const;
   void reportUnusable(const std::string& key, const std::string& text, const char* wanted) const;
+  template <class T, class FromText, class FromStored>
+  T read(const std::string& key, const T& fallback, FromText fromText, const char* wanted, FromStored fromStored) const;
 
   SettingsStore& store_;
   const Arguments arguments_;

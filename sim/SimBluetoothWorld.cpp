@@ -28,13 +28,6 @@ void SimBluetoothWorld::removeDevice(const std::string& address) {
   devices_.erase(address);
 }
 
-void SimBluetoothWorld::rename(const std::string& address, std::optional<std::string> name) {
-  if (auto found = device(address)) {
-    std::lock_guard lock(found->mutex_);
-    found->name_ = std::move(name);
-  }
-}
-
 void SimBluetoothWorld::setConnected(const std::string& address, bool connected) {
   auto found = device(address);
   if (!found) return;

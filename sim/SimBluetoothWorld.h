@@ -23,7 +23,6 @@ public:
                                 std::uint32_t majorClass);
   // Unpairs it: lookups find nothing from now on.
   void removeDevice(const std::string& address);
-  void rename(const std::string& address, std::optional<std::string> name);
   // Connects or disconnects the device, with the notifications that follow.
   void setConnected(const std::string& address, bool connected);
 
