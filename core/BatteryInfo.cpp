@@ -141,4 +141,20 @@ BatteryInfo::Dictionary BatteryInfo::registryInfo(const BluetoothDevice& device)
   return {};
 }
 
+void BatteryInfo::printBatteryInfo(Bluetooth& bluetooth, const std::string& addressString,
+                                   const std::function<void(const Dictionary&)>& print) {
+  auto device = bluetooth.deviceWithAddressString(addressString);
+  if (!device) return;
+  print(info(*device));
+}
+
+void BatteryInfo::mainPrintBatteryInfo(Bluetooth& bluetooth, const std::string& addressString,
+                                       const std::function<void(const Dictionary&)>& print) {
+  try {
+    printBatteryInfo(bluetooth, addressString, print);
+  } catch (const std::exception& error) {
+    PXR_LOG_ERROR("Main battery info error", error.what());
+  }
+}
+
 } // namespace lb

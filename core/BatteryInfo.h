@@ -4,10 +4,12 @@
 #include "foundation/Clock.h"
 #include "foundation/PXRAtomic.h"
 #include "ports/BatterySources.h"
+#include "ports/Bluetooth.h"
 #include "ports/BluetoothDevice.h"
 #include "ports/OperatingSystem.h"
 
 #include <array>
+#include <functional>
 #include <map>
 #include <string>
 
@@ -43,6 +45,15 @@ public:
   // The registry, then the device's properties; never throws.
   Dictionary info(const BluetoothDevice& device);
   Dictionary registryInfo(const BluetoothDevice& device);
+
+  // The print mode's body: the device's `info` (no helper, no cache) handed
+  // to `print`, which writes it out and may throw. An unknown address
+  // prints nothing.
+  void printBatteryInfo(Bluetooth& bluetooth, const std::string& addressString,
+                        const std::function<void(const Dictionary&)>& print);
+  // The whole print mode: any failure is logged, never thrown.
+  void mainPrintBatteryInfo(Bluetooth& bluetooth, const std::string& addressString,
+                            const std::function<void(const Dictionary&)>& print);
 
 private:
   BatterySources& sources_;

@@ -227,6 +227,7 @@ void DeviceSetting::removeStatusItem() {
 void DeviceSetting::unregister() { removeStatusItem(); }
 
 void DeviceSetting::updateButtonImage() {
+  if (registry_) registry_->noteChange();
   if (!statusItem_) {
     PXR_LOG(iconLog(), "button is nil:", description());
     return;

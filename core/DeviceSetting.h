@@ -148,6 +148,19 @@ public:
   // The status and, while connected, the battery, on two lines.
   std::optional<std::string> toolTipString();
 
+  // What scripts see and do (DeviceSettingScripting.cpp).
+  std::string scriptingName() const { return deviceName().value_or(""); }
+  std::int64_t scriptingID() const { return deviceID(); }
+  std::optional<std::string> scriptingAddress() const;
+  // Only while connected, even when a level is cached.
+  std::optional<int> scriptingBatteryLevel();
+  std::string scriptingIconName() const { return std::string(rawValue(icon())); }
+  bool scriptingIsConnected() const;
+  // Setting the other value toggles exactly as a click does; setting the
+  // current value does nothing. The change itself follows later.
+  void setScriptingIsConnected(bool connected);
+  std::string scriptingStatus() { return statusString().value_or(""); }
+
   OutputFixer& outputFixer() { return *outputFixer_; }
   std::optional<Date> lastConnectionScriptRun() const { return lastConnectionScriptRun_; }
   bool hasFastTimer() const { return fastTimer_ != nullptr; }

@@ -90,6 +90,7 @@ std::shared_ptr<DeviceSetting> DeviceSettingManager::add(const BluetoothDevice& 
   sort();
   ++maxDeviceID_;
   setting->setupStatusItem();
+  noteChange();
   return setting;
 }
 
@@ -101,11 +102,13 @@ void DeviceSettingManager::remove(std::size_t index) {
   sort();
   services_.defaults.removeValue(setting->shortCutKey());
   services_.defaults.removeValue(setting->oldShortCutKey());
+  noteChange();
 }
 
 void DeviceSettingManager::updateItemIcon() {
   sort();
   for (const auto& setting : list_) setting->updateButtonImage();
+  noteChange();
 }
 
 void DeviceSettingManager::showLandingPopover(DeviceSetting& setting) {

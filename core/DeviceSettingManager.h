@@ -4,6 +4,7 @@
 #include "core/ScriptSaver.h"
 #include "core/Services.h"
 
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -54,6 +55,14 @@ public:
   // Ends every device's presence in the system and stops listening.
   void unregister();
 
+  // Told whenever the list or something shown of a device may have changed
+  // (a redraw, a device added or removed): what mirrors the devices to the
+  // outside compares and announces from there.
+  void setChangeObserver(std::function<void()> observer) { changeObserver_ = std::move(observer); }
+  void noteChange() const {
+    if (changeObserver_) changeObserver_();
+  }
+
 private:
   void checkMigration();
   void load();
@@ -65,6 +74,7 @@ private:
   std::int64_t maxDeviceID_ = 1;
   std::unique_ptr<NotificationRegistration> connectionObserver_;
   std::unique_ptr<PXRTimer> statusTimer_;
+  std::function<void()> changeObserver_;
 };
 
 } // namespace lb

@@ -100,6 +100,24 @@ TEST(BatteryInfo, TheLastAnswerStandsInWhenEverySourceIsSilent) {
   EXPECT_TRUE(uncached.sim.batteryInfo.fallbackInfo(*uncached.device).empty());
 }
 
+TEST(BatteryInfo, PrintModeAnswersFromTheDeviceAloneAndNeverThrows) {
+  test::SimulatedDevice d({}, 4, "Headset");
+  d.device->setBatteryProperty("batteryPercentSingle", 64);
+  d.sim.batteryInfo.fallbackInfo(*d.device); // cached, which print mode must not use
+  std::vector<Dictionary> printed;
+  auto print = [&](const Dictionary& info) { printed.push_back(info); };
+  d.sim.batteryInfo.printBatteryInfo(d.sim.bluetooth, "00:11:22:33:44:55", print);
+  EXPECT_TRUE(printed.empty());
+  d.device->setBatteryProperty("batteryPercentSingle", std::nullopt);
+  d.sim.batteryInfo.printBatteryInfo(d.sim.bluetooth, d.address, print);
+  EXPECT_EQ(printed, (std::vector<Dictionary>{{}}));
+
+  test::CapturedLog log;
+  d.sim.batteryInfo.mainPrintBatteryInfo(d.sim.bluetooth, d.address,
+                                         [](const Dictionary&) { throw std::runtime_error("standard output is closed"); });
+  EXPECT_TRUE(log.contains("Main battery info error standard output is closed"));
+}
+
 TEST(BatteryPresentation, TextsForOneLevelAndForEarbuds) {
   test::SimulatedDevice d({}, 4, "Headphones");
   d.sim.world.setConnected(d.address, true);

@@ -1,0 +1,28 @@
+// DeviceSetting as scripts see it: the values of its scripting properties
+// and the one property they may set.
+#include "core/DeviceSetting.h"
+
+namespace lb {
+
+std::optional<std::string> DeviceSetting::scriptingAddress() const {
+  auto found = device();
+  if (!found || found->addressString().empty()) return std::nullopt;
+  return found->addressString();
+}
+
+std::optional<int> DeviceSetting::scriptingBatteryLevel() {
+  if (!scriptingIsConnected()) return std::nullopt;
+  return batteryLevel();
+}
+
+bool DeviceSetting::scriptingIsConnected() const {
+  auto found = device();
+  return found && found->isConnected();
+}
+
+void DeviceSetting::setScriptingIsConnected(bool connected) {
+  if (scriptingIsConnected() == connected) return;
+  toggleConnection();
+}
+
+} // namespace lb

@@ -1,0 +1,61 @@
+#include "tests/support/SimulatedDevice.h"
+
+#include <gtest/gtest.h>
+
+namespace lb {
+
+TEST(Scripting, SettingConnectedTogglesOnlyWhenItDiffers) {
+  test::SimulatedDevice d;
+  d.setting->setScriptingIsConnected(false);
+  d.sim.loop.advance(3);
+  EXPECT_TRUE(d.device->connectCalls().empty());
+
+  d.setting->setScriptingIsConnected(true);
+  EXPECT_FALSE(d.setting->scriptingIsConnected()); // the change follows later
+  d.sim.loop.advance(3);
+  EXPECT_EQ(d.device->connectCalls().size(), 1u);
+  EXPECT_TRUE(d.setting->scriptingIsConnected());
+
+  d.setting->setScriptingIsConnected(true);
+  d.setting->setScriptingIsConnected(false);
+  d.sim.loop.advance(3);
+  EXPECT_EQ(d.device->connectCalls().size(), 1u);
+  EXPECT_EQ(d.device->disconnectCalls(), 1);
+  EXPECT_FALSE(d.setting->scriptingIsConnected());
+}
+
+TEST(Scripting, AnUnknownDeviceHasNoNameAddressOrLevel) {
+  test::SimulatedDevice d({}, 4, "Headset");
+  d.device->setBatteryProperty("batteryPercentSingle", 70);
+  EXPECT_EQ(d.setting->scriptingBatteryLevel(), std::nullopt); // disconnected, though a level is known
+  d.sim.world.setConnected(d.address, true);
+  d.sim.loop.advance(1);
+  EXPECT_EQ(d.setting->scriptingBatteryLevel(), 70);
+  EXPECT_EQ(d.setting->scriptingAddress(), d.address);
+
+  auto stranger = DeviceSetting::make(d.sim.services, {{"deviceID", 9}, {"device", "AA-AA-AA-AA-AA-AA"}});
+  EXPECT_EQ(stranger->scriptingName(), "");
+  EXPECT_EQ(stranger->scriptingID(), 9);
+  EXPECT_EQ(stranger->scriptingAddress(), std::nullopt);
+  EXPECT_FALSE(stranger->scriptingIsConnected());
+  EXPECT_EQ(stranger->scriptingBatteryLevel(), std::nullopt);
+  EXPECT_EQ(stranger->shellScriptAfterConnected(), "#!/bin/sh\n");
+}
+
+TEST(Scripting, TheRegistryTellsOfAddsRemovalsAndRedraws) {
+  test::SimulatedDevice d;
+  int changes = 0;
+  d.registry->setChangeObserver([&] { ++changes; });
+  auto& mouse = d.sim.world.addDevice("AA-BB-CC-DD-EE-FF", "Mouse", 5);
+  d.registry->add(mouse);
+  EXPECT_GE(changes, 1);
+  changes = 0;
+  d.sim.world.setConnected(d.address, true);
+  d.sim.loop.advance(1);
+  EXPECT_GE(changes, 1);
+  changes = 0;
+  d.registry->remove(0);
+  EXPECT_GE(changes, 1);
+}
+
+} // namespace lb
