@@ -1,28 +1,23 @@
 #pragma once
 
+#include "linux/HelperTool.h"
 #include "linux/UPowerRegistry.h"
 #include "ports/BatterySources.h"
-
-#include <string>
 
 namespace lb {
 
 // Battery sources on Linux: UPower's devices as the registry, and the
-// helper tool, which is this program under the name LanternbudHelperTool
-// run in its print mode.
+// helper tool.
 class LinuxBatterySources final : public BatterySources {
 public:
-  LinuxBatterySources(const UPowerRegistry& registry, std::string helperPath)
-      : registry_(registry), helperPath_(std::move(helperPath)) {}
+  LinuxBatterySources(const UPowerRegistry& registry, HelperTool helper) : registry_(registry), helper_(std::move(helper)) {}
 
   std::vector<RegistryEntry> registryEntries() override { return registry_.entries(); }
-  // Runs "<helper> -PrintBatteryInfo <address>" to its end (10 s at most)
-  // and parses what it printed.
-  SettingsValue runHelper(const std::string& address) override;
+  SettingsValue runHelper(const std::string& address) override { return helper_.run(address); }
 
 private:
   const UPowerRegistry& registry_;
-  std::string helperPath_;
+  HelperTool helper_;
 };
 
 } // namespace lb

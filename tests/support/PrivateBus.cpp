@@ -55,6 +55,10 @@ PrivateBus::PrivateBus() {
 
 PrivateBus::~PrivateBus() {
   killBluez();
+  if (upower_) {
+    upower_->kill();
+    upower_->waitForFinished(5000);
+  }
   if (daemon_) {
     daemon_->kill();
     daemon_->waitForFinished(5000);
@@ -67,24 +71,42 @@ QDBusConnection PrivateBus::connect(const QString& name) {
   return QDBusConnection::connectToBus(QString::fromStdString(address_), name + "@" + QString::fromStdString(address_));
 }
 
-bool PrivateBus::startBluez() {
+std::unique_ptr<QProcess> PrivateBus::startModel(const QStringList& template_, const QString& service,
+                                                 const std::string& what) {
   if (!std::filesystem::exists("/usr/lib/python3/dist-packages/dbusmock")) {
     skipReason_ = "python3-dbusmock is not installed (scripts/install-deps installs it)";
-    return false;
+    return nullptr;
   }
-  bluez_ = std::make_unique<QProcess>();
+  auto model = std::make_unique<QProcess>();
   auto environment = QProcessEnvironment::systemEnvironment();
   environment.insert("DBUS_SYSTEM_BUS_ADDRESS", QString::fromStdString(address_));
-  bluez_->setProcessEnvironment(environment);
-  bluez_->setStandardOutputFile(QProcess::nullDevice());
+  model->setProcessEnvironment(environment);
+  model->setStandardOutputFile(QProcess::nullDevice());
   // Debian's python3 with its dbusmock, whatever python3 comes first on PATH.
-  bluez_->start("/usr/bin/python3", {"-m", "dbusmock", "--system", "--template", LANTERNBUD_TEST_SUPPORT_DIR "/bluez_mock_template.py"});
-  if (!bluez_->waitForStarted(5000) ||
-      !waitUntil([&] { return control_->interface()->isServiceRegistered("org.bluez").value(); }, 15)) {
-    skipReason_ = "python3-dbusmock's BlueZ model did not start";
-    return false;
+  model->start("/usr/bin/python3", QStringList{"-m", "dbusmock", "--system", "--template"} + template_);
+  if (!model->waitForStarted(5000) ||
+      !waitUntil([&] { return control_->interface()->isServiceRegistered(service).value(); }, 15)) {
+    skipReason_ = "python3-dbusmock's " + what + " model did not start";
+    return nullptr;
   }
-  return true;
+  return model;
+}
+
+bool PrivateBus::startBluez() {
+  bluez_ = startModel({LANTERNBUD_TEST_SUPPORT_DIR "/bluez_mock_template.py"}, "org.bluez", "BlueZ");
+  return bluez_ != nullptr;
+}
+
+bool PrivateBus::startUPower() {
+  upower_ = startModel({"upower"}, "org.freedesktop.UPower", "UPower");
+  return upower_ != nullptr;
+}
+
+QDBusMessage PrivateBus::upower(const QString& method, const QVariantList& arguments, const QString& path) {
+  auto message = QDBusMessage::createMethodCall("org.freedesktop.UPower", path,
+                                                "org.freedesktop.DBus.Mock", method);
+  message.setArguments(arguments);
+  return control_->call(message, QDBus::Block, 10000);
 }
 
 void PrivateBus::killBluez() {

@@ -41,6 +41,14 @@ public:
   // A method call on the BlueZ model; the reply (or error) message.
   QDBusMessage bluez(const QString& path, const QString& interface, const QString& method, const QVariantList& arguments = {});
 
+  // Starts python3-dbusmock's UPower model and waits for its name.
+  bool startUPower();
+  // A method of the UPower model's mock interface (AddDischargingBattery,
+  // SetDeviceProperties, RemoveDevice, or on a device's path AddProperty);
+  // the reply.
+  QDBusMessage upower(const QString& method, const QVariantList& arguments = {},
+                      const QString& path = "/org/freedesktop/UPower");
+
   // Counts the messages that the connection with this unique name sends,
   // from now on, by watching the bus with dbus-monitor.
   class MessageCounter {
@@ -64,7 +72,10 @@ private:
   std::string address_;
   std::string skipReason_;
   std::unique_ptr<QProcess> daemon_;
+  std::unique_ptr<QProcess> startModel(const QStringList& template_, const QString& service, const std::string& what);
+
   std::unique_ptr<QProcess> bluez_;
+  std::unique_ptr<QProcess> upower_;
   std::unique_ptr<QDBusConnection> control_;
 };
 

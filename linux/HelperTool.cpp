@@ -1,4 +1,4 @@
-#include "linux/LinuxBatterySources.h"
+#include "linux/HelperTool.h"
 
 #include "linux/PropertyList.h"
 
@@ -8,19 +8,19 @@
 
 namespace lb {
 
-SettingsValue LinuxBatterySources::runHelper(const std::string& address) {
-  const auto program = QString::fromStdString(helperPath_);
+SettingsValue HelperTool::run(const std::string& address) const {
+  const auto program = QString::fromStdString(path_);
   QProcess helper;
   helper.setStandardInputFile(QProcess::nullDevice());
   helper.setStandardErrorFile(QProcess::nullDevice());
   helper.start(program, {"-PrintBatteryInfo", QString::fromStdString(address)});
   if (!helper.waitForStarted(5000)) {
-    throw std::runtime_error("cannot run " + helperPath_ + ": " + helper.errorString().toStdString());
+    throw std::runtime_error("cannot run " + path_ + ": " + helper.errorString().toStdString());
   }
   if (!helper.waitForFinished(10000)) {
     helper.kill();
     helper.waitForFinished(1000);
-    throw std::runtime_error(helperPath_ + " did not finish within 10 s");
+    throw std::runtime_error(path_ + " did not finish within 10 s");
   }
   const auto output = helper.readAllStandardOutput();
   return PropertyList::parse(std::string_view(output.constData(), static_cast<std::size_t>(output.size())));
