@@ -31,6 +31,8 @@ LB_LOG_AREA(batteryInfoDetailLog, "LogBatteryInfoDetail")    // raw values found
 LB_LOG_AREA(lowEnergyBatteryInfoLog, "LogLowEnergyBatteryInfo") // the Low Energy battery reader
 LB_LOG_AREA(dockLog, "LogDock")                              // taskbar presence and the preferences window at start
 LB_LOG_AREA(loginLog, "LogLogin")                            // launch at login
+LB_LOG_AREA(launchLog, "LogLaunch")                          // the program's start and end, the backend chosen
+LB_LOG_AREA(trayLog, "LogTray")                              // what the tray shows, while there is no tray
 
 #undef LB_LOG_AREA
 

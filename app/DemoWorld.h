@@ -1,0 +1,34 @@
+#pragma once
+
+#include "core/DeviceSettingManager.h"
+#include "sim/SimAudioSystem.h"
+#include "sim/SimBatterySources.h"
+#include "sim/SimBluetooth.h"
+#include "sim/SimHeadsetAudio.h"
+
+#include <memory>
+#include <vector>
+
+namespace lb {
+
+// The devices of `lanternbud --demo`, simulated in real time: a headset
+// whose speaker appears a moment after it connects, earbuds with left and
+// right batteries, a mouse, a keyboard, and a speaker that sometimes times
+// out. The computer has its own speakers and microphone.
+class DemoWorld {
+public:
+  explicit DemoWorld(EventLoop& loop);
+
+  // A first demo run adds every demo device to the tray.
+  void addTo(DeviceSettingManager& registry);
+
+  SimBluetoothWorld world;
+  SimBluetooth bluetooth{world};
+  SimAudioSystem audio;
+  SimBatterySources batterySources;
+
+private:
+  std::vector<std::unique_ptr<SimHeadsetAudio>> headsets_;
+};
+
+} // namespace lb

@@ -1,0 +1,20 @@
+#include "app/HeadlessWindows.h"
+
+#include "core/LogAreas.h"
+
+#include <QCoreApplication>
+#include <QMetaObject>
+
+namespace lb {
+
+bool HeadlessWindows::showPreferences() {
+  PXR_LOG(trayLog(), "The preferences window would open here; lanternbud-ctl lists and drives the devices.");
+  return false;
+}
+
+// Queued: the caller finishes its work before the loop ends.
+void HeadlessWindows::terminate() {
+  QMetaObject::invokeMethod(QCoreApplication::instance(), &QCoreApplication::quit, Qt::QueuedConnection);
+}
+
+} // namespace lb

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "ports/StatusBar.h"
+
+namespace lb {
+
+// The tray until there is one: each item logs what it would show, to the
+// area "LogTray".
+class LoggingStatusBar final : public StatusBar {
+public:
+  double thickness() const override { return 22.0; }
+  std::unique_ptr<StatusItem> createStatusItem(double length) override;
+
+private:
+  int created_ = 0;
+};
+
+} // namespace lb

@@ -1,0 +1,63 @@
+#include "app/Platform.h"
+
+#include "linux/BluezBluetooth.h"
+#include "linux/LinuxBatterySources.h"
+#include "linux/PulseAudioSystem.h"
+#include "linux/XdgAutostart.h"
+#include "linux/XdgDirectories.h"
+#include "sim/SimLoginItems.h"
+
+#include <QCoreApplication>
+
+namespace lb {
+
+namespace {
+const std::string helpFolder = LANTERNBUD_HELP_DIR;
+}
+
+Platform::Platform(UserDefaults& defaults, Tunables& tunables, std::string backend, std::filesystem::path scriptsFolder)
+    : defaults_(defaults), tunables_(tunables), backend_(std::move(backend)), alerts_(helpFolder),
+      scriptsFolder_(std::move(scriptsFolder)) {}
+
+Platform::~Platform() = default;
+
+std::unique_ptr<Platform> Platform::real(UserDefaults& defaults, Tunables& tunables, const std::string& helperPath) {
+  std::unique_ptr<Platform> platform(
+      new Platform(defaults, tunables, "Using BlueZ on the system bus", XdgScriptsFolder::defaultFolder()));
+  auto system = QDBusConnection::systemBus();
+  auto bluez = std::make_unique<BluezBluetooth>(system);
+  auto& bluetooth = *bluez;
+  platform->bluez_ = std::move(bluez);
+  platform->upower_ = std::make_unique<UPowerRegistry>(system);
+  platform->batterySources_ = std::make_unique<LinuxBatterySources>(*platform->upower_, HelperTool(helperPath));
+  platform->pulse_ = std::make_unique<PulseAudioSystem>();
+  platform->loginItems_ = std::make_unique<XdgAutostart>(XdgAutostart::defaultEntryFile(),
+                                                         QCoreApplication::applicationFilePath().toStdString());
+  platform->wire(bluetooth, *platform->pulse_, *platform->batterySources_, *platform->loginItems_);
+  return platform;
+}
+
+std::unique_ptr<Platform> Platform::demo(UserDefaults& defaults, Tunables& tunables) {
+  std::unique_ptr<Platform> platform(new Platform(defaults, tunables, "Using simulated devices",
+                                                  XdgDirectories::dataHome() / "lanternbud/Demo Scripts"));
+  platform->demo_ = std::make_unique<DemoWorld>(platform->loop_);
+  platform->loginItems_ = std::make_unique<SimLoginItems>();
+  auto& demo = *platform->demo_;
+  platform->wire(demo.bluetooth, demo.audio, demo.batterySources, *platform->loginItems_);
+  return platform;
+}
+
+void Platform::wire(Bluetooth& bluetooth, AudioSystem& audio, BatterySources& batterySources, LoginItems& loginItems) {
+  audioHardware_ = std::make_unique<AudioHardware>(audio, loop_);
+  outputDeviceManager_ = std::make_unique<OutputDeviceManager>(*audioHardware_, tunables_);
+  inputDeviceManager_ = std::make_unique<InputDeviceManager>(*audioHardware_, tunables_, loop_);
+  batteryInfo_ = std::make_unique<BatteryInfo>(batterySources, tunables_, loop_, loop_.now());
+  deviceInfoCache_ =
+      std::make_unique<DeviceInfoCache>(loop_, 1000, tunables_(tunable::DeviceInfoStalenessInterval));
+  services_ = std::make_unique<Services>(Services{loop_, bluetooth, statusBar_, windows_, shortcuts_, loginItems,
+                                                  scriptsFolder_, scriptRunner_, collator_, alerts_, operatingSystem_,
+                                                  defaults_, tunables_, *outputDeviceManager_, *inputDeviceManager_,
+                                                  *batteryInfo_, *deviceInfoCache_});
+}
+
+} // namespace lb

@@ -1,0 +1,75 @@
+#pragma once
+
+#include "app/DemoWorld.h"
+#include "app/HeadlessWindows.h"
+#include "app/LoggingAlerts.h"
+#include "app/LoggingStatusBar.h"
+#include "app/UnboundShortcuts.h"
+#include "core/Services.h"
+#include "linux/IcuNameCollator.h"
+#include "linux/LinuxOperatingSystem.h"
+#include "linux/QtEventLoop.h"
+#include "linux/SpawnScriptRunner.h"
+#include "linux/UPowerRegistry.h"
+#include "linux/XdgScriptsFolder.h"
+
+#include <memory>
+#include <string>
+
+namespace lb {
+
+// The ports the program runs on, wired into one Services: the real Linux
+// platform, or the demo's simulated devices and sound in real time. Either
+// way the event loop is Qt's and scripts are real files and processes.
+class Platform {
+public:
+  // BlueZ on the system bus, UPower, libpulse, the XDG autostart entry.
+  static std::unique_ptr<Platform> real(UserDefaults& defaults, Tunables& tunables, const std::string& helperPath);
+  // Simulated devices; scripts live in a folder of their own and start at
+  // login is never touched.
+  static std::unique_ptr<Platform> demo(UserDefaults& defaults, Tunables& tunables);
+
+  Platform(const Platform&) = delete;
+  Platform& operator=(const Platform&) = delete;
+  ~Platform();
+
+  // "Using BlueZ on the system bus" or "Using simulated devices"
+  const std::string& backend() const { return backend_; }
+  Services& services() { return *services_; }
+  // The demo's world; none on the real platform.
+  DemoWorld* demoWorld() const { return demo_.get(); }
+
+private:
+  Platform(UserDefaults& defaults, Tunables& tunables, std::string backend, std::filesystem::path scriptsFolder);
+  void wire(Bluetooth& bluetooth, AudioSystem& audio, BatterySources& batterySources, LoginItems& loginItems);
+
+  UserDefaults& defaults_;
+  Tunables& tunables_;
+  std::string backend_;
+  QtEventLoop loop_;
+  LoggingStatusBar statusBar_;
+  HeadlessWindows windows_;
+  UnboundShortcuts shortcuts_;
+  LoggingAlerts alerts_;
+  IcuNameCollator collator_;
+  LinuxOperatingSystem operatingSystem_;
+  XdgScriptsFolder scriptsFolder_;
+  SpawnScriptRunner scriptRunner_;
+
+  // The platform's own: one set or the other.
+  std::unique_ptr<QObject> bluez_;
+  std::unique_ptr<UPowerRegistry> upower_;
+  std::unique_ptr<BatterySources> batterySources_;
+  std::unique_ptr<AudioSystem> pulse_;
+  std::unique_ptr<LoginItems> loginItems_;
+  std::unique_ptr<DemoWorld> demo_;
+
+  std::unique_ptr<AudioHardware> audioHardware_;
+  std::unique_ptr<OutputDeviceManager> outputDeviceManager_;
+  std::unique_ptr<InputDeviceManager> inputDeviceManager_;
+  std::unique_ptr<BatteryInfo> batteryInfo_;
+  std::unique_ptr<DeviceInfoCache> deviceInfoCache_;
+  std::unique_ptr<Services> services_;
+};
+
+} // namespace lb

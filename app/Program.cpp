@@ -1,0 +1,86 @@
+#include "app/Program.h"
+
+#include "app/Platform.h"
+#include "core/AppDelegate.h"
+#include "core/LogAreas.h"
+#include "linux/BluezBluetooth.h"
+#include "linux/LinuxBatterySources.h"
+#include "linux/PropertyList.h"
+#include "linux/ScriptingService.h"
+#include "linux/TerminationSignals.h"
+
+#include <QCoreApplication>
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+
+#include <cstdio>
+#include <iostream>
+#include <stdexcept>
+
+namespace lb {
+
+void Program::printBatteryInfo(Tunables& tunables, const std::string& address, const std::string& helperPath) {
+  auto system = QDBusConnection::systemBus();
+  BluezBluetooth bluetooth(system);
+  UPowerRegistry upower(system);
+  LinuxBatterySources sources(upower, HelperTool(helperPath));
+  QtEventLoop clock;
+  BatteryInfo batteryInfo(sources, tunables, clock, clock.now());
+  batteryInfo.mainPrintBatteryInfo(bluetooth, address, [](const SettingsValue::Dictionary& info) {
+    const auto xml = PropertyList::xml(info);
+    if (std::fwrite(xml.data(), 1, xml.size(), stdout) != xml.size() || std::fflush(stdout) != 0) {
+      throw std::runtime_error("cannot write to standard output");
+    }
+  });
+}
+
+namespace {
+
+// Another instance owns the name: ask it to show its preferences.
+int reopenRunningInstance(QDBusConnection& session) {
+  auto call = QDBusMessage::createMethodCall(ScriptingService::serviceName, ScriptingService::applicationPath,
+                                             ScriptingService::applicationInterface, "ShowPreferences");
+  auto reply = session.call(call, QDBus::Block, 5000);
+  if (reply.type() == QDBusMessage::ErrorMessage) {
+    std::cerr << "Lanternbud is already running but did not answer (" << reply.errorMessage().toStdString() << ").\n";
+  } else {
+    std::cerr << "Lanternbud is already running; it was asked to show its preferences.\n";
+  }
+  return 0;
+}
+
+} // namespace
+
+int Program::runApplication(UserDefaults& defaults, Tunables& tunables, bool demo, const std::string& helperPath) {
+  auto session = QDBusConnection::sessionBus();
+  if (!session.isConnected()) {
+    pxrLogError("No session bus (" + session.lastError().message().toStdString() +
+                "): lanternbud-ctl cannot reach this instance, and a second one is not prevented.");
+  } else if (!session.registerService(ScriptingService::serviceName)) {
+    return reopenRunningInstance(session);
+  }
+
+  auto platform = demo ? Platform::demo(defaults, tunables) : Platform::real(defaults, tunables, helperPath);
+  PXR_LOG(launchLog(), platform->backend());
+  AppDelegate app(platform->services());
+  app.applicationDidFinishLaunching();
+  if (auto* world = platform->demoWorld()) world->addTo(*app.deviceSettingManager());
+
+  std::unique_ptr<ScriptingService> scripting;
+  if (session.isConnected()) scripting = std::make_unique<ScriptingService>(session, app, defaults);
+  TerminationSignals termination([&app](int signal) {
+    PXR_LOG(launchLog(), "Quitting on signal", signal);
+    app.quit();
+  });
+  PXR_LOG(launchLog(), "Started with", app.deviceSettingManager()->deviceSettingList().size(), "devices");
+  QCoreApplication::exec();
+
+  // Nothing outside may reach the devices while they are taken down.
+  scripting.reset();
+  if (session.isConnected()) session.unregisterService(ScriptingService::serviceName);
+  app.applicationWillTerminate();
+  PXR_LOG(launchLog(), "Saved the device list; goodbye.");
+  return 0;
+}
+
+} // namespace lb

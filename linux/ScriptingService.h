@@ -1,0 +1,75 @@
+#pragma once
+
+#include "core/AppDelegate.h"
+
+#include <QDBusConnection>
+#include <QDBusContext>
+#include <QDBusObjectPath>
+#include <QObject>
+#include <QVariantMap>
+
+#include <map>
+#include <memory>
+
+namespace lb {
+
+class ScriptingDeviceObject;
+
+// The program's scripting interface on the session bus, under the name
+// "org.lanternbud.Lanternbud":
+//
+//   /org/lanternbud/Lanternbud              interface org.lanternbud.Lanternbud
+//     Devices (ao): one path per device, in the tray's order
+//     ShowPreferences(), Quit(), FindDevice(s) -> o (by ID, name or address)
+//     GetSetting(s key) -> s json, SetSetting(s key, s json), UnsetSetting(s key)
+//   /org/lanternbud/Lanternbud/Device/<ID>  interface org.lanternbud.Lanternbud.Device
+//     Name, ID, Address, BatteryLevel, BatteryLevelString, IconName,
+//     IconData, DisconnectedIconData, ConnectedIconData, Connected (writable),
+//     Status, ConnectionScript, DisconnectionScript
+//
+// A value that is missing is given as the type's empty value: Address "",
+// BatteryLevel -1, the icon data empty. Changes are announced with
+// PropertiesChanged. The paths carry device IDs, so they stay valid when the
+// list is re-sorted. Main thread only.
+class ScriptingService final : public QObject, protected QDBusContext {
+  Q_OBJECT
+
+public:
+  static constexpr const char* serviceName = "org.lanternbud.Lanternbud";
+  static constexpr const char* applicationPath = "/org/lanternbud/Lanternbud";
+  static constexpr const char* applicationInterface = "org.lanternbud.Lanternbud";
+  static constexpr const char* deviceInterface = "org.lanternbud.Lanternbud.Device";
+  static constexpr const char* errorPrefix = "org.lanternbud.Lanternbud.Error.";
+
+  // Exports the objects; the service name is taken by whoever owns the
+  // single-instance check.
+  ScriptingService(QDBusConnection bus, AppDelegate& app, UserDefaults& defaults);
+  ~ScriptingService() override;
+
+  static QString devicePath(std::int64_t ID);
+  QList<QDBusObjectPath> devices() const;
+
+  // Compares what scripts see with what they saw and announces the changes.
+  void refresh();
+
+  // The application interface's methods (through its adaptor).
+  void showPreferences();
+  void quit();
+  QDBusObjectPath findDevice(const QString& query);
+  QString getSetting(const QString& key);
+  void setSetting(const QString& key, const QString& json);
+  void unsetSetting(const QString& key);
+
+private:
+  void scheduleRefresh();
+  void announce(const QString& path, const QString& interface, const QVariantMap& changed);
+
+  QDBusConnection bus_;
+  AppDelegate& app_;
+  UserDefaults& defaults_;
+  std::map<std::int64_t, std::unique_ptr<ScriptingDeviceObject>> objects_;
+  QList<QDBusObjectPath> shownList_;
+  bool refreshPending_ = false;
+};
+
+} // namespace lb
