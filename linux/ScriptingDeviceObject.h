@@ -2,7 +2,6 @@
 
 #include "core/DeviceSetting.h"
 
-#include <QObject>
 #include <QVariantMap>
 
 #include <memory>
@@ -11,32 +10,25 @@ namespace lb {
 
 // One device as the scripting interface shows it. Holds its device setting
 // weakly: a device removed from the registry answers nothing more.
-class ScriptingDeviceObject final : public QObject {
-  Q_OBJECT
-
+class ScriptingDeviceObject {
 public:
-  explicit ScriptingDeviceObject(std::weak_ptr<DeviceSetting> setting);
+  // The device interface's properties with their D-Bus signatures, in the
+  // order introspection lists them; only Connected is writable.
+  struct Property {
+    const char* name;
+    const char* signature;
+  };
+  static const std::vector<Property>& properties();
 
-  // Every property but the icon pictures, by its D-Bus name: what a change
-  // is looked for in.
-  QVariantMap snapshot() const;
-  // The snapshot last announced, kept by the service.
-  QVariantMap shown;
+  explicit ScriptingDeviceObject(std::weak_ptr<DeviceSetting> setting) : setting_(std::move(setting)) {}
 
-  QString name() const;
-  qlonglong ID() const;
-  QString address() const;
-  int batteryLevel() const;
-  QString batteryLevelString() const;
-  QString iconName() const;
-  QByteArray iconData() const;
-  QByteArray disconnectedIconData() const;
-  QByteArray connectedIconData() const;
-  bool connected() const;
+  // Every property by its D-Bus name. A missing value is the type's empty
+  // value: Address "", BatteryLevel -1, icon data empty.
+  QVariantMap values() const;
   void setConnected(bool connected);
-  QString status() const;
-  QString connectionScript() const;
-  QString disconnectionScript() const;
+
+  // What was last announced, kept by the service to find changes in.
+  QVariantMap shown;
 
 private:
   std::weak_ptr<DeviceSetting> setting_;

@@ -43,18 +43,19 @@ ScriptingService::ScriptingService(QDBusConnection bus, AppDelegate& app, UserDe
     : bus_(std::move(bus)), app_(app), defaults_(defaults) {
   new ApplicationAdaptor(this);
   bus_.registerObject(applicationPath, this, QDBusConnection::ExportAdaptors);
+  bus_.registerVirtualObject(ScriptingDeviceTree::root, &tree_, QDBusConnection::SubPath);
   if (auto* registry = app_.deviceSettingManager()) registry->setChangeObserver([this] { scheduleRefresh(); });
   refresh();
 }
 
 ScriptingService::~ScriptingService() {
   if (auto* registry = app_.deviceSettingManager()) registry->setChangeObserver(nullptr);
-  for (const auto& [ID, object] : objects_) bus_.unregisterObject(devicePath(ID));
+  bus_.unregisterObject(ScriptingDeviceTree::root);
   bus_.unregisterObject(applicationPath);
 }
 
 QString ScriptingService::devicePath(std::int64_t ID) {
-  return QString(applicationPath) + "/Device/" + QString::number(ID);
+  return QString(ScriptingDeviceTree::root) + "/" + QString::number(ID);
 }
 
 QList<QDBusObjectPath> ScriptingService::devices() const {
@@ -80,23 +81,15 @@ void ScriptingService::refresh() {
   if (auto* registry = app_.deviceSettingManager()) {
     for (const auto& setting : registry->deviceSettingList()) current.emplace(setting->deviceID(), setting);
   }
-  for (auto it = objects_.begin(); it != objects_.end();) {
-    if (current.contains(it->first)) {
-      ++it;
-      continue;
-    }
-    bus_.unregisterObject(devicePath(it->first));
-    it = objects_.erase(it);
-  }
+  std::erase_if(objects_, [&](const auto& entry) { return !current.contains(entry.first); });
   for (const auto& [ID, setting] : current) {
     auto& object = objects_[ID];
     if (!object) {
       object = std::make_unique<ScriptingDeviceObject>(setting);
-      object->shown = object->snapshot();
-      bus_.registerObject(devicePath(ID), object.get(), QDBusConnection::ExportAdaptors);
+      object->shown = object->values();
       continue;
     }
-    const auto now = object->snapshot();
+    const auto now = object->values();
     QVariantMap changed;
     for (auto value = now.begin(); value != now.end(); ++value) {
       if (object->shown.value(value.key()) != value.value()) changed.insert(value.key(), value.value());
@@ -142,7 +135,7 @@ QString ScriptingService::getSetting(const QString& key) {
     sendErrorReply(QString(errorPrefix) + "NotSet", "\"" + key + "\" is not set; its default applies.");
     return {};
   }
-  return QString::fromStdString(SettingsJson::write(*value));
+  return QString::fromStdString(SettingsJson::write(*value)).trimmed();
 }
 
 void ScriptingService::setSetting(const QString& key, const QString& json) {

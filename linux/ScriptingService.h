@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/AppDelegate.h"
+#include "linux/ScriptingDeviceTree.h"
 
 #include <QDBusConnection>
 #include <QDBusContext>
@@ -13,7 +14,6 @@
 
 namespace lb {
 
-class ScriptingDeviceObject;
 
 // The program's scripting interface on the session bus, under the name
 // "org.lanternbud.Lanternbud":
@@ -67,7 +67,8 @@ private:
   QDBusConnection bus_;
   AppDelegate& app_;
   UserDefaults& defaults_;
-  std::map<std::int64_t, std::unique_ptr<ScriptingDeviceObject>> objects_;
+  ScriptingDeviceTree::Objects objects_;
+  ScriptingDeviceTree tree_{objects_};
   QList<QDBusObjectPath> shownList_;
   bool refreshPending_ = false;
 };

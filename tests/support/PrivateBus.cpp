@@ -20,7 +20,7 @@ bool waitUntil(const std::function<bool()>& predicate, double seconds) {
   return true;
 }
 
-PrivateBus::PrivateBus() {
+PrivateBus::PrivateBus(Kind kind) {
   if (!std::filesystem::exists("/usr/bin/dbus-daemon")) {
     skipReason_ = "dbus-daemon is not installed (scripts/install-deps installs it)";
     return;
@@ -29,7 +29,7 @@ PrivateBus::PrivateBus() {
   test::writeFile(folder_ / "bus.conf", R"(<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
  "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
 <busconfig>
-  <type>system</type>
+  <type>)" + std::string(kind == Kind::system ? "system" : "session") + R"(</type>
   <listen>unix:path=)" + socket.string() + R"(</listen>
   <auth>EXTERNAL</auth>
   <policy context="default">

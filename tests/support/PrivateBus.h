@@ -17,12 +17,13 @@ namespace lb::test {
 // (D-Bus signals, timers) meanwhile. Whether it held.
 bool waitUntil(const std::function<bool()>& predicate, double seconds = 10);
 
-// A private D-Bus daemon of the system type on a socket in a temporary
-// folder, with python-dbusmock models of system services on it. Everything
-// it starts, it stops.
+// A private D-Bus daemon of the system type (or the session type) on a
+// socket in a temporary folder, with python-dbusmock models of system
+// services on it. Everything it starts, it stops.
 class PrivateBus {
 public:
-  PrivateBus();
+  enum class Kind { system, session };
+  explicit PrivateBus(Kind kind = Kind::system);
   ~PrivateBus();
 
   // Empty when the bus runs; otherwise why the tests that need it skip.

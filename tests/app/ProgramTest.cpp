@@ -1,0 +1,207 @@
+#include "linux/PropertyList.h"
+#include "tests/support/PrivateBus.h"
+#include "tests/support/PulseServer.h"
+#include "tests/support/RunningProgram.h"
+
+#include <QDBusMessage>
+#include <QDBusVariant>
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <fstream>
+#include <set>
+
+namespace lb {
+
+namespace {
+
+constexpr const char* headsetAddress = "00:1B:66:AA:BB:CC";
+constexpr const char* keyboardAddress = "F0:99:B6:44:55:66";
+constexpr const char* silentHeadsetAddress = "00:1B:66:00:00:02";
+
+QString bluezPath(std::string address) {
+  std::replace(address.begin(), address.end(), ':', '_');
+  return QString::fromStdString("/org/bluez/hci0/dev_" + address);
+}
+
+// The whole program on real services: BlueZ's model on a private system
+// bus, a PulseAudio server with a built-in sink and the headset's sink, and
+// a private session bus for the scripting interface.
+class ProgramTest : public ::testing::Test {
+protected:
+  void SetUp() override {
+    if (!system.skipReason().empty() || !system.startBluez()) GTEST_SKIP() << system.skipReason();
+    if (!session.skipReason().empty()) GTEST_SKIP() << session.skipReason();
+    if (!pulse.skipReason().empty()) GTEST_SKIP() << pulse.skipReason();
+    system.bluez("/", "org.bluez.Mock", "AddAdapter", {"hci0", "my-computer"});
+    for (auto [address, name, deviceClass] : {std::tuple{headsetAddress, "WH Headset", 0x240404},
+                                              std::tuple{keyboardAddress, "K380 Keyboard", 0x002540},
+                                              std::tuple{silentHeadsetAddress, "Silent Headset", 0x240404}}) {
+      system.bluez("/", "org.bluez.Mock", "AddDevice", {"hci0", address, name});
+      system.bluez("/", "org.bluez.Mock", "PairDevice", {"hci0", address, deviceClass});
+    }
+    pulse.loadBluetoothSink("wh_headset", headsetAddress, "WH Headset");
+    pulse.pactl("set-default-sink builtin"); // the server prefers the newest sink
+    program = std::make_unique<test::RunningProgram>(&system, session, pulse.server());
+    std::filesystem::create_directories(program->settingsFile().parent_path());
+    test::writeFile(program->settingsFile(), std::string(R"({"devices": [
+      {"deviceID": 1, "device": "00-1b-66-aa-bb-cc"},
+      {"deviceID": 2, "device": ")") + keyboardAddress + R"(", "runShellScriptAfterConnected": true},
+      {"deviceID": 3, "device": ")" + silentHeadsetAddress + R"("}]})");
+  }
+
+  bool connected(const char* address) {
+    auto reply = system.bluez(bluezPath(address), "org.freedesktop.DBus.Properties", "Get", {"org.bluez.Device1", "Connected"});
+    return reply.arguments().value(0).value<QDBusVariant>().variant().toBool();
+  }
+  std::string defaultSink() {
+    auto sink = pulse.pactl("get-default-sink");
+    return sink.substr(0, sink.find('\n'));
+  }
+
+  test::PrivateBus system;
+  test::PrivateBus session{test::PrivateBus::Kind::session};
+  test::PulseServer pulse;
+  std::unique_ptr<test::RunningProgram> program;
+};
+
+} // namespace
+
+TEST_F(ProgramTest, ConnectingAHeadsetMakesItTheSoundOutput) {
+  ASSERT_TRUE(program->start());
+  EXPECT_EQ(defaultSink(), "builtin");
+  auto result = program->ctl({"connect", headsetAddress});
+  EXPECT_EQ(result.status, 0) << result.errors;
+  EXPECT_NE(result.output.find("WH Headset is connected."), std::string::npos) << result.output;
+  EXPECT_TRUE(connected(headsetAddress));
+  EXPECT_TRUE(test::eventually([&] { return defaultSink() == "wh_headset"; }));
+
+  result = program->ctl({"list"});
+  EXPECT_NE(result.output.find("WH Headset"), std::string::npos);
+  result = program->ctl({"disconnect", "WH Headset"});
+  EXPECT_EQ(result.status, 0) << result.errors;
+  EXPECT_FALSE(connected(headsetAddress));
+}
+
+TEST_F(ProgramTest, ConnectingAKeyboardRunsItsConnectScript) {
+  auto marker = program->scriptsFolder().parent_path() / "ran";
+  std::filesystem::create_directories(program->scriptsFolder());
+  test::writeFile(program->scriptsFolder() / "2.connected", "#!/bin/sh\necho connected > '" + marker.string() + "'\n");
+  std::filesystem::permissions(program->scriptsFolder() / "2.connected", std::filesystem::perms::owner_all);
+  ASSERT_TRUE(program->start());
+  EXPECT_EQ(program->ctl({"connect", "2"}).status, 0);
+  EXPECT_TRUE(test::eventually([&] { return std::filesystem::exists(marker); }));
+  EXPECT_EQ(defaultSink(), "builtin"); // a keyboard leaves the sound alone
+}
+
+// A headset that was a sound output once but whose sink does not come back:
+// the output fixer closes and reopens the connection, then gives up.
+TEST_F(ProgramTest, AHeadsetWhoseSinkIsGoneIsReopenedThenGivenUpOn) {
+  auto module = pulse.loadBluetoothSink("silent_headset", silentHeadsetAddress, "Silent Headset");
+  pulse.pactl("set-default-sink builtin");
+  ASSERT_TRUE(program->start({"-MissingAudioDeviceTries", "2", "-MissingAudioDeviceDisconnectionDelay", "0.2",
+                              "-ConnectionWaitInterval", "0.2"}));
+  EXPECT_EQ(program->ctl({"connect", "Silent Headset"}).status, 0);
+  EXPECT_TRUE(test::eventually([&] { return defaultSink() == "silent_headset"; }));
+  EXPECT_EQ(program->ctl({"disconnect", "Silent Headset"}).status, 0);
+  pulse.pactl("unload-module " + module);
+  pulse.pactl("set-default-sink builtin");
+
+  EXPECT_EQ(program->ctl({"connect", "Silent Headset", "--no-wait"}).status, 0);
+  EXPECT_TRUE(test::eventually([&] { return program->logText().find("Gave up trying to fix audio output") != std::string::npos; }, 60))
+      << program->logText();
+  const auto log = program->logText();
+  EXPECT_NE(log.find("Closing connection to try to fix audio output"), std::string::npos);
+  EXPECT_NE(log.find("Re-opening connection to try to fix audio output"), std::string::npos);
+  EXPECT_TRUE(connected(silentHeadsetAddress)); // reopened, and left so
+}
+
+TEST_F(ProgramTest, ASecondInstanceReopensTheFirstAndSigtermSaves) {
+  ASSERT_TRUE(program->start({"-LogDock", "YES"}));
+  auto second = program->run("lanternbud", {});
+  EXPECT_EQ(second.status, 0);
+  EXPECT_NE(second.errors.find("already running"), std::string::npos);
+  EXPECT_TRUE(test::eventually([&] { return program->logText().find("Showing preferences because of reopen.") != std::string::npos; }));
+  EXPECT_TRUE(program->running());
+
+  program->process().terminate(); // SIGTERM
+  ASSERT_TRUE(program->process().waitForFinished(10000));
+  EXPECT_EQ(program->process().exitStatus(), QProcess::NormalExit);
+  EXPECT_EQ(program->process().exitCode(), 0);
+  // Saving writes each device's name beside its options.
+  auto saved = nlohmann::json::parse(std::ifstream(program->settingsFile()));
+  std::set<std::string> names;
+  for (const auto& device : saved["devices"]) names.insert(device.value("deviceName", ""));
+  EXPECT_EQ(names, (std::set<std::string>{"K380 Keyboard", "Silent Headset", "WH Headset"}));
+  EXPECT_EQ(program->ctl({"list"}).status, 4); // not running
+}
+
+TEST_F(ProgramTest, TheScriptingInterfaceSaysWhatWasWrong) {
+  ASSERT_TRUE(program->start());
+  auto missing = program->ctl({"show", "Nonesuch"});
+  EXPECT_EQ(missing.status, 3);
+  EXPECT_NE(missing.errors.find("No device has the ID, name or address \"Nonesuch\""), std::string::npos);
+  EXPECT_EQ(program->ctl({"connect"}).status, 2);
+  EXPECT_EQ(program->ctl({"frobnicate"}).status, 2);
+
+  auto bus = session.connect("script");
+  auto set = QDBusMessage::createMethodCall("org.lanternbud.Lanternbud", "/org/lanternbud/Lanternbud/Device/1",
+                                            "org.freedesktop.DBus.Properties", "Set");
+  set << "org.lanternbud.Lanternbud.Device" << "Connected" << QVariant::fromValue(QDBusVariant(QString("yes")));
+  auto reply = bus.call(set, QDBus::Block, 5000);
+  EXPECT_EQ(reply.errorMessage(), "Connected takes a Boolean (b), not a value of type s.");
+  set.setArguments({"org.lanternbud.Lanternbud.Device", "Name", QVariant::fromValue(QDBusVariant(QString("x")))});
+  EXPECT_EQ(bus.call(set, QDBus::Block, 5000).errorName(), "org.freedesktop.DBus.Error.PropertyReadOnly");
+  EXPECT_FALSE(connected(headsetAddress));
+
+  // Settings go through the running program, which writes the file.
+  EXPECT_EQ(program->ctl({"config", "set", "LogConnect", "YES"}).status, 0);
+  EXPECT_EQ(program->ctl({"config", "get", "LogConnect"}).output, "true\n");
+  EXPECT_NE(nlohmann::json::parse(std::ifstream(program->settingsFile()))["LogConnect"], nullptr);
+  EXPECT_EQ(program->ctl({"config", "unset", "LogConnect"}).status, 0);
+  EXPECT_EQ(program->ctl({"config", "get", "LogConnect"}).status, 1);
+}
+
+// The helper tool is the program under another name, printing a device's
+// battery levels from BlueZ or UPower as a property list.
+TEST_F(ProgramTest, ThePrintModeAnswersFromBlueZAndUPower) {
+  ASSERT_TRUE(system.startUPower());
+  system.bluez(bluezPath(headsetAddress), "org.freedesktop.DBus.Mock", "AddProperty",
+               {"org.bluez.Battery1", "Percentage", QVariant::fromValue(QDBusVariant(QVariant::fromValue(uchar(73))))});
+  auto keyboard = system.upower("AddDischargingBattery", {"hid_keyboard", "K380", 64.0, qlonglong(0)}).arguments().value(0).toString();
+  system.upower("AddProperty", {"org.freedesktop.UPower.Device", "NativePath",
+                                QVariant::fromValue(QDBusVariant("hid-f0:99:b6:44:55:66-battery"))}, keyboard);
+
+  auto headset = program->run("LanternbudHelperTool", {"-PrintBatteryInfo", headsetAddress});
+  EXPECT_EQ(headset.status, 0);
+  EXPECT_EQ(PropertyList::parse(headset.output), SettingsValue(SettingsValue::Dictionary{{"BatteryPercentSingle", 73}}));
+  auto viaUPower = program->run("lanternbud", {"-PrintBatteryInfo", keyboardAddress});
+  EXPECT_EQ(PropertyList::parse(viaUPower.output), SettingsValue(SettingsValue::Dictionary{{"BatteryPercentSingle", 64}}));
+
+  auto unknown = program->run("lanternbud", {"-PrintBatteryInfo", "00:00:00:00:00:01"});
+  EXPECT_EQ(unknown.status, 0);
+  EXPECT_EQ(unknown.output, "");
+  EXPECT_TRUE(std::filesystem::exists(program->stateFolder() / "LanternbudHelperTool App Log.log"));
+  EXPECT_FALSE(std::filesystem::exists(program->settingsFile().parent_path().parent_path() / "autostart"));
+}
+
+TEST(Demo, StartsWithItsDevices) {
+  test::PrivateBus session(test::PrivateBus::Kind::session);
+  if (!session.skipReason().empty()) GTEST_SKIP() << session.skipReason();
+  test::RunningProgram program(nullptr, session, "");
+  ASSERT_TRUE(program.start({"--demo"}));
+  auto list = program.ctl({"list", "--json"});
+  ASSERT_EQ(list.status, 0) << list.errors;
+  auto devices = nlohmann::json::parse(list.output);
+  ASSERT_EQ(devices.size(), 5u);
+  EXPECT_EQ(devices[0]["name"], "Lantern Buds");
+  EXPECT_EQ(devices[0]["connected"], false);
+  EXPECT_EQ(devices[0]["address"], "00:1D:43:A0:00:02");
+
+  auto connect = program.ctl({"connect", "Lantern Buds"});
+  EXPECT_EQ(connect.status, 0) << connect.errors;
+  EXPECT_EQ(program.ctl({"battery", "Lantern Buds"}).output, "Battery Level: L: 60% R: 75%\n");
+}
+
+} // namespace lb
