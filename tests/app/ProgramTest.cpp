@@ -3,6 +3,7 @@
 #include "tests/support/PulseServer.h"
 #include "tests/support/RunningProgram.h"
 
+#include <QDBusArgument>
 #include <QDBusMessage>
 #include <QDBusVariant>
 
@@ -19,6 +20,26 @@ namespace {
 constexpr const char* headsetAddress = "00:1B:66:AA:BB:CC";
 constexpr const char* keyboardAddress = "F0:99:B6:44:55:66";
 constexpr const char* silentHeadsetAddress = "00:1B:66:00:00:02";
+
+// Collects the PropertiesChanged signals of the scripting interface.
+class ChangeListener : public QObject {
+  Q_OBJECT
+
+public:
+  explicit ChangeListener(QDBusConnection bus) : bus_(std::move(bus)) {
+    bus_.connect("org.lanternbud.Lanternbud", QString(), "org.freedesktop.DBus.Properties", "PropertiesChanged", this,
+                 SLOT(changed(QDBusMessage)));
+  }
+  std::vector<std::pair<QString, QVariantMap>> changes;
+
+public slots:
+  void changed(const QDBusMessage& message) {
+    changes.emplace_back(message.path(), qdbus_cast<QVariantMap>(message.arguments().value(1)));
+  }
+
+private:
+  QDBusConnection bus_;
+};
 
 QString bluezPath(std::string address) {
   std::replace(address.begin(), address.end(), ':', '_');
@@ -70,12 +91,18 @@ protected:
 
 TEST_F(ProgramTest, ConnectingAHeadsetMakesItTheSoundOutput) {
   ASSERT_TRUE(program->start());
+  ChangeListener listener(session.connect("listener"));
   EXPECT_EQ(defaultSink(), "builtin");
   auto result = program->ctl({"connect", headsetAddress});
   EXPECT_EQ(result.status, 0) << result.errors;
   EXPECT_NE(result.output.find("WH Headset is connected."), std::string::npos) << result.output;
   EXPECT_TRUE(connected(headsetAddress));
   EXPECT_TRUE(test::eventually([&] { return defaultSink() == "wh_headset"; }));
+  EXPECT_TRUE(test::waitUntil([&] {
+    return std::any_of(listener.changes.begin(), listener.changes.end(), [](const auto& change) {
+      return change.first == "/org/lanternbud/Lanternbud/Device/1" && change.second.value("Connected") == true;
+    });
+  }));
 
   result = program->ctl({"list"});
   EXPECT_NE(result.output.find("WH Headset"), std::string::npos);
@@ -205,3 +232,5 @@ TEST(Demo, StartsWithItsDevices) {
 }
 
 } // namespace lb
+
+#include "ProgramTest.moc"
