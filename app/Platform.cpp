@@ -47,6 +47,11 @@ std::unique_ptr<Platform> Platform::demo(UserDefaults& defaults, Tunables& tunab
   return platform;
 }
 
+std::optional<std::uint64_t> Platform::soundServerRequests() const {
+  if (!pulse_) return std::nullopt;
+  return pulse_->requestsSent();
+}
+
 void Platform::wire(Bluetooth& bluetooth, AudioSystem& audio, BatterySources& batterySources, LoginItems& loginItems) {
   audioHardware_ = std::make_unique<AudioHardware>(audio, loop_);
   outputDeviceManager_ = std::make_unique<OutputDeviceManager>(*audioHardware_, tunables_);

@@ -18,6 +18,8 @@
 
 namespace lb {
 
+class PulseAudioSystem;
+
 // The ports the program runs on, wired into one Services: the real Linux
 // platform, or the demo's simulated devices and sound in real time. Either
 // way the event loop is Qt's and scripts are real files and processes.
@@ -38,6 +40,8 @@ public:
   Services& services() { return *services_; }
   // The demo's world; none on the real platform.
   DemoWorld* demoWorld() const { return demo_.get(); }
+  // Requests sent to the sound server so far; none in the demo.
+  std::optional<std::uint64_t> soundServerRequests() const;
 
 private:
   Platform(UserDefaults& defaults, Tunables& tunables, std::string backend, std::filesystem::path scriptsFolder);
@@ -60,7 +64,7 @@ private:
   std::unique_ptr<QObject> bluez_;
   std::unique_ptr<UPowerRegistry> upower_;
   std::unique_ptr<BatterySources> batterySources_;
-  std::unique_ptr<AudioSystem> pulse_;
+  std::unique_ptr<PulseAudioSystem> pulse_;
   std::unique_ptr<LoginItems> loginItems_;
   std::unique_ptr<DemoWorld> demo_;
 

@@ -72,8 +72,14 @@ int Program::runApplication(UserDefaults& defaults, Tunables& tunables, bool dem
     PXR_LOG(launchLog(), "Quitting on signal", signal);
     app.quit();
   });
-  PXR_LOG(launchLog(), "Started with", app.deviceSettingManager()->deviceSettingList().size(), "devices");
+  auto requests = [&platform] {
+    auto count = platform->soundServerRequests();
+    return count ? std::to_string(*count) : std::string("no");
+  };
+  PXR_LOG(launchLog(), "Started with", app.deviceSettingManager()->deviceSettingList().size(), "devices;", requests(),
+          "sound-server requests so far");
   QCoreApplication::exec();
+  PXR_LOG(launchLog(), "Quitting;", requests(), "sound-server requests in all");
 
   // Nothing outside may reach the devices while they are taken down.
   scripting.reset();
