@@ -8,8 +8,9 @@
 namespace lb {
 
 // Sets up logging for a Linux process: a shared logger whose areas follow
-// `areaSwitch`, writing to the journal when one listens and to the process's
-// own log file. Neither is required; logging goes on with what there is.
+// `areaSwitch`, writing to the journal when one listens, to the process's
+// own log file, and to a terminal on standard error. None is required;
+// logging goes on with what there is.
 struct LinuxLogger {
   static std::shared_ptr<PXRLogger> install(PXRLogger::AreaSwitch areaSwitch, const std::string& processName);
 };
