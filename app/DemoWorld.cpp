@@ -2,6 +2,8 @@
 
 #include "sim/SimBehaviours.h"
 
+#include <map>
+
 namespace lb {
 
 DemoWorld::DemoWorld(EventLoop& loop) : world(loop) {
@@ -34,8 +36,14 @@ DemoWorld::DemoWorld(EventLoop& loop) : world(loop) {
 
 void DemoWorld::addTo(DeviceSettingManager& registry) {
   if (!registry.deviceSettingList().empty()) return;
+  const std::map<std::string, MenuBarIconOption> icons{
+      {"Lantern Headset", MenuBarIconOption::headphones}, {"Lantern Buds", MenuBarIconOption::surfaceEarbuds},
+      {"Lantern Mouse", MenuBarIconOption::mouse},         {"Lantern Keyboard", MenuBarIconOption::keyboard},
+      {"Lantern Speaker", MenuBarIconOption::cylinderSpeaker}};
   for (const auto& paired : world.pairedDevices()) {
-    if (auto device = world.device(paired.address)) registry.add(*device);
+    auto device = world.device(paired.address);
+    auto setting = device ? registry.add(*device) : nullptr;
+    if (auto icon = icons.find(paired.name); setting && icon != icons.end()) setting->setIcon(icon->second);
   }
 }
 

@@ -76,6 +76,19 @@ protected:
     auto reply = system.bluez(bluezPath(address), "org.freedesktop.DBus.Properties", "Get", {"org.bluez.Device1", "Connected"});
     return reply.arguments().value(0).value<QDBusVariant>().variant().toBool();
   }
+  // A property of a device through the scripting interface.
+  QVariant deviceProperty(int ID, const char* name) {
+    auto get = QDBusMessage::createMethodCall("org.lanternbud.Lanternbud", QString("/org/lanternbud/Lanternbud/Device/%1").arg(ID),
+                                              "org.freedesktop.DBus.Properties", "Get");
+    get << "org.lanternbud.Lanternbud.Device" << name;
+    return scripting.call(get, QDBus::Block, 5000).arguments().value(0).value<QDBusVariant>().variant();
+  }
+  // Until the program has seen the headset become the output, a click sets
+  // the output instead of disconnecting.
+  bool seenAsOutput(int ID) {
+    return test::waitUntil([&] { return deviceProperty(ID, "Status").toString().endsWith(" - Connected"); });
+  }
+
   std::string defaultSink() {
     auto sink = pulse.pactl("get-default-sink");
     return sink.substr(0, sink.find('\n'));
@@ -84,6 +97,7 @@ protected:
   test::PrivateBus system;
   test::PrivateBus session{test::PrivateBus::Kind::session};
   test::PulseServer pulse;
+  QDBusConnection scripting = session.connect("script");
   std::unique_ptr<test::RunningProgram> program;
 };
 
@@ -106,6 +120,7 @@ TEST_F(ProgramTest, ConnectingAHeadsetMakesItTheSoundOutput) {
 
   result = program->ctl({"list"});
   EXPECT_NE(result.output.find("WH Headset"), std::string::npos);
+  EXPECT_TRUE(seenAsOutput(1));
   result = program->ctl({"disconnect", "WH Headset"});
   EXPECT_EQ(result.status, 0) << result.errors;
   EXPECT_FALSE(connected(headsetAddress));
@@ -131,6 +146,7 @@ TEST_F(ProgramTest, AHeadsetWhoseSinkIsGoneIsReopenedThenGivenUpOn) {
                               "-ConnectionWaitInterval", "0.2"}));
   EXPECT_EQ(program->ctl({"connect", "Silent Headset"}).status, 0);
   EXPECT_TRUE(test::eventually([&] { return defaultSink() == "silent_headset"; }));
+  EXPECT_TRUE(seenAsOutput(3));
   EXPECT_EQ(program->ctl({"disconnect", "Silent Headset"}).status, 0);
   pulse.pactl("unload-module " + module);
   pulse.pactl("set-default-sink builtin");
@@ -172,14 +188,13 @@ TEST_F(ProgramTest, TheScriptingInterfaceSaysWhatWasWrong) {
   EXPECT_EQ(program->ctl({"connect"}).status, 2);
   EXPECT_EQ(program->ctl({"frobnicate"}).status, 2);
 
-  auto bus = session.connect("script");
   auto set = QDBusMessage::createMethodCall("org.lanternbud.Lanternbud", "/org/lanternbud/Lanternbud/Device/1",
                                             "org.freedesktop.DBus.Properties", "Set");
   set << "org.lanternbud.Lanternbud.Device" << "Connected" << QVariant::fromValue(QDBusVariant(QString("yes")));
-  auto reply = bus.call(set, QDBus::Block, 5000);
+  auto reply = scripting.call(set, QDBus::Block, 5000);
   EXPECT_EQ(reply.errorMessage(), "Connected takes a Boolean (b), not a value of type s.");
   set.setArguments({"org.lanternbud.Lanternbud.Device", "Name", QVariant::fromValue(QDBusVariant(QString("x")))});
-  EXPECT_EQ(bus.call(set, QDBus::Block, 5000).errorName(), "org.freedesktop.DBus.Error.PropertyReadOnly");
+  EXPECT_EQ(scripting.call(set, QDBus::Block, 5000).errorName(), "org.freedesktop.DBus.Error.PropertyReadOnly");
   EXPECT_FALSE(connected(headsetAddress));
 
   // Settings go through the running program, which writes the file.
@@ -225,6 +240,7 @@ TEST(Demo, StartsWithItsDevices) {
   EXPECT_EQ(devices[0]["name"], "Lantern Buds");
   EXPECT_EQ(devices[0]["connected"], false);
   EXPECT_EQ(devices[0]["address"], "00:1D:43:A0:00:02");
+  EXPECT_EQ(devices[0]["iconName"], "surface-earbuds");
 
   auto connect = program.ctl({"connect", "Lantern Buds"});
   EXPECT_EQ(connect.status, 0) << connect.errors;
