@@ -195,6 +195,14 @@ TEST_F(ProgramTest, TheScriptingInterfaceSaysWhatWasWrong) {
   EXPECT_EQ(reply.errorMessage(), "Connected takes a Boolean (b), not a value of type s.");
   set.setArguments({"org.lanternbud.Lanternbud.Device", "Name", QVariant::fromValue(QDBusVariant(QString("x")))});
   EXPECT_EQ(scripting.call(set, QDBus::Block, 5000).errorName(), "org.freedesktop.DBus.Error.PropertyReadOnly");
+
+  auto introspect = [&](const QString& path) {
+    auto call = QDBusMessage::createMethodCall("org.lanternbud.Lanternbud", path, "org.freedesktop.DBus.Introspectable", "Introspect");
+    return scripting.call(call, QDBus::Block, 5000).arguments().value(0).toString();
+  };
+  EXPECT_TRUE(introspect("/org/lanternbud/Lanternbud").contains("<node name=\"Device\"/>"));
+  EXPECT_TRUE(introspect("/org/lanternbud/Lanternbud/Device").contains("<node name=\"3\"/>"));
+  EXPECT_TRUE(introspect("/org/lanternbud/Lanternbud/Device/1").contains(R"(<property name="Connected" type="b" access="readwrite"/>)"));
   EXPECT_FALSE(connected(headsetAddress));
 
   // Settings go through the running program, which writes the file.
