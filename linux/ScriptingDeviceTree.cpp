@@ -31,6 +31,7 @@ QString ScriptingDeviceTree::introspect(const QString& path) const {
     for (const auto& [ID, object] : objects_) children += QString("<node name=\"%1\"/>").arg(ID);
     return children;
   }
+  if (!device(path)) return {};
   QString xml = QString("<interface name=\"%1\">\n").arg(ScriptingService::deviceInterface);
   for (const auto& property : ScriptingDeviceObject::properties()) {
     const bool writable = QString(property.name) == "Connected";
@@ -42,38 +43,24 @@ QString ScriptingDeviceTree::introspect(const QString& path) const {
 }
 
 bool ScriptingDeviceTree::handleMessage(const QDBusMessage& message, const QDBusConnection& connection) {
-  const QString path = message.path();
+  // Declined messages reach Qt's own handlers, which write the introspection
+  // document around introspect().
+  if (message.interface() == "org.freedesktop.DBus.Introspectable") return false;
   QDBusConnection bus(connection);
-  if (message.interface() == "org.freedesktop.DBus.Introspectable" && message.member() == "Introspect") {
-    bus.send(message.createReply(introspectionDocument(path)));
-    return true;
-  }
-  const QString prefix = QString(root) + "/";
-  bool isNumber = false;
-  const auto ID = path.startsWith(prefix) ? path.mid(prefix.size()).toLongLong(&isNumber) : 0;
-  auto found = isNumber ? objects_.find(ID) : objects_.end();
-  if (found == objects_.end()) {
-    bus.send(error(message, QDBusError::UnknownObject, "No device has the path " + path + "."));
+  if (auto* found = device(message.path())) {
+    bus.send(answer(message, *found));
   } else {
-    bus.send(answer(message, *found->second));
+    bus.send(error(message, QDBusError::UnknownObject, "No device has the path " + message.path() + "."));
   }
   return true;
 }
 
-QString ScriptingDeviceTree::introspectionDocument(const QString& path) const {
-  static const QString standard = R"(<interface name="org.freedesktop.DBus.Introspectable">
-  <method name="Introspect"><arg name="xml_data" type="s" direction="out"/></method>
-</interface>
-<interface name="org.freedesktop.DBus.Properties">
-  <method name="Get"><arg name="interface_name" type="s" direction="in"/><arg name="property_name" type="s" direction="in"/><arg name="value" type="v" direction="out"/></method>
-  <method name="GetAll"><arg name="interface_name" type="s" direction="in"/><arg name="values" type="a{sv}" direction="out"/></method>
-  <method name="Set"><arg name="interface_name" type="s" direction="in"/><arg name="property_name" type="s" direction="in"/><arg name="value" type="v" direction="in"/></method>
-  <signal name="PropertiesChanged"><arg name="interface_name" type="s"/><arg name="changed_properties" type="a{sv}"/><arg name="invalidated_properties" type="as"/></signal>
-</interface>
-)";
-  return "<!DOCTYPE node PUBLIC \"-//freedesktop//DTD D-BUS Object Introspection 1.0//EN\"\n"
-         "\"http://www.freedesktop.org/standards/dbus/1.0/introspect.dtd\">\n<node>\n" +
-         standard + introspect(path) + "</node>\n";
+ScriptingDeviceObject* ScriptingDeviceTree::device(const QString& path) const {
+  const QString prefix = QString(root) + "/";
+  bool isNumber = false;
+  const auto ID = path.startsWith(prefix) ? path.mid(prefix.size()).toLongLong(&isNumber) : 0;
+  auto found = isNumber ? objects_.find(ID) : objects_.end();
+  return found == objects_.end() ? nullptr : found->second.get();
 }
 
 QDBusMessage ScriptingDeviceTree::answer(const QDBusMessage& message, ScriptingDeviceObject& device) const {

@@ -26,8 +26,8 @@ public:
 
 private:
   QDBusMessage answer(const QDBusMessage& message, ScriptingDeviceObject& device) const;
-  // The whole document an Introspect call answers with.
-  QString introspectionDocument(const QString& path) const;
+  // The device object at a path, or null.
+  ScriptingDeviceObject* device(const QString& path) const;
 
   const Objects& objects_;
 };
