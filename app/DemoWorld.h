@@ -6,6 +6,7 @@
 #include "sim/SimBluetooth.h"
 #include "sim/SimHeadsetAudio.h"
 
+#include <map>
 #include <memory>
 #include <vector>
 
@@ -29,6 +30,7 @@ public:
 
 private:
   std::vector<std::unique_ptr<SimHeadsetAudio>> headsets_;
+  std::map<std::string, MenuBarIconOption> icons_; // by address
 };
 
 } // namespace lb
