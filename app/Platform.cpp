@@ -1,10 +1,10 @@
 #include "app/Platform.h"
 
-#include "linux/BluezBluetooth.h"
-#include "linux/LinuxBatterySources.h"
-#include "linux/PulseAudioSystem.h"
-#include "linux/XdgAutostart.h"
-#include "linux/XdgDirectories.h"
+#include "linux/bluez/BluezBluetooth.h"
+#include "linux/battery/LinuxBatterySources.h"
+#include "linux/audio/PulseAudioSystem.h"
+#include "linux/xdg/XdgAutostart.h"
+#include "foundation/XdgDirectories.h"
 #include "sim/SimLoginItems.h"
 
 #include <QCoreApplication>

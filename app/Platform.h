@@ -6,12 +6,12 @@
 #include "app/LoggingStatusBar.h"
 #include "app/UnboundShortcuts.h"
 #include "core/Services.h"
-#include "linux/IcuNameCollator.h"
-#include "linux/LinuxOperatingSystem.h"
-#include "linux/QtEventLoop.h"
-#include "linux/SpawnScriptRunner.h"
-#include "linux/UPowerRegistry.h"
-#include "linux/XdgScriptsFolder.h"
+#include "linux/system/IcuNameCollator.h"
+#include "linux/system/LinuxOperatingSystem.h"
+#include "linux/system/QtEventLoop.h"
+#include "linux/system/SpawnScriptRunner.h"
+#include "linux/battery/UPowerRegistry.h"
+#include "linux/xdg/XdgScriptsFolder.h"
 
 #include <memory>
 #include <string>

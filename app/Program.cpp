@@ -3,11 +3,11 @@
 #include "app/Platform.h"
 #include "core/AppDelegate.h"
 #include "core/LogAreas.h"
-#include "linux/BluezBluetooth.h"
-#include "linux/LinuxBatterySources.h"
-#include "linux/PropertyList.h"
-#include "linux/ScriptingService.h"
-#include "linux/TerminationSignals.h"
+#include "linux/bluez/BluezBluetooth.h"
+#include "linux/battery/LinuxBatterySources.h"
+#include "linux/battery/PropertyList.h"
+#include "scripting/ScriptingService.h"
+#include "linux/system/TerminationSignals.h"
 
 #include <QCoreApplication>
 #include <QDBusConnectionInterface>
@@ -38,8 +38,8 @@ namespace {
 
 // Another instance owns the name: ask it to show its preferences.
 int reopenRunningInstance(QDBusConnection& session) {
-  auto call = QDBusMessage::createMethodCall(ScriptingService::serviceName, ScriptingService::applicationPath,
-                                             ScriptingService::applicationInterface, "ShowPreferences");
+  auto call = QDBusMessage::createMethodCall(bus::serviceName, bus::applicationPath,
+                                             bus::applicationInterface, "ShowPreferences");
   auto reply = session.call(call, QDBus::Block, 5000);
   if (reply.type() == QDBusMessage::ErrorMessage) {
     std::cerr << "Lanternbud is already running but did not answer (" << reply.errorMessage().toStdString() << ").\n";
@@ -56,7 +56,7 @@ int Program::runApplication(UserDefaults& defaults, Tunables& tunables, bool dem
   if (!session.isConnected()) {
     pxrLogError("No session bus (" + session.lastError().message().toStdString() +
                 "): lanternbud-ctl cannot reach this instance, and a second one is not prevented.");
-  } else if (!session.registerService(ScriptingService::serviceName)) {
+  } else if (!session.registerService(bus::serviceName)) {
     return reopenRunningInstance(session);
   }
 
@@ -83,7 +83,7 @@ int Program::runApplication(UserDefaults& defaults, Tunables& tunables, bool dem
 
   // Nothing outside may reach the devices while they are taken down.
   scripting.reset();
-  if (session.isConnected()) session.unregisterService(ScriptingService::serviceName);
+  if (session.isConnected()) session.unregisterService(bus::serviceName);
   app.applicationWillTerminate();
   PXR_LOG(launchLog(), "Saved the device list; goodbye.");
   return 0;

@@ -1,8 +1,8 @@
 // lanternbud-ctl: lists and drives the running Lanternbud's devices over its
 // scripting interface on the session bus, and reads and writes its settings.
 #include "foundation/SettingsJson.h"
-#include "linux/JsonSettingsStore.h"
-#include "linux/ScriptingService.h"
+#include "foundation/JsonSettingsStore.h"
+#include "scripting/BusNames.h"
 
 #include <QCoreApplication>
 #include <QDBusConnection>
@@ -23,7 +23,6 @@
 
 namespace {
 
-using lb::ScriptingService;
 
 // Exit statuses, as --help lists them.
 enum Exit { ok = 0, failed = 1, usageError = 2, noSuchDevice = 3, notRunning = 4 };
@@ -76,34 +75,34 @@ public:
   Client() : bus_(QDBusConnection::sessionBus()) {}
 
   bool running() {
-    return bus_.isConnected() && bus_.interface()->isServiceRegistered(ScriptingService::serviceName).value();
+    return bus_.isConnected() && bus_.interface()->isServiceRegistered(lb::bus::serviceName).value();
   }
 
   QDBusMessage call(const QString& path, const QString& interface, const QString& method, const QVariantList& arguments = {}) {
-    auto message = QDBusMessage::createMethodCall(ScriptingService::serviceName, path, interface, method);
+    auto message = QDBusMessage::createMethodCall(lb::bus::serviceName, path, interface, method);
     message.setArguments(arguments);
     return bus_.call(message, QDBus::Block, 10000);
   }
   QDBusMessage application(const QString& method, const QVariantList& arguments = {}) {
-    return call(ScriptingService::applicationPath, ScriptingService::applicationInterface, method, arguments);
+    return call(lb::bus::applicationPath, lb::bus::applicationInterface, method, arguments);
   }
 
   QVariantMap properties(const QString& path) {
-    auto reply = call(path, "org.freedesktop.DBus.Properties", "GetAll", {ScriptingService::deviceInterface});
+    auto reply = call(path, "org.freedesktop.DBus.Properties", "GetAll", {lb::bus::deviceInterface});
     return qdbus_cast<QVariantMap>(reply.arguments().value(0));
   }
   QVariant property(const QString& path, const char* name) { return properties(path).value(name); }
 
   QList<QDBusObjectPath> devices() {
-    auto reply = call(ScriptingService::applicationPath, "org.freedesktop.DBus.Properties", "Get",
-                      {ScriptingService::applicationInterface, "Devices"});
+    auto reply = call(lb::bus::applicationPath, "org.freedesktop.DBus.Properties", "Get",
+                      {lb::bus::applicationInterface, "Devices"});
     auto value = reply.arguments().value(0).value<QDBusVariant>().variant();
     return qdbus_cast<QList<QDBusObjectPath>>(value);
   }
 
   QDBusMessage setConnected(const QString& path, bool connected) {
     return call(path, "org.freedesktop.DBus.Properties", "Set",
-                {ScriptingService::deviceInterface, "Connected", QVariant::fromValue(QDBusVariant(connected))});
+                {lb::bus::deviceInterface, "Connected", QVariant::fromValue(QDBusVariant(connected))});
   }
 
 private:

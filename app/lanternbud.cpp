@@ -2,8 +2,8 @@
 // LanternbudHelperTool) its battery print mode.
 #include "app/Program.h"
 #include "core/AppDelegate.h"
-#include "linux/JsonSettingsStore.h"
-#include "linux/LinuxLogger.h"
+#include "foundation/JsonSettingsStore.h"
+#include "linux/logging/LinuxLogger.h"
 
 #include <QCoreApplication>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ports/SettingsStore.h"
+#include "foundation/SettingsStore.h"
 
 #include <cstdint>
 #include <map>

@@ -1,4 +1,4 @@
-#include "linux/PropertyList.h"
+#include "linux/battery/PropertyList.h"
 #include "tests/support/PrivateBus.h"
 #include "tests/support/PulseServer.h"
 #include "tests/support/RunningProgram.h"

@@ -3,8 +3,8 @@
 // Lanternbud's connection sends. Prints the figure; the target is 0.
 //   bluez_idle_benchmark [seconds]   (default 60)
 #include "core/DeviceSetting.h"
-#include "linux/BluezBluetooth.h"
-#include "linux/QtEventLoop.h"
+#include "linux/bluez/BluezBluetooth.h"
+#include "linux/system/QtEventLoop.h"
 #include "sim/SimulatedPlatform.h"
 #include "tests/support/PrivateBus.h"
 

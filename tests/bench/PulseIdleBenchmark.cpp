@@ -4,7 +4,7 @@
 // how long a new Bluetooth sink takes to reach the mirror (target: well
 // under 50 ms).   pulse_idle_benchmark [seconds]   (default 60)
 #include "core/OutputDeviceManager.h"
-#include "linux/PulseAudioSystem.h"
+#include "linux/audio/PulseAudioSystem.h"
 #include "sim/InMemorySettingsStore.h"
 #include "sim/VirtualEventLoop.h"
 #include "tests/support/PulseServer.h"

@@ -1,5 +1,5 @@
 #include "core/AppDelegate.h"
-#include "linux/JsonSettingsStore.h"
+#include "foundation/JsonSettingsStore.h"
 #include "sim/SimulatedPlatform.h"
 #include "tests/support/TemporaryDirectory.h"
 

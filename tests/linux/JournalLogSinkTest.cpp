@@ -1,4 +1,4 @@
-#include "linux/JournalLogSink.h"
+#include "linux/logging/JournalLogSink.h"
 
 #include <gtest/gtest.h>
 

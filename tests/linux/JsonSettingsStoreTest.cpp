@@ -1,4 +1,4 @@
-#include "linux/JsonSettingsStore.h"
+#include "foundation/JsonSettingsStore.h"
 #include "tests/support/CapturedLog.h"
 #include "tests/support/TemporaryDirectory.h"
 

@@ -1,9 +1,9 @@
 #include "core/LogAreas.h"
 #include "core/UserDefaults.h"
-#include "linux/JsonSettingsStore.h"
-#include "linux/LinuxLogger.h"
-#include "linux/LogFileSink.h"
-#include "linux/OurLogFile.h"
+#include "foundation/JsonSettingsStore.h"
+#include "linux/logging/LinuxLogger.h"
+#include "linux/logging/LogFileSink.h"
+#include "linux/logging/OurLogFile.h"
 #include "tests/support/TemporaryDirectory.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
 #include "core/OutputDeviceManager.h"
-#include "linux/PulseAudioSystem.h"
+#include "linux/audio/PulseAudioSystem.h"
 #include "sim/InMemorySettingsStore.h"
 #include "sim/VirtualEventLoop.h"
 #include "tests/support/CapturedLog.h"

@@ -1,6 +1,6 @@
 #include "core/DeviceSetting.h"
-#include "linux/SpawnScriptRunner.h"
-#include "linux/XdgScriptsFolder.h"
+#include "linux/system/SpawnScriptRunner.h"
+#include "linux/xdg/XdgScriptsFolder.h"
 #include "sim/SimulatedPlatform.h"
 #include "tests/support/CapturedLog.h"
 #include "tests/support/TemporaryDirectory.h"

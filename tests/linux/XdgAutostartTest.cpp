@@ -1,5 +1,5 @@
-#include "linux/IcuNameCollator.h"
-#include "linux/XdgAutostart.h"
+#include "linux/system/IcuNameCollator.h"
+#include "linux/xdg/XdgAutostart.h"
 #include "tests/support/TemporaryDirectory.h"
 
 #include <gtest/gtest.h>

@@ -1,0 +1,78 @@
+#include "foundation/AtomicFile.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <fstream>
+#include <sstream>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace lb {
+
+namespace {
+
+std::string reason(const char* step, int error) { return std::string(step) + ": " + std::strerror(error); }
+
+bool writeAll(int descriptor, std::string_view content) {
+  while (!content.empty()) {
+    ssize_t written = ::write(descriptor, content.data(), content.size());
+    if (written < 0) {
+      if (errno == EINTR) continue;
+      return false;
+    }
+    content.remove_prefix(static_cast<std::size_t>(written));
+  }
+  return true;
+}
+
+} // namespace
+
+std::optional<std::string> AtomicFile::write(const std::filesystem::path& path, std::string_view content,
+                                             mode_t mode) {
+  std::string temporary = path.string() + ".XXXXXX";
+  int descriptor = mkstemp(temporary.data());
+  if (descriptor < 0) return reason("creating a temporary file", errno);
+
+  auto fail = [&](const char* step) {
+    int error = errno;
+    if (descriptor >= 0) ::close(descriptor);
+    ::unlink(temporary.c_str());
+    return reason(step, error);
+  };
+  if (fchmod(descriptor, mode) != 0) return fail("setting permissions");
+  if (!writeAll(descriptor, content)) return fail("writing");
+  if (fsync(descriptor) != 0) return fail("flushing to disk");
+  if (::close(descriptor) != 0) {
+    descriptor = -1;
+    return fail("closing");
+  }
+  descriptor = -1;
+  if (std::rename(temporary.c_str(), path.c_str()) != 0) return fail("renaming into place");
+
+  // The rename itself lives in the directory; flush that too.
+  int directory = ::open(path.parent_path().empty() ? "." : path.parent_path().c_str(),
+                         O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (directory >= 0) {
+    fsync(directory);
+    ::close(directory);
+  }
+  return std::nullopt;
+}
+
+std::optional<std::string> AtomicFile::read(const std::filesystem::path& path, std::string& error) {
+  std::ifstream file(path, std::ios::binary);
+  if (!file) {
+    error = std::strerror(errno);
+    return std::nullopt;
+  }
+  std::ostringstream content;
+  content << file.rdbuf();
+  if (file.bad()) {
+    error = "reading failed";
+    return std::nullopt;
+  }
+  return std::move(content).str();
+}
+
+} // namespace lb

@@ -1,0 +1,153 @@
+#include "linux/bluez/BluezBluetooth.h"
+
+#include "foundation/PXRLog.h"
+#include "linux/bluez/BluezDevice.h"
+#include "linux/bluez/BluezErrors.h"
+
+#include <QDBusArgument>
+#include <QDBusMessage>
+#include <QDBusMetaType>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QDBusReply>
+#include <QDBusServiceWatcher>
+
+namespace lb {
+
+namespace {
+constexpr const char* service = "org.bluez";
+constexpr const char* objectManager = "org.freedesktop.DBus.ObjectManager";
+
+std::map<QString, QVariantMap> interfacesOf(const BluezInterfaceMap& interfaces) {
+  std::map<QString, QVariantMap> result;
+  for (auto it = interfaces.begin(); it != interfaces.end(); ++it) result.emplace(it.key(), it.value());
+  return result;
+}
+} // namespace
+
+class BluezBluetooth::Registration final : public NotificationRegistration {
+public:
+  Registration(BluezBluetooth& owner, std::uint64_t id) : owner_(owner), id_(id) {}
+  ~Registration() override { owner_.subscriptions_.erase(id_); }
+
+private:
+  BluezBluetooth& owner_;
+  std::uint64_t id_;
+};
+
+BluezBluetooth::BluezBluetooth(QDBusConnection bus) : bus_(std::move(bus)) {
+  qDBusRegisterMetaType<BluezInterfaceMap>();
+  qDBusRegisterMetaType<BluezObjectMap>();
+
+  // The object-manager signals arrive as messages and are read here: Qt
+  // refuses slots whose parameters are these D-Bus types.
+  bus_.connect(service, "/", objectManager, "InterfacesAdded", this, SLOT(interfacesAdded(QDBusMessage)));
+  bus_.connect(service, "/", objectManager, "InterfacesRemoved", this, SLOT(interfacesRemoved(QDBusMessage)));
+  bus_.connect(service, QString(), "org.freedesktop.DBus.Properties", "PropertiesChanged", this,
+               SLOT(propertiesChanged(QString, QVariantMap, QStringList, QDBusMessage)));
+
+  watcher_ = new QDBusServiceWatcher(service, bus_, QDBusServiceWatcher::WatchForOwnerChange, this);
+  connect(watcher_, &QDBusServiceWatcher::serviceUnregistered, this, [this] {
+    mirror_->clear();
+    pxrLogError("BlueZ left the bus: no Bluetooth devices until it returns.");
+  });
+  connect(watcher_, &QDBusServiceWatcher::serviceRegistered, this, [this] { reload(); });
+
+  // Once, at start, bounded: the devices are known before the first lookup.
+  auto call = QDBusMessage::createMethodCall(service, "/", objectManager, "GetManagedObjects");
+  QDBusReply<BluezObjectMap> reply = bus_.call(call, QDBus::Block, 3000);
+  if (reply.isValid()) {
+    rebuild(reply.value());
+  } else {
+    pxrLogError("BlueZ is not available (" + reply.error().name().toStdString() +
+                "); Bluetooth devices appear when bluetoothd starts.");
+  }
+}
+
+BluezBluetooth::~BluezBluetooth() = default;
+
+void BluezBluetooth::rebuild(const BluezObjectMap& objects) {
+  mirror_->clear();
+  for (auto it = objects.begin(); it != objects.end(); ++it) mirror_->addInterfaces(it.key().path(), interfacesOf(it.value()));
+}
+
+void BluezBluetooth::reload() {
+  auto call = QDBusMessage::createMethodCall(service, "/", objectManager, "GetManagedObjects");
+  auto* pending = new QDBusPendingCallWatcher(bus_.asyncCall(call), this);
+  connect(pending, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher* finished) {
+    QDBusPendingReply<BluezObjectMap> reply = *finished;
+    if (reply.isValid()) rebuild(reply.value());
+    finished->deleteLater();
+  });
+}
+
+void BluezBluetooth::interfacesAdded(const QDBusMessage& message) {
+  const auto arguments = message.arguments();
+  if (arguments.size() != 2) return;
+  auto interfaces = qdbus_cast<BluezInterfaceMap>(arguments[1].value<QDBusArgument>());
+  mirror_->addInterfaces(arguments[0].value<QDBusObjectPath>().path(), interfacesOf(interfaces));
+}
+
+void BluezBluetooth::interfacesRemoved(const QDBusMessage& message) {
+  const auto arguments = message.arguments();
+  if (arguments.size() != 2) return;
+  mirror_->removeInterfaces(arguments[0].value<QDBusObjectPath>().path(), arguments[1].toStringList());
+}
+
+void BluezBluetooth::propertiesChanged(const QString& interface, const QVariantMap& changed,
+                                       const QStringList& invalidated, const QDBusMessage& message) {
+  const QString path = message.path();
+  auto before = mirror_->updateProperties(path, interface, changed, invalidated, "Connected");
+  if (interface != BluezMirror::deviceInterface || !changed.contains("Connected")) return;
+  const bool connected = changed.value("Connected").toBool();
+  if (before && before->toBool() == connected) return;
+
+  auto address = mirror_->property(path, BluezMirror::deviceInterface, "Address");
+  if (!address) return;
+  auto device = std::make_shared<BluezDevice>(mirror_, bus_, path, address->toString().toStdString());
+  BluetoothNotification notification{(connected ? "Connected " : "Disconnected ") + path.toStdString()};
+  std::vector<NotificationHandler> handlers;
+  for (const auto& [id, subscription] : subscriptions_) {
+    if (subscription.connects == connected && (!subscription.path || *subscription.path == path)) {
+      handlers.push_back(subscription.handler);
+    }
+  }
+  for (auto& handler : handlers) handler(notification, device);
+}
+
+std::shared_ptr<BluetoothDevice> BluezBluetooth::deviceWithAddressString(const std::string& address) {
+  auto path = mirror_->devicePath(QString::fromStdString(bluezAddress(address)));
+  if (!path) return nullptr;
+  auto stored = mirror_->property(*path, BluezMirror::deviceInterface, "Address");
+  if (!stored) return nullptr;
+  return std::make_shared<BluezDevice>(mirror_, bus_, *path, stored->toString().toStdString());
+}
+
+std::unique_ptr<NotificationRegistration> BluezBluetooth::registerForConnectNotifications(NotificationHandler handler) {
+  auto id = nextSubscription_++;
+  subscriptions_.emplace(id, Subscription{std::nullopt, true, std::move(handler)});
+  return std::make_unique<Registration>(*this, id);
+}
+
+std::unique_ptr<NotificationRegistration> BluezBluetooth::registerForDisconnectNotification(const BluetoothDevice& device,
+                                                                                            NotificationHandler handler) {
+  auto path = mirror_->devicePath(QString::fromStdString(bluezAddress(device.addressString())));
+  if (!path) return nullptr;
+  auto id = nextSubscription_++;
+  subscriptions_.emplace(id, Subscription{*path, false, std::move(handler)});
+  return std::make_unique<Registration>(*this, id);
+}
+
+std::vector<PairedDevice> BluezBluetooth::pairedDevices() const {
+  std::vector<PairedDevice> paired;
+  for (const auto& path : mirror_->devicePaths()) {
+    auto isPaired = mirror_->property(path, BluezMirror::deviceInterface, "Paired");
+    if (!isPaired || !isPaired->toBool()) continue;
+    auto alias = mirror_->property(path, BluezMirror::deviceInterface, "Alias");
+    auto address = mirror_->property(path, BluezMirror::deviceInterface, "Address");
+    paired.push_back({alias ? alias->toString().toStdString() : "", address ? address->toString().toStdString() : ""});
+  }
+  return paired;
+}
+
+} // namespace lb

@@ -1,0 +1,67 @@
+#pragma once
+
+#include "linux/bluez/BluezMirror.h"
+#include "ports/Bluetooth.h"
+
+#include <QDBusConnection>
+#include <QDBusObjectPath>
+#include <QObject>
+
+#include <map>
+#include <memory>
+
+class QDBusMessage;
+class QDBusServiceWatcher;
+
+namespace lb {
+
+using BluezInterfaceMap = QMap<QString, QVariantMap>;
+using BluezObjectMap = QMap<QDBusObjectPath, BluezInterfaceMap>;
+
+// The Bluetooth port over BlueZ on a D-Bus bus. It mirrors BlueZ's objects
+// (GetManagedObjects once, then InterfacesAdded, InterfacesRemoved and
+// PropertiesChanged) and answers every query from the mirror: idle, it sends
+// nothing. When bluetoothd leaves the bus, lookups find nothing; when it
+// returns, the mirror is rebuilt. Lives on the main thread.
+class BluezBluetooth final : public QObject, public Bluetooth {
+  Q_OBJECT
+
+public:
+  explicit BluezBluetooth(QDBusConnection bus);
+  ~BluezBluetooth() override;
+
+  // Lookups take the address in either letter case, with colons or hyphens.
+  std::shared_ptr<BluetoothDevice> deviceWithAddressString(const std::string& address) override;
+  std::unique_ptr<NotificationRegistration> registerForConnectNotifications(NotificationHandler handler) override;
+  std::unique_ptr<NotificationRegistration> registerForDisconnectNotification(const BluetoothDevice& device,
+                                                                              NotificationHandler handler) override;
+  std::vector<PairedDevice> pairedDevices() const override;
+
+private slots:
+  void interfacesAdded(const QDBusMessage& message);
+  void interfacesRemoved(const QDBusMessage& message);
+  void propertiesChanged(const QString& interface, const QVariantMap& changed, const QStringList& invalidated,
+                         const QDBusMessage& message);
+
+private:
+  struct Subscription {
+    std::optional<QString> path; // none: every device
+    bool connects;
+    NotificationHandler handler;
+  };
+  class Registration;
+
+  void rebuild(const BluezObjectMap& objects);
+  void reload();
+
+  QDBusConnection bus_;
+  std::shared_ptr<BluezMirror> mirror_ = std::make_shared<BluezMirror>();
+  QDBusServiceWatcher* watcher_;
+  std::map<std::uint64_t, Subscription> subscriptions_;
+  std::uint64_t nextSubscription_ = 0;
+};
+
+} // namespace lb
+
+Q_DECLARE_METATYPE(lb::BluezInterfaceMap)
+Q_DECLARE_METATYPE(lb::BluezObjectMap)

@@ -1,0 +1,62 @@
+#include "linux/bluez/BluezDevice.h"
+
+#include "linux/bluez/BluezErrors.h"
+
+#include <QDBusMessage>
+#include <QDBusObjectPath>
+
+namespace lb {
+
+int BluezDevice::callTimeoutMilliseconds(std::optional<std::uint16_t> pageTimeout) {
+  return pageTimeout.value_or(8192) * 5 / 8 + 20'000;
+}
+
+std::optional<std::string> BluezDevice::name() const {
+  auto alias = mirror_->property(path_, BluezMirror::deviceInterface, "Alias");
+  if (!alias) return std::nullopt;
+  return alias->toString().toStdString();
+}
+
+bool BluezDevice::isConnected() const {
+  auto connected = mirror_->property(path_, BluezMirror::deviceInterface, "Connected");
+  return connected && connected->toBool();
+}
+
+std::uint32_t BluezDevice::majorDeviceClass() const {
+  auto deviceClass = mirror_->property(path_, BluezMirror::deviceInterface, "Class");
+  return deviceClass ? (deviceClass->toUInt() >> 8) & 0x1f : 0;
+}
+
+std::optional<SettingsValue> BluezDevice::batteryProperty(const std::string& keyString) const {
+  if (keyString != "batteryPercentSingle") return std::nullopt;
+  auto percentage = mirror_->property(path_, "org.bluez.Battery1", "Percentage");
+  if (!percentage) return std::nullopt;
+  return SettingsValue(static_cast<std::int64_t>(percentage->toUInt()));
+}
+
+IOReturn BluezDevice::openConnection(std::optional<std::uint16_t> pageTimeout) {
+  return call("Connect", callTimeoutMilliseconds(pageTimeout));
+}
+
+IOReturn BluezDevice::closeConnection() { return call("Disconnect", callTimeoutMilliseconds(std::nullopt)); }
+
+IOReturn BluezDevice::call(const char* method, int timeoutMilliseconds) {
+  // What the mirror already says costs no message.
+  if (!mirror_->property(path_, BluezMirror::deviceInterface, "Address")) {
+    return IOReturn::make(IOReturn::Subsystem::sub_iokit_common, 704, "the device is gone from BlueZ");
+  }
+  if (auto adapter = mirror_->property(path_, BluezMirror::deviceInterface, "Adapter")) {
+    auto powered = mirror_->property(adapter->value<QDBusObjectPath>().path(), BluezMirror::adapterInterface, "Powered");
+    if (powered && !powered->toBool()) {
+      return IOReturn::make(IOReturn::Subsystem::sub_iokit_common, 727, "the Bluetooth adapter is off");
+    }
+  }
+  auto message = QDBusMessage::createMethodCall("org.bluez", path_, BluezMirror::deviceInterface, method);
+  auto reply = bus_.call(message, QDBus::Block, timeoutMilliseconds);
+  if (reply.type() == QDBusMessage::ErrorMessage) {
+    return bluezResult(reply.errorName().toStdString(), reply.errorMessage().toStdString());
+  }
+  return IOReturn::success();
+}
+
+} // namespace lb

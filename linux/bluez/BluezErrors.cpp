@@ -1,0 +1,35 @@
+#include "linux/bluez/BluezErrors.h"
+
+#include <algorithm>
+#include <cctype>
+
+namespace lb {
+
+IOReturn bluezResult(const std::string& errorName, const std::string& message) {
+  using Subsystem = IOReturn::Subsystem;
+  const std::string detail = message.empty() ? errorName : errorName + ": " + message;
+  auto is = [&](const char* name) { return errorName == name; };
+  auto mentions = [&](const char* text) { return message.find(text) != std::string::npos; };
+
+  if (is("org.bluez.Error.Failed") && (mentions("Page Timeout") || mentions("br-connection-page-timeout"))) {
+    return IOReturn::make(Subsystem::sub_iokit_bluetooth, 4, detail);
+  }
+  if (is("org.bluez.Error.AlreadyConnected")) return IOReturn::make(Subsystem::sub_iokit_bluetooth, 11, detail);
+  if (is("org.freedesktop.DBus.Error.UnknownObject") || is("org.freedesktop.DBus.Error.UnknownMethod") ||
+      is("org.freedesktop.DBus.Error.ServiceUnknown") || is("org.bluez.Error.DoesNotExist")) {
+    return IOReturn::make(Subsystem::sub_iokit_common, 704, detail);
+  }
+  if (is("org.freedesktop.DBus.Error.NoReply") || is("org.freedesktop.DBus.Error.Timeout") ||
+      is("org.freedesktop.DBus.Error.TimedOut")) {
+    return IOReturn::make(Subsystem::sub_iokit_common, 726, detail);
+  }
+  if (is("org.bluez.Error.NotReady")) return IOReturn::make(Subsystem::sub_iokit_common, 727, detail);
+  return IOReturn::make(Subsystem::sub_iokit_common, 700, detail);
+}
+
+std::string bluezAddress(std::string address) {
+  for (auto& c : address) c = c == '-' ? ':' : static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+  return address;
+}
+
+} // namespace lb

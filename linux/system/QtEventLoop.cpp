@@ -1,0 +1,67 @@
+#include "linux/system/QtEventLoop.h"
+
+#include <QMetaObject>
+#include <QPointer>
+#include <QThread>
+#include <QTimer>
+
+#include <thread>
+
+namespace lb {
+
+namespace {
+
+class QtTimerHandle final : public ScheduledTimer {
+public:
+  explicit QtTimerHandle(QTimer* timer) : timer_(timer) {}
+  ~QtTimerHandle() override {
+    if (timer_) timer_->deleteLater();
+  }
+  void invalidate() override {
+    if (timer_) timer_->stop();
+  }
+
+private:
+  QPointer<QTimer> timer_;
+};
+
+int milliseconds(double seconds) { return static_cast<int>(std::max(seconds, 0.0) * 1000.0 + 0.5); }
+
+} // namespace
+
+QtEventLoop::QtEventLoop() {
+  // Up to eight devices can page at once; more wait their turn.
+  workers_.setMaxThreadCount(8);
+}
+
+QtEventLoop::~QtEventLoop() { workers_.waitForDone(); }
+
+void QtEventLoop::post(Task task) {
+  QMetaObject::invokeMethod(&context_, std::move(task), Qt::QueuedConnection);
+}
+
+void QtEventLoop::postAfter(double delay, Task task) {
+  // A timer starts on the thread that owns its context; hop there first.
+  post([this, delay, task = std::move(task)]() mutable { QTimer::singleShot(milliseconds(delay), &context_, std::move(task)); });
+}
+
+std::unique_ptr<ScheduledTimer> QtEventLoop::scheduleTimer(double interval, double tolerance, bool repeats,
+                                                           std::function<void()> tick) {
+  auto* timer = new QTimer(&context_);
+  timer->setInterval(milliseconds(interval));
+  timer->setSingleShot(!repeats);
+  // Qt's coarse timers may fire 5% early or late; finer tolerances get a
+  // precise timer.
+  timer->setTimerType(tolerance >= interval * 0.05 ? Qt::CoarseTimer : Qt::PreciseTimer);
+  QObject::connect(timer, &QTimer::timeout, &context_, std::move(tick));
+  timer->start();
+  return std::make_unique<QtTimerHandle>(timer);
+}
+
+void QtEventLoop::runOnWorker(Task work) { workers_.start(std::move(work)); }
+
+void QtEventLoop::sleepOnWorker(double seconds) {
+  std::this_thread::sleep_for(std::chrono::duration<double>(std::max(seconds, 0.0)));
+}
+
+} // namespace lb

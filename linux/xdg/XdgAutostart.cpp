@@ -1,0 +1,48 @@
+#include "linux/xdg/XdgAutostart.h"
+
+#include "foundation/PXRLog.h"
+#include "foundation/AtomicFile.h"
+#include "foundation/XdgDirectories.h"
+
+namespace lb {
+
+std::filesystem::path XdgAutostart::defaultEntryFile() {
+  return XdgDirectories::configHome() / "autostart" / "lanternbud.desktop";
+}
+
+// Exec takes a quoted argument, inside which \ " ` $ are escaped; the file's
+// own string rules then double every backslash, and % stands for itself as %%.
+std::string XdgAutostart::entry(const std::string& program) {
+  std::string quoted = "\"";
+  for (char c : program) {
+    if (c == '\\' || c == '"' || c == '`' || c == '$') quoted += '\\';
+    quoted += c;
+  }
+  quoted += '"';
+  std::string exec;
+  for (char c : quoted) {
+    if (c == '\\') exec += "\\\\";
+    else if (c == '%') exec += "%%";
+    else exec += c;
+  }
+  return "[Desktop Entry]\n"
+         "Type=Application\n"
+         "Name=Lanternbud\n"
+         "Comment=Your Bluetooth devices in the tray\n"
+         "Exec=" + exec + "\n"
+         "Terminal=false\n"
+         "X-GNOME-Autostart-enabled=true\n";
+}
+
+bool XdgAutostart::setEnabled(bool enabled) {
+  std::error_code error;
+  if (!enabled) {
+    std::filesystem::remove(entryFile_, error);
+    return !error;
+  }
+  std::filesystem::create_directories(entryFile_.parent_path(), error);
+  if (error) return false;
+  return !AtomicFile::write(entryFile_, entry(program_), 0644);
+}
+
+} // namespace lb

@@ -1,0 +1,94 @@
+#include "scripting/ScriptingDeviceTree.h"
+
+#include "scripting/ScriptingService.h"
+
+#include <QDBusMessage>
+#include <QDBusMetaType>
+#include <QDBusVariant>
+
+namespace lb {
+
+namespace {
+
+const QString propertiesInterface = "org.freedesktop.DBus.Properties";
+
+QDBusMessage error(const QDBusMessage& message, QDBusError::ErrorType type, const QString& text) {
+  return message.createErrorReply(type, text);
+}
+
+bool isProperty(const QString& name) {
+  for (const auto& property : ScriptingDeviceObject::properties()) {
+    if (name == property.name) return true;
+  }
+  return false;
+}
+
+} // namespace
+
+QString ScriptingDeviceTree::introspect(const QString& path) const {
+  if (path == bus::deviceRoot) {
+    QString children;
+    for (const auto& [ID, object] : objects_) children += QString("<node name=\"%1\"/>").arg(ID);
+    return children;
+  }
+  if (!device(path)) return {};
+  QString xml = QString("<interface name=\"%1\">\n").arg(bus::deviceInterface);
+  for (const auto& property : ScriptingDeviceObject::properties()) {
+    const bool writable = QString(property.name) == "Connected";
+    xml += QString("  <property name=\"%1\" type=\"%2\" access=\"%3\"/>\n")
+               .arg(property.name, property.signature, writable ? "readwrite" : "read");
+  }
+  xml += "  <annotation name=\"org.lanternbud.Missing\" value=\"Address: empty; BatteryLevel: -1; icon data: empty\"/>\n";
+  return xml + "</interface>\n";
+}
+
+bool ScriptingDeviceTree::handleMessage(const QDBusMessage& message, const QDBusConnection& connection) {
+  // Declined messages reach Qt's own handlers, which write the introspection
+  // document around introspect().
+  if (message.interface() == "org.freedesktop.DBus.Introspectable") return false;
+  QDBusConnection bus(connection);
+  if (auto* found = device(message.path())) {
+    bus.send(answer(message, *found));
+  } else {
+    bus.send(error(message, QDBusError::UnknownObject, "No device has the path " + message.path() + "."));
+  }
+  return true;
+}
+
+ScriptingDeviceObject* ScriptingDeviceTree::device(const QString& path) const {
+  const QString prefix = QString(bus::deviceRoot) + "/";
+  bool isNumber = false;
+  const auto ID = path.startsWith(prefix) ? path.mid(prefix.size()).toLongLong(&isNumber) : 0;
+  auto found = isNumber ? objects_.find(ID) : objects_.end();
+  return found == objects_.end() ? nullptr : found->second.get();
+}
+
+QDBusMessage ScriptingDeviceTree::answer(const QDBusMessage& message, ScriptingDeviceObject& device) const {
+  if (message.interface() != propertiesInterface) {
+    return error(message, QDBusError::UnknownMethod,
+                 "A device has only properties: use " + propertiesInterface + ".Get, GetAll or Set.");
+  }
+  const auto arguments = message.arguments();
+  const auto interface = arguments.value(0).toString();
+  if (interface != bus::deviceInterface) {
+    return error(message, QDBusError::UnknownInterface, "A device has no interface \"" + interface + "\".");
+  }
+  const auto values = device.values();
+  const auto member = message.member();
+  if (member == "GetAll") return message.createReply(QVariant::fromValue(values));
+  const auto name = arguments.value(1).toString();
+  if (!isProperty(name)) return error(message, QDBusError::UnknownProperty, "A device has no property \"" + name + "\".");
+  if (member == "Get") return message.createReply(QVariant::fromValue(QDBusVariant(values.value(name))));
+  if (member != "Set") return error(message, QDBusError::UnknownMethod, "No method " + member + ".");
+  if (name != "Connected") return error(message, QDBusError::PropertyReadOnly, name + " is read-only; only Connected can be set.");
+  const auto sent = arguments.value(2).value<QDBusVariant>().variant();
+  if (sent.typeId() != QMetaType::Bool) {
+    return error(message, QDBusError::InvalidArgs,
+                 QString("Connected takes a Boolean (b), not a value of type %1.")
+                     .arg(QString::fromLatin1(QDBusMetaType::typeToSignature(sent.metaType()))));
+  }
+  device.setConnected(sent.toBool());
+  return message.createReply();
+}
+
+} // namespace lb

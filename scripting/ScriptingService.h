@@ -1,0 +1,70 @@
+#pragma once
+
+#include "core/AppDelegate.h"
+#include "scripting/BusNames.h"
+#include "scripting/ScriptingDeviceTree.h"
+
+#include <QDBusConnection>
+#include <QDBusContext>
+#include <QDBusObjectPath>
+#include <QObject>
+#include <QVariantMap>
+
+#include <map>
+#include <memory>
+
+namespace lb {
+
+// The program's scripting interface on the session bus, under the name
+// "org.lanternbud.Lanternbud":
+//
+//   /org/lanternbud/Lanternbud              interface org.lanternbud.Lanternbud
+//     Devices (ao): one path per device, in the tray's order
+//     ShowPreferences(), Quit(), FindDevice(s) -> o (by ID, name or address)
+//     GetSetting(s key) -> s json, SetSetting(s key, s json), UnsetSetting(s key)
+//   /org/lanternbud/Lanternbud/Device/<ID>  interface org.lanternbud.Lanternbud.Device
+//     Name, ID, Address, BatteryLevel, BatteryLevelString, IconName,
+//     IconData, DisconnectedIconData, ConnectedIconData, Connected (writable),
+//     Status, ConnectionScript, DisconnectionScript
+//
+// A value that is missing is given as the type's empty value: Address "",
+// BatteryLevel -1, the icon data empty. Changes are announced with
+// PropertiesChanged. The paths carry device IDs, so they stay valid when the
+// list is re-sorted. Main thread only.
+class ScriptingService final : public QObject, protected QDBusContext {
+  Q_OBJECT
+
+public:
+  // Exports the objects; the service name is taken by whoever owns the
+  // single-instance check.
+  ScriptingService(QDBusConnection bus, AppDelegate& app, UserDefaults& defaults);
+  ~ScriptingService() override;
+
+  static QString devicePath(std::int64_t ID);
+  QList<QDBusObjectPath> devices() const;
+
+  // Compares what scripts see with what they saw and announces the changes.
+  void refresh();
+
+  // The application interface's methods (through its adaptor).
+  void showPreferences();
+  void quit();
+  QDBusObjectPath findDevice(const QString& query);
+  QString getSetting(const QString& key);
+  void setSetting(const QString& key, const QString& json);
+  void unsetSetting(const QString& key);
+
+private:
+  void scheduleRefresh();
+  void announce(const QString& path, const QString& interface, const QVariantMap& changed);
+
+  QDBusConnection bus_;
+  AppDelegate& app_;
+  UserDefaults& defaults_;
+  ScriptingDeviceTree::Objects objects_;
+  ScriptingDeviceTree tree_{objects_};
+  QList<QDBusObjectPath> shownList_;
+  bool refreshPending_ = false;
+};
+
+} // namespace lb
