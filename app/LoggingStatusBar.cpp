@@ -27,6 +27,8 @@ public:
     PXR_LOG(trayLog(), name_, busy ? "spins" : "stops spinning");
   }
   void popUpMenu() override { PXR_LOG(trayLog(), name_, "opens its menu"); }
+  // Nobody can click an item that is only written to the log.
+  void setClickHandler(ClickHandler) override {}
 
 private:
   std::string name_;

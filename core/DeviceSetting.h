@@ -1,15 +1,17 @@
 #pragma once
 
 #include "core/BluetoothMatchable.h"
+#include "core/ConnectionControl.h"
+#include "core/ConnectionTracker.h"
 #include "core/ConnectionUpdateReason.h"
+#include "core/DeviceOptions.h"
+#include "core/DevicePresentation.h"
+#include "core/DeviceScripts.h"
+#include "core/DeviceStatusItem.h"
 #include "core/MenuBarIconOption.h"
 #include "core/OutputFixer.h"
-#include "core/ScriptSaver.h"
 #include "core/Services.h"
-#include "foundation/PXRTimer.h"
-#include "foundation/SettingsValue.h"
 
-#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <mutex>
@@ -20,13 +22,19 @@ namespace lb {
 
 class DeviceSettingManager;
 
-// One device the user has added: its saved options, its tray item, its
-// timers and notifications, and the last observed state. Lives on the main
-// thread; the options and the manual-connection flag are also read by the
-// worker that connects and disconnects, so they are guarded.
+// One device the user has added, as the registry and the rest of the
+// program see it: its options, its commands and its observed state. The
+// work is done by collaborators, each given only what it uses:
+//   DeviceOptions       the saved options (locked: the worker reads them)
+//   ConnectionControl   the blocking connect and disconnect, on a worker
+//   ConnectionTracker   following the connection and reacting to changes
+//   DevicePresentation  battery levels, status texts, the picture chosen
+//   DeviceStatusItem    the tray item, its spinner, clicks and shortcut
+//   DeviceScripts       the connect and disconnect scripts
+// Main thread, except where ConnectionControl says otherwise.
 class DeviceSetting : public BluetoothMatchable, public std::enable_shared_from_this<DeviceSetting> {
 public:
-  static constexpr const char* defaultScript = "#!/bin/sh\n";
+  static constexpr const char* defaultScript = DeviceScripts::defaultScript;
 
   // A device setting from its saved options; any dictionary will do.
   static std::shared_ptr<DeviceSetting> make(Services& services, SettingsValue::Dictionary options,
@@ -39,9 +47,9 @@ public:
   DeviceSetting& operator=(const DeviceSetting&) = delete;
 
   // The options dictionary, which is also the saved form of the device.
-  SettingsValue::Dictionary options() const;
+  SettingsValue::Dictionary options() const { return options_.snapshot(); }
 
-  std::int64_t deviceID() const;
+  std::int64_t deviceID() const { return options_.option<std::int64_t>(deviceOption::deviceID, 0); }
   // The platform's device for the stored address; none, with an error line,
   // when no address is stored.
   std::shared_ptr<BluetoothDevice> device() const override;
@@ -52,27 +60,31 @@ public:
   std::string deviceNameOrUnknown() const;
   // "<DeviceSetting: name>"
   std::string description() const override;
-  void storeDeviceName(const std::string& name);
+  void storeDeviceName(const std::string& name) { options_.set(deviceOption::deviceName, name); }
 
   MenuBarIconOption icon() const;
   void setIcon(MenuBarIconOption icon);
-  bool isActive() const;
-  bool connectionOnlyMode() const;
-  void setConnectionOnlyMode(bool value);
-  bool keepDefaultAudioInput() const;
-  void setKeepDefaultAudioInput(bool value);
-  bool runShellScriptAfterConnected() const;
-  void setRunShellScriptAfterConnected(bool value);
-  bool runShellScriptAfterDisconnected() const;
-  void setRunShellScriptAfterDisconnected(bool value);
-  bool showBatteryLevel() const;
+  bool isActive() const { return options_.option(deviceOption::isActive, true); }
+  bool connectionOnlyMode() const { return options_.option(deviceOption::connectOnlyMode, false); }
+  void setConnectionOnlyMode(bool value) { options_.set(deviceOption::connectOnlyMode, value); }
+  bool keepDefaultAudioInput() const { return options_.option(deviceOption::keepDefaultAudioInput, false); }
+  void setKeepDefaultAudioInput(bool value) { options_.set(deviceOption::keepDefaultAudioInput, value); }
+  bool runShellScriptAfterConnected() const { return options_.option(deviceOption::runShellScriptAfterConnected, false); }
+  void setRunShellScriptAfterConnected(bool value) { options_.set(deviceOption::runShellScriptAfterConnected, value); }
+  bool runShellScriptAfterDisconnected() const {
+    return options_.option(deviceOption::runShellScriptAfterDisconnected, false);
+  }
+  void setRunShellScriptAfterDisconnected(bool value) {
+    options_.set(deviceOption::runShellScriptAfterDisconnected, value);
+  }
+  bool showBatteryLevel() const { return options_.option(deviceOption::showBatteryLevel, false); }
   void setShowBatteryLevel(bool value);
   // The script texts; "#!/bin/sh\n" when there is none. Nothing removes one.
-  std::string shellScriptAfterConnected() const { return scriptText(ScriptType::connected); }
-  void setShellScriptAfterConnected(const std::optional<std::string>& text) { setScriptText(ScriptType::connected, text); }
-  std::string shellScriptAfterDisconnected() const { return scriptText(ScriptType::disconnected); }
+  std::string shellScriptAfterConnected() const { return scripts_.text(ScriptType::connected); }
+  void setShellScriptAfterConnected(const std::optional<std::string>& text) { scripts_.setText(ScriptType::connected, text); }
+  std::string shellScriptAfterDisconnected() const { return scripts_.text(ScriptType::disconnected); }
   void setShellScriptAfterDisconnected(const std::optional<std::string>& text) {
-    setScriptText(ScriptType::disconnected, text);
+    scripts_.setText(ScriptType::disconnected, text);
   }
 
   // The settings keys of the device's keyboard shortcut, now and before.
@@ -80,73 +92,51 @@ public:
   std::string oldShortCutKey() const { return "shortcutForDevice" + std::to_string(deviceID()); }
 
   // Observed state: unknown until first seen.
-  std::optional<bool> isConnected() const { return isConnected_; }
-  std::optional<bool> isAudioOutput() const { return isAudioOutput_; }
-  std::optional<bool> isPotentialAudioOutput() const { return isPotentialAudioOutput_; }
-  bool isManuallyInitiatedConnection() const { return isManuallyInitiatedConnection_; }
-  void setManuallyInitiatedConnection(bool value) { isManuallyInitiatedConnection_ = value; }
+  std::optional<bool> isConnected() const { return tracker_.isConnected(); }
+  std::optional<bool> isAudioOutput() const { return tracker_.isAudioOutput(); }
+  std::optional<bool> isPotentialAudioOutput() const { return tracker_.isPotentialAudioOutput(); }
+  bool isManuallyInitiatedConnection() const { return connection_.isManuallyInitiatedConnection(); }
+  void setManuallyInitiatedConnection(bool value) { connection_.setManuallyInitiatedConnection(value); }
 
-  // The tray item.
-  StatusItem* statusItem() const { return statusItem_.get(); }
+  // The tray item: created for an active device, with its shortcut.
+  StatusItem* statusItem() const { return statusItem_.item(); }
   void setupStatusItem();
   void removeStatusItem();
   void updateButtonImage();
-  void startProgress();
+  void startProgress() { statusItem_.startProgress(); }
   void stopProgress();
 
-  // Notifications: (re)registers this device's disconnect notification;
-  // `unregister` ends its presence in the system (notification, tray item,
-  // shortcut).
-  void registerNotifications();
-  void unregister();
-  void deviceConnected(const BluetoothNotification& notification);
-  void deviceDisconnected(const BluetoothNotification& notification, std::shared_ptr<BluetoothDevice> device);
+  // `unregister` ends the device's presence in the system (notification,
+  // tray item, shortcut).
+  void registerNotifications() { tracker_.registerNotifications(); }
+  void unregister() { removeStatusItem(); }
+  void deviceConnected(const BluetoothNotification& notification) { tracker_.deviceConnected(notification); }
+  void updateConnectionState(const ConnectionUpdateReason& reason) { tracker_.updateConnectionState(reason); }
 
-  // The one place where a change of the connection is noticed.
-  void updateConnectionState(const ConnectionUpdateReason& reason);
+  // The one way in for a click, a shortcut press and a script: connects a
+  // disconnected device and disconnects a connected one. A click that asks
+  // for the menu (Control, the right button, connect-only rules) opens it
+  // instead; a connected device that could be, and is not, the sound output
+  // becomes it instead of disconnecting.
+  void toggleConnection(const std::optional<StatusItemClick>& click = std::nullopt);
+  // Blocking, on a worker (see ConnectionControl).
+  void openConnection() { connection_.openConnection(); }
+  void closeConnection() { connection_.closeConnection(); }
+  Alert connectionErrorAlert(const IOReturn& result) const { return connection_.connectionErrorAlert(result); }
 
-  // A click, the shortcut or a script asks to connect or disconnect. A
-  // click that asks for the menu (right click, or connect-only rules) opens
-  // it instead.
-  void toggleConnection(bool menuRequested = false);
-  // Blocking: a synchronous attempt, then a retry with a long page timeout.
-  // Called from a worker.
-  void openConnection();
-  // Blocking; called from a worker.
-  void closeConnection();
-  // After a time-out that may be spurious: connected now, or a real failure.
-  void checkForDelayedConnection(const std::shared_ptr<BluetoothDevice>& device, const IOReturn& result);
-  // Shows the connection error dialog on the main thread, unless the output
-  // fixer is in the middle of a repair.
-  void showConnectionErrorAlert(const IOReturn& result);
-  Alert connectionErrorAlert(const IOReturn& result) const;
+  void setDefaultAudioOutput() { tracker_.setDefaultAudioOutput(); }
+  void reactToSettingAudioOutput() { tracker_.reactToSettingAudioOutput(); }
 
-  // Makes this device the sound output; a device the audio system does not
-  // list goes to the output fixer.
-  void setDefaultAudioOutput();
-  // The output is this device now: restore the input if asked, and run the
-  // connect script, spaced by "ConnectionScriptInterval".
-  void reactToSettingAudioOutput();
-
-  // Starts the script of that type if it is switched on and has a file;
-  // its end is only logged.
-  void runScript(ScriptType type);
-  // Writes edited script texts to their files; unchanged ones are left
-  // alone. Throws ScriptError or the file system's failure.
-  void saveScripts();
+  void runScript(ScriptType type) { scripts_.run(type); }
+  // Throws ScriptError or the file system's failure.
+  void saveScripts() { scripts_.save(); }
 
   // Battery levels and status texts, for the tray, its menu and scripts.
-  std::optional<SettingsValue::Dictionary> deviceCachedInfo();
-  std::optional<SettingsValue::Dictionary> deviceFreshInfo();
-  std::optional<int> batteryLevel();
-  // The battery text with its percent signs doubled, "85%%" or "L: 40%% R: 70%%".
-  std::optional<std::string> batteryLevelFormat();
-  // "Battery Level: 85%", or "Battery Level: Unknown"
-  std::string batteryLevelString();
-  // "Headphones - Connected (Not Sound Output)"
-  std::optional<std::string> statusString();
-  // The status and, while connected, the battery, on two lines.
-  std::optional<std::string> toolTipString();
+  std::optional<int> batteryLevel() { return presentation_.batteryLevel(); }
+  std::optional<std::string> batteryLevelFormat() { return presentation_.batteryLevelFormat(); }
+  std::string batteryLevelString() { return presentation_.batteryLevelString(); }
+  std::optional<std::string> statusString() { return presentation_.statusString(); }
+  std::optional<std::string> toolTipString() { return presentation_.toolTipString(); }
 
   // What scripts see and do (DeviceSettingScripting.cpp).
   std::string scriptingName() const { return deviceName().value_or(""); }
@@ -161,49 +151,31 @@ public:
   void setScriptingIsConnected(bool connected);
   std::string scriptingStatus() { return statusString().value_or(""); }
 
-  OutputFixer& outputFixer() { return *outputFixer_; }
-  std::optional<Date> lastConnectionScriptRun() const { return lastConnectionScriptRun_; }
-  bool hasFastTimer() const { return fastTimer_ != nullptr; }
+  OutputFixer& outputFixer() { return outputFixer_; }
+  ConnectionControl& connection() { return connection_; }
+  ConnectionTracker& tracker() { return tracker_; }
+  DevicePresentation& presentation() { return presentation_; }
+  std::optional<Date> lastConnectionScriptRun() const { return tracker_.lastConnectionScriptRun(); }
+  bool hasFastTimer() const { return tracker_.hasFastTimer(); }
 
 private:
-  DeviceSetting(Services& services, DeviceSettingManager* registry);
+  DeviceSetting(Services& services, SettingsValue::Dictionary options, DeviceSettingManager* registry);
+  void start();
+  std::optional<std::string> storedAddress() const { return options_.value<std::string>(deviceOption::device); }
 
-  void loadScripts();
-  void startTimer();
-  void reactToConnection();
-  void reactToDisconnection();
-
-  std::string scriptText(ScriptType type) const;
-  void setScriptText(ScriptType type, const std::optional<std::string>& text);
-  bool boolOption(const char* key, bool fallback) const;
-  std::optional<SettingsValue> option(const char* key) const;
-  void setOption(const char* key, SettingsValue value);
-  void removeOption(const char* key);
-  std::optional<std::string> storedAddress() const;
-
-  Services& services_;
+  Bluetooth& bluetooth_;
   DeviceSettingManager* registry_;
-
-  mutable std::mutex optionsMutex_;
-  SettingsValue::Dictionary options_;
-  std::atomic<bool> isManuallyInitiatedConnection_ = false;
-
+  DeviceOptions options_;
   // Worker log lines name the device too.
   mutable std::mutex nameMutex_;
   mutable std::optional<std::string> cachedDeviceName_;
-  std::optional<bool> isConnected_;
-  std::optional<bool> isAudioOutput_;
-  std::optional<bool> isPotentialAudioOutput_;
-  bool showsProgress_ = false;
 
-  std::optional<Date> lastConnectionScriptRun_;
-  ScriptSaver scriptSaver_;
-
-  std::unique_ptr<OutputFixer> outputFixer_;
-  std::unique_ptr<PXRTimer> timer_;
-  std::unique_ptr<PXRTimer> fastTimer_;
-  std::unique_ptr<StatusItem> statusItem_;
-  std::unique_ptr<NotificationRegistration> disconnectObserver_;
+  OutputFixer outputFixer_;
+  DeviceScripts scripts_;
+  ConnectionControl connection_;
+  ConnectionTracker tracker_;
+  DevicePresentation presentation_;
+  DeviceStatusItem statusItem_;
 };
 
 } // namespace lb

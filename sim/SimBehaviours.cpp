@@ -52,12 +52,12 @@ SimBehaviour inTurn(std::vector<SimBehaviour> behaviours) {
 }
 
 IOReturn pageTimeoutResult() {
-  return IOReturn::make(IOReturn::Subsystem::sub_iokit_bluetooth, 4, "simulated page timeout");
+  return IOReturn::make(IOReturn::Code::kBluetoothHCIErrorPageTimeout, "simulated page timeout");
 }
 IOReturn alreadyConnectedResult() {
-  return IOReturn::make(IOReturn::Subsystem::sub_iokit_bluetooth, 11, "simulated: already connected");
+  return IOReturn::make(IOReturn::Code::kBluetoothHCIErrorACLConnectionAlreadyExists, "simulated: already connected");
 }
-IOReturn timeoutResult() { return IOReturn::make(IOReturn::Subsystem::sub_iokit_common, 726); }
-IOReturn offlineResult() { return IOReturn::make(IOReturn::Subsystem::sub_iokit_common, 727, "simulated: adapter off"); }
+IOReturn timeoutResult() { return IOReturn::make(IOReturn::Code::kIOReturnTimeout); }
+IOReturn offlineResult() { return IOReturn::make(IOReturn::Code::kIOReturnOffline, "simulated: adapter off"); }
 
 } // namespace lb::sim

@@ -31,6 +31,13 @@ public:
     }
     void setBusy(bool value) override { busy = value; }
     void popUpMenu() override { ++menuPopUps; }
+    void setClickHandler(ClickHandler handler) override { onClick = std::move(handler); }
+
+    // Plays a click on the item, as the user makes it.
+    void click(StatusItemClick::Button button = StatusItemClick::Button::left, bool control = false) {
+      if (onClick) onClick({button, control});
+    }
+    ClickHandler onClick;
   };
 
   double thickness() const override { return 22.0; }

@@ -43,12 +43,12 @@ IOReturn BluezDevice::closeConnection() { return call("Disconnect", callTimeoutM
 IOReturn BluezDevice::call(const char* method, int timeoutMilliseconds) {
   // What the mirror already says costs no message.
   if (!mirror_->property(path_, BluezMirror::deviceInterface, "Address")) {
-    return IOReturn::make(IOReturn::Subsystem::sub_iokit_common, 704, "the device is gone from BlueZ");
+    return IOReturn::make(IOReturn::Code::kIOReturnNoDevice, "the device is gone from BlueZ");
   }
   if (auto adapter = mirror_->property(path_, BluezMirror::deviceInterface, "Adapter")) {
     auto powered = mirror_->property(adapter->value<QDBusObjectPath>().path(), BluezMirror::adapterInterface, "Powered");
     if (powered && !powered->toBool()) {
-      return IOReturn::make(IOReturn::Subsystem::sub_iokit_common, 727, "the Bluetooth adapter is off");
+      return IOReturn::make(IOReturn::Code::kIOReturnOffline, "the Bluetooth adapter is off");
     }
   }
   auto message = QDBusMessage::createMethodCall("org.bluez", path_, BluezMirror::deviceInterface, method);

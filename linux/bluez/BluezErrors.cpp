@@ -6,25 +6,25 @@
 namespace lb {
 
 IOReturn bluezResult(const std::string& errorName, const std::string& message) {
-  using Subsystem = IOReturn::Subsystem;
+  using Code = IOReturn::Code;
   const std::string detail = message.empty() ? errorName : errorName + ": " + message;
   auto is = [&](const char* name) { return errorName == name; };
   auto mentions = [&](const char* text) { return message.find(text) != std::string::npos; };
 
   if (is("org.bluez.Error.Failed") && (mentions("Page Timeout") || mentions("br-connection-page-timeout"))) {
-    return IOReturn::make(Subsystem::sub_iokit_bluetooth, 4, detail);
+    return IOReturn::make(Code::kBluetoothHCIErrorPageTimeout, detail);
   }
-  if (is("org.bluez.Error.AlreadyConnected")) return IOReturn::make(Subsystem::sub_iokit_bluetooth, 11, detail);
+  if (is("org.bluez.Error.AlreadyConnected")) return IOReturn::make(Code::kBluetoothHCIErrorACLConnectionAlreadyExists, detail);
   if (is("org.freedesktop.DBus.Error.UnknownObject") || is("org.freedesktop.DBus.Error.UnknownMethod") ||
       is("org.freedesktop.DBus.Error.ServiceUnknown") || is("org.bluez.Error.DoesNotExist")) {
-    return IOReturn::make(Subsystem::sub_iokit_common, 704, detail);
+    return IOReturn::make(Code::kIOReturnNoDevice, detail);
   }
   if (is("org.freedesktop.DBus.Error.NoReply") || is("org.freedesktop.DBus.Error.Timeout") ||
       is("org.freedesktop.DBus.Error.TimedOut")) {
-    return IOReturn::make(Subsystem::sub_iokit_common, 726, detail);
+    return IOReturn::make(Code::kIOReturnTimeout, detail);
   }
-  if (is("org.bluez.Error.NotReady")) return IOReturn::make(Subsystem::sub_iokit_common, 727, detail);
-  return IOReturn::make(Subsystem::sub_iokit_common, 700, detail);
+  if (is("org.bluez.Error.NotReady")) return IOReturn::make(Code::kIOReturnOffline, detail);
+  return IOReturn::generalError(detail);
 }
 
 std::string bluezAddress(std::string address) {

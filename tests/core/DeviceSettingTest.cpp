@@ -126,7 +126,10 @@ TEST_F(DeviceSettingTest, StatusItemSetUpAndRemoval) {
   EXPECT_EQ(item->label, "Keyboard");
   EXPECT_TRUE(sim.shortcuts.isBound("shortcutDictForDevice3"));
   EXPECT_EQ(sim.world.subscriptionCount(), 1u); // its disconnect notification
-  EXPECT_EQ(item->appearance, (StatusItemAppearance{"keyboard", false}));
+  ASSERT_TRUE(item->appearance);
+  EXPECT_EQ(item->appearance->iconName, "keyboard");
+  EXPECT_FALSE(item->appearance->connected);
+  EXPECT_EQ(item->appearance->toolTip, "Keyboard - Disconnected.");
 
   int redraws = item->redraws;
   setting->setIcon(MenuBarIconOption::keyboard);

@@ -1,0 +1,129 @@
+#include "core/ConnectionControl.h"
+
+#include "core/DeviceSetting.h"
+#include "core/LogAreas.h"
+#include "core/Texts.h"
+
+namespace lb {
+
+void ConnectionControl::toggle(std::shared_ptr<BluetoothDevice> device) {
+  loop_.runOnWorker([self = owner_.shared_from_this(), device = std::move(device)] {
+    auto& control = self->connection();
+    auto& loop = control.loop_;
+    if (device->isConnected()) {
+      if (self->connectionOnlyMode()) {
+        connectLog()([&] { return "Tried to disconnect from " + self->description() + " but in connection-only mode"; });
+        loop.post([self] { self->stopProgress(); });
+        return;
+      }
+      loop.post([self] { self->outputFixer().willManuallyDisconnect(); });
+      control.closeConnection();
+    } else {
+      control.inputDeviceManager_.rememberCurrentDevice("about to connect from Lanternbud");
+      control.openConnection();
+    }
+    loop.post([self] { self->updateConnectionState(ConnectionUpdateReason::toggle()); });
+  });
+}
+
+void ConnectionControl::openConnection() {
+  auto found = owner_.device();
+  if (!found) return;
+  isManuallyInitiatedConnection_ = true;
+  const auto fixerState = [this] { return owner_.outputFixer().state(); };
+  IOReturn result;
+  if (tunables_(tunable::TrySyncConnectFirst)) {
+    if (found->isConnected()) {
+      PXR_LOG(connectLog(), "Already connected to", owner_.description(), fixerState());
+      return;
+    }
+    PXR_LOG(connectLog(), "Begin sync connecting to", owner_.description(), fixerState());
+    result = found->openConnection();
+    if (pxrIsSuccess(result)) {
+      PXR_LOG(connectLog(), "End sync connecting to", owner_.description(), fixerState());
+      return;
+    }
+    connectLog()([&] { return "Error sync connecting to " + owner_.description() + " with status: " + pxrDescription(result); });
+  } else {
+    PXR_LOG(connectLog(), "Begin connecting to", owner_.description());
+    result = found->openConnection(10000);
+    if (pxrIsSuccess(result)) {
+      PXR_LOG(connectLog(), "End connecting to", owner_.description());
+      return;
+    }
+  }
+
+  PXR_LOG(connectLog(), "Retry connecting to", owner_.description());
+  result = found->openConnection(20000);
+  if (pxrIsSuccess(result)) {
+    connectLog()([&] { return "End retry connecting to " + owner_.description() + " with status: " + pxrDescription(result); });
+    return;
+  }
+  if (pxrIsBluetoothAlreadyConnected(result)) {
+    pxrLogError("It looks like " + owner_.description() + " is already connected: " + pxrDescription(result));
+  } else if (pxrIsPossiblySpuriousBluetoothTimeout(result) && operatingSystem_.hasSpuriousConnectionTimeouts()) {
+    pxrLogError("Error " + pxrDescription(result) + " connecting to " + owner_.description() +
+                "; will wait and see if this ends up being spurious.");
+    loop_.postAfter(tunables_(tunable::ConnectionWaitInterval), [self = owner_.shared_from_this(), found, result] {
+      self->connection().checkForDelayedConnection(found, result);
+    });
+  } else {
+    pxrLogError("Error " + pxrDescription(result) + " connecting to " + owner_.description());
+    showConnectionErrorAlert(result);
+  }
+}
+
+void ConnectionControl::checkForDelayedConnection(const std::shared_ptr<BluetoothDevice>& found, const IOReturn& result) {
+  if (found->isConnected()) {
+    pxrLogError("Error " + pxrDescription(result) + " connecting to " + owner_.description() + " was spurious");
+    return;
+  }
+  pxrLogError("Error " + pxrDescription(result) + " connecting to " + owner_.description() + " was real");
+  showConnectionErrorAlert(result);
+}
+
+void ConnectionControl::closeConnection() {
+  auto found = owner_.device();
+  if (!found) return;
+  PXR_LOG(connectLog(), "Begin disconnecting from", owner_.description());
+  auto result = found->closeConnection();
+  if (pxrIsSuccess(result)) {
+    connectLog()([&] { return "End disconnecting from " + owner_.description() + " with status: " + pxrDescription(result); });
+    loop_.post([self = owner_.shared_from_this()] { self->outputFixer().didDisconnect(); });
+  } else {
+    pxrLogError("Error " + pxrDescription(result) + " disconnecting from " + owner_.description());
+  }
+}
+
+void ConnectionControl::showConnectionErrorAlert(const IOReturn& result) {
+  loop_.post([self = owner_.shared_from_this(), result] {
+    auto& fixer = self->outputFixer();
+    const bool settled = !fixer.isRetrying();
+    fixer.didFailToConnect();
+    self->stopProgress();
+    // While the fixer is itself closing and reopening the connection, its
+    // failures are no news to the user.
+    if (!settled) return;
+    auto& alerts = self->connection().alerts_;
+    if (alerts.runModal(self->connection().connectionErrorAlert(result)) == 1) alerts.openHelpPage("not-connecting");
+  });
+}
+
+Alert ConnectionControl::connectionErrorAlert(const IOReturn& result) const {
+  Alert alert;
+  alert.message = formatted(localized("Your Mac could not connect to “%@”."), owner_.deviceNameOrUnknown());
+  alert.buttons = {localized("OK"), localized("Help")};
+  if (pxrIsBluetoothTimeout(result)) {
+    alert.informativeText = localized("The Bluetooth connection timed out.");
+  } else if (pxrIsBluetoothOffline(result)) {
+    alert.informativeText =
+        operatingSystem_.usesSettingsWording()
+            ? localized("Please make sure that Bluetooth is enabled in the Bluetooth pane in System Settings.")
+            : localized("Please make sure that Bluetooth is On in the Bluetooth pane in System Preferences.");
+  } else {
+    alert.informativeText = formatted(localized("Bluetooth reported error %@."), pxrDescription(result));
+  }
+  return alert;
+}
+
+} // namespace lb

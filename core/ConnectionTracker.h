@@ -1,0 +1,83 @@
+#pragma once
+
+#include "core/ConnectionUpdateReason.h"
+#include "core/InputDeviceManager.h"
+#include "core/OutputDeviceManager.h"
+#include "core/Services.h"
+#include "core/Tunables.h"
+#include "foundation/PXRTimer.h"
+#include "ports/Bluetooth.h"
+#include "ports/EventLoop.h"
+
+#include <memory>
+#include <optional>
+
+namespace lb {
+
+class DeviceSetting;
+
+// Follows one device's connection and sound output, and reacts to their
+// changes: the sound output and input, the scripts, the output fixer, the
+// picture. The observed states are unknown until first seen. Main thread.
+class ConnectionTracker {
+public:
+  ConnectionTracker(DeviceSetting& owner, EventLoop& loop, const Tunables& tunables, Bluetooth& bluetooth,
+                    OutputDeviceManager& outputDeviceManager, InputDeviceManager& inputDeviceManager,
+                    DeviceInfoCache& deviceInfoCache)
+      : owner_(owner), loop_(loop), tunables_(tunables), bluetooth_(bluetooth), outputDeviceManager_(outputDeviceManager),
+        inputDeviceManager_(inputDeviceManager), deviceInfoCache_(deviceInfoCache) {}
+
+  std::optional<bool> isConnected() const { return isConnected_; }
+  std::optional<bool> isAudioOutput() const { return isAudioOutput_; }
+  std::optional<bool> isPotentialAudioOutput() const { return isPotentialAudioOutput_; }
+
+  // The slow timer, every "ConnectionUpdateTimerInterval".
+  void startTimer();
+
+  // (Re)registers the device's disconnect notification; `unregister` drops it.
+  void registerNotifications();
+  void unregisterNotifications() { disconnectObserver_.reset(); }
+  void deviceConnected(const BluetoothNotification& notification);
+  void deviceDisconnected(const BluetoothNotification& notification, std::shared_ptr<BluetoothDevice> device);
+
+  // The one place where a change of the connection is noticed.
+  void updateConnectionState(const ConnectionUpdateReason& reason);
+
+  // A click on a connected device that could be, and is not, the sound
+  // output makes it the output instead of disconnecting. True when so.
+  bool setOutputInsteadOfDisconnecting(const BluetoothDevice& device);
+
+  // Makes the device the sound output; a device the audio system does not
+  // list goes to the output fixer.
+  void setDefaultAudioOutput();
+  // The output is this device now: restore the input if asked, and run the
+  // connect script, spaced by "ConnectionScriptInterval".
+  void reactToSettingAudioOutput();
+
+  std::optional<Date> lastConnectionScriptRun() const { return lastConnectionScriptRun_; }
+  bool hasFastTimer() const { return fastTimer_ != nullptr; }
+
+private:
+  void reactToConnection();
+  void reactToDisconnection();
+  // A timer tick or delayed task that updates the state, holding its owner weakly.
+  std::function<void()> updateLater(ConnectionUpdateReason reason) const;
+
+  DeviceSetting& owner_;
+  EventLoop& loop_;
+  const Tunables& tunables_;
+  Bluetooth& bluetooth_;
+  OutputDeviceManager& outputDeviceManager_;
+  InputDeviceManager& inputDeviceManager_;
+  DeviceInfoCache& deviceInfoCache_;
+
+  std::optional<bool> isConnected_;
+  std::optional<bool> isAudioOutput_;
+  std::optional<bool> isPotentialAudioOutput_;
+  std::optional<Date> lastConnectionScriptRun_;
+  std::unique_ptr<PXRTimer> timer_;
+  std::unique_ptr<PXRTimer> fastTimer_;
+  std::unique_ptr<NotificationRegistration> disconnectObserver_;
+};
+
+} // namespace lb

@@ -1,0 +1,101 @@
+#include "core/DevicePresentation.h"
+
+#include "core/BatteryType.h"
+#include "core/DeviceSetting.h"
+#include "core/Texts.h"
+
+#include <algorithm>
+
+namespace lb {
+
+std::optional<SettingsValue::Dictionary> DevicePresentation::deviceCachedInfo() {
+  if (auto cached = deviceInfoCache_.cachedValue(&owner_); cached && cached->isCurrent()) return cached->value;
+  auto fresh = deviceFreshInfo();
+  deviceInfoCache_.setValue(&owner_, fresh);
+  return fresh;
+}
+
+// Linux answers as the newest system: the battery sources. The older
+// systems' preferences cache does not exist here, so switching the sources
+// off leaves no information.
+std::optional<SettingsValue::Dictionary> DevicePresentation::deviceFreshInfo() {
+  auto found = owner_.device();
+  if (!found || tunables_(tunable::DisableMontereyBatteryInfo)) return std::nullopt;
+  return batteryInfo_.fallbackInfo(*found);
+}
+
+std::optional<int> DevicePresentation::batteryLevel() {
+  auto info = deviceCachedInfo();
+  auto type = info ? BatteryType::from(*info) : std::nullopt;
+  if (!type) return std::nullopt;
+  if (type->kind != BatteryType::Kind::leftRight) return type->level;
+  if (type->level != 0 && type->right != 0) return std::min(type->level, type->right);
+  return std::max(type->level, type->right);
+}
+
+std::optional<std::string> DevicePresentation::batteryLevelFormat() {
+  auto info = deviceCachedInfo();
+  auto type = info ? BatteryType::from(*info) : std::nullopt;
+  if (!type) return std::nullopt;
+  if (type->kind != BatteryType::Kind::leftRight) return std::to_string(type->level) + "%%";
+  std::string text;
+  if (type->level != 0) text = localized("L") + ": " + std::to_string(type->level) + "%%";
+  if (type->right != 0) text += (text.empty() ? "" : " ") + localized("R") + ": " + std::to_string(type->right) + "%%";
+  return text;
+}
+
+std::string DevicePresentation::batteryLevelString() {
+  std::string text = localized("Unknown");
+  auto found = owner_.device();
+  if (found && found->isConnected()) {
+    if (auto format = batteryLevelFormat()) text = *format;
+  }
+  return formatted("%@: " + text, localized("Battery Level"));
+}
+
+bool DevicePresentation::isNotTheOutput(bool connected) const {
+  return connected && tunables_(tunable::EnableAudioOutput) && owner_.isAudioOutput() == false &&
+         owner_.isPotentialAudioOutput() == true;
+}
+
+std::optional<std::string> DevicePresentation::statusString() {
+  auto found = owner_.device();
+  if (!found) return std::nullopt;
+  const bool connected = found->isConnected();
+  std::string state = localized(connected ? "Connected" : "Disconnected");
+  if (owner_.outputFixer().isRetrying()) state = localized("Fixing Sound Output");
+  if (isNotTheOutput(connected)) state += localized(" (Not Sound Output)");
+  return owner_.deviceNameOrUnknown() + " - " + state;
+}
+
+std::optional<std::string> DevicePresentation::toolTipString() {
+  auto status = statusString();
+  if (!status) return std::nullopt;
+  std::string text = *status + ".";
+  auto found = owner_.device();
+  if (found && found->isConnected()) text += "\n" + batteryLevelString() + ".";
+  return text;
+}
+
+std::optional<StatusItemAppearance> DevicePresentation::appearance() {
+  const auto connected = owner_.isConnected();
+  if (!connected) return std::nullopt;
+  StatusItemAppearance shown;
+  shown.iconName = std::string(rawValue(owner_.icon()));
+  shown.toolTip = toolTipString();
+  const double fraction = tunables_(tunable::NotAudioOutputFraction);
+  const bool fixing = owner_.outputFixer().isRetrying();
+  if (fixing && tunables_(tunable::ChangeIconWhileFixingAudioOutput)) {
+    shown.refreshSymbol = true;
+    shown.connected = *connected;
+    return shown;
+  }
+  if (!fixing && !*connected) return shown; // the outline picture
+  // The connected picture, also while fixing, dimmed unless it is the output.
+  shown.connected = true;
+  if (fixing || isNotTheOutput(true)) shown.opacity = fraction;
+  if (owner_.showBatteryLevel()) shown.batteryLevel = batteryLevel();
+  return shown;
+}
+
+} // namespace lb

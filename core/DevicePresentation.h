@@ -1,0 +1,52 @@
+#pragma once
+
+#include "core/BatteryInfo.h"
+#include "core/Services.h"
+#include "core/Tunables.h"
+#include "ports/StatusBar.h"
+
+#include <optional>
+#include <string>
+
+namespace lb {
+
+class DeviceSetting;
+
+// What the user sees of a device: battery levels, the status texts of the
+// menu, tool tip and scripts, and the choice of the tray picture. Main
+// thread.
+class DevicePresentation {
+public:
+  DevicePresentation(DeviceSetting& owner, const Tunables& tunables, BatteryInfo& batteryInfo,
+                     DeviceInfoCache& deviceInfoCache)
+      : owner_(owner), tunables_(tunables), batteryInfo_(batteryInfo), deviceInfoCache_(deviceInfoCache) {}
+
+  // The device's information, reused for "DeviceInfoStalenessInterval".
+  std::optional<SettingsValue::Dictionary> deviceCachedInfo();
+  std::optional<SettingsValue::Dictionary> deviceFreshInfo();
+  // One level; of two earbuds the lower one that is not zero.
+  std::optional<int> batteryLevel();
+  // The battery text with its percent signs doubled, "85%%" or "L: 40%% R: 70%%".
+  std::optional<std::string> batteryLevelFormat();
+  // "Battery Level: 85%", or "Battery Level: Unknown"
+  std::string batteryLevelString();
+  // "Headphones - Connected (Not Sound Output)"
+  std::optional<std::string> statusString();
+  // The status and, while connected, the battery, on two lines.
+  std::optional<std::string> toolTipString();
+
+  // The tray picture for the observed state; none while the connection is
+  // not yet known.
+  std::optional<StatusItemAppearance> appearance();
+
+private:
+  // Connected but could be, and is not, the sound output.
+  bool isNotTheOutput(bool connected) const;
+
+  DeviceSetting& owner_;
+  const Tunables& tunables_;
+  BatteryInfo& batteryInfo_;
+  DeviceInfoCache& deviceInfoCache_;
+};
+
+} // namespace lb

@@ -1,0 +1,69 @@
+#include "core/DeviceScripts.h"
+
+#include "core/DeviceSetting.h"
+#include "core/LogAreas.h"
+
+namespace lb {
+
+void DeviceScripts::load() {
+  for (auto type : allScriptTypes) {
+    if (auto text = folder_.read(scriptFileName(owner_.deviceID(), type))) {
+      options_.set(rawValue(type), *text);
+    } else {
+      options_.remove(rawValue(type));
+    }
+  }
+}
+
+std::string DeviceScripts::text(ScriptType type) const { return options_.option<std::string>(rawValue(type), defaultScript); }
+
+void DeviceScripts::setText(ScriptType type, const std::optional<std::string>& text) {
+  if (text) options_.set(rawValue(type), *text);
+  else options_.remove(rawValue(type));
+}
+
+void DeviceScripts::run(ScriptType type) {
+  const bool enabled = type == ScriptType::connected ? owner_.runShellScriptAfterConnected()
+                                                     : owner_.runShellScriptAfterDisconnected();
+  if (!enabled) {
+    PXR_LOG(scriptLog(), "Script type not enabled: " + rawValue(type));
+    return;
+  }
+  const auto id = owner_.deviceID();
+  auto folder = folder_.location();
+  if (!folder) {
+    PXR_LOG(scriptLog(), "No script URL for: " + std::to_string(id) + " " + rawValue(type));
+    return;
+  }
+  const auto name = scriptFileName(id, type);
+  const auto path = *folder + "/" + name;
+  if (!folder_.fileExists(name)) {
+    PXR_LOG(scriptLog(), "No script for: " + path);
+    return;
+  }
+  const auto who = owner_.description(); // the script may end after this device setting is gone
+  scriptLog()([&] { return "Starting to run script " + who + ": " + path; });
+  auto failure = runner_.start(path, [who, path](const ScriptRunner::Outcome& outcome) {
+    if (outcome.success) {
+      scriptLog()([&] { return "Successfully ran script " + who + ": " + path; });
+    } else {
+      pxrLogError("Error running script " + who + ": " + outcome.description);
+    }
+  });
+  if (failure) pxrLogError("Error creating script: " + *failure);
+}
+
+void DeviceScripts::save() {
+  for (auto type : allScriptTypes) {
+    const auto key = rawValue(type);
+    const auto edited = options_.value<std::string>(key);
+    const auto id = owner_.deviceID();
+    const bool hasFolder = folder_.location().has_value();
+    if (hasFolder && edited == folder_.read(scriptFileName(id, type))) continue;
+    if (!hasFolder && !edited) continue;
+    scriptSaveLog()([&] { return "Saving " + key + " for device " + owner_.description(); });
+    saver_.saveScript(id, type, edited);
+  }
+}
+
+} // namespace lb

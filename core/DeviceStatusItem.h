@@ -1,0 +1,50 @@
+#pragma once
+
+#include "core/Tunables.h"
+#include "ports/ShortcutBinder.h"
+#include "ports/StatusBar.h"
+
+#include <memory>
+
+namespace lb {
+
+class DeviceSetting;
+
+// A device's item in the tray and its keyboard shortcut: creating and
+// removing them, drawing the picture core chose, the spinner while a
+// connection is made, and which clicks open the menu. Main thread.
+class DeviceStatusItem {
+public:
+  DeviceStatusItem(DeviceSetting& owner, StatusBar& statusBar, ShortcutBinder& shortcuts, const Tunables& tunables)
+      : owner_(owner), statusBar_(statusBar), shortcuts_(shortcuts), tunables_(tunables) {}
+
+  StatusItem* item() const { return item_.get(); }
+  bool showsProgress() const { return showsProgress_; }
+
+  // Creates the item and binds the shortcut. Clicks and shortcut presses
+  // enter the device setting's toggle.
+  void create();
+  void remove();
+
+  // Draws the picture for the observed state, unless the spinner shows.
+  void update();
+  // The spinner; the owner redraws when it stops.
+  void startProgress();
+  void stopProgress();
+
+  // Whether a click opens the device menu instead of toggling: Control or
+  // the right (or middle) button always; in connect-only mode, a click that
+  // would disconnect.
+  bool shouldShowMenu(const StatusItemClick& click) const;
+  void popUpMenu();
+
+private:
+  DeviceSetting& owner_;
+  StatusBar& statusBar_;
+  ShortcutBinder& shortcuts_;
+  const Tunables& tunables_;
+  std::unique_ptr<StatusItem> item_;
+  bool showsProgress_ = false;
+};
+
+} // namespace lb
