@@ -5,6 +5,7 @@
 #include "core/Services.h"
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <vector>
 
@@ -55,13 +56,12 @@ public:
   // Ends every device's presence in the system and stops listening.
   void unregister();
 
-  // Told whenever the list or something shown of a device may have changed
-  // (a redraw, a device added or removed): what mirrors the devices to the
-  // outside compares and announces from there.
-  void setChangeObserver(std::function<void()> observer) { changeObserver_ = std::move(observer); }
-  void noteChange() const {
-    if (changeObserver_) changeObserver_();
-  }
+  // Listeners are told whenever the list or something shown of a device may
+  // have changed (a redraw, a device added or removed): what mirrors the
+  // devices to the outside (the tray, the scripting interface) compares and
+  // shows from there. Destroying the registration ends the listening.
+  std::unique_ptr<NotificationRegistration> addChangeListener(std::function<void()> listener);
+  void noteChange() const;
 
 private:
   void checkMigration();
@@ -74,7 +74,12 @@ private:
   std::int64_t maxDeviceID_ = 1;
   std::unique_ptr<NotificationRegistration> connectionObserver_;
   std::unique_ptr<PXRTimer> statusTimer_;
-  std::function<void()> changeObserver_;
+  struct Listeners {
+    std::map<int, std::function<void()>> all;
+    int next = 0;
+  };
+  // Shared with the registrations, which may outlive the registry.
+  std::shared_ptr<Listeners> listeners_ = std::make_shared<Listeners>();
 };
 
 } // namespace lb

@@ -44,12 +44,12 @@ ScriptingService::ScriptingService(QDBusConnection bus, AppDelegate& app, UserDe
   new ApplicationAdaptor(this);
   bus_.registerObject(bus::applicationPath, this, QDBusConnection::ExportAdaptors);
   bus_.registerVirtualObject(bus::deviceRoot, &tree_, QDBusConnection::SubPath);
-  if (auto* registry = app_.deviceSettingManager()) registry->setChangeObserver([this] { scheduleRefresh(); });
+  if (auto* registry = app_.deviceSettingManager()) listening_ = registry->addChangeListener([this] { scheduleRefresh(); });
   refresh();
 }
 
 ScriptingService::~ScriptingService() {
-  if (auto* registry = app_.deviceSettingManager()) registry->setChangeObserver(nullptr);
+  listening_.reset();
   bus_.unregisterObject(bus::deviceRoot);
   bus_.unregisterObject(bus::applicationPath);
 }

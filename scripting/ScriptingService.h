@@ -65,6 +65,7 @@ private:
   ScriptingDeviceTree tree_{objects_};
   QList<QDBusObjectPath> shownList_;
   bool refreshPending_ = false;
+  std::unique_ptr<NotificationRegistration> listening_;
 };
 
 } // namespace lb

@@ -44,8 +44,9 @@ TEST(Scripting, AnUnknownDeviceHasNoNameAddressOrLevel) {
 
 TEST(Scripting, TheRegistryTellsOfAddsRemovalsAndRedraws) {
   test::SimulatedDevice d;
-  int changes = 0;
-  d.registry->setChangeObserver([&] { ++changes; });
+  int changes = 0, otherChanges = 0;
+  auto listening = d.registry->addChangeListener([&] { ++changes; });
+  auto other = d.registry->addChangeListener([&] { ++otherChanges; });
   auto& mouse = d.sim.world.addDevice("AA-BB-CC-DD-EE-FF", "Mouse", 5);
   d.registry->add(mouse);
   EXPECT_GE(changes, 1);
@@ -56,6 +57,14 @@ TEST(Scripting, TheRegistryTellsOfAddsRemovalsAndRedraws) {
   changes = 0;
   d.registry->remove(0);
   EXPECT_GE(changes, 1);
+  EXPECT_GE(otherChanges, 3);
+
+  listening.reset();
+  changes = 0;
+  d.registry->updateItemIcon();
+  EXPECT_EQ(changes, 0);
+  d.registry.reset();
+  other.reset(); // after its registry: nothing to undo
 }
 
 } // namespace lb
