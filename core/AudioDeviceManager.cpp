@@ -1,18 +1,12 @@
 #include "core/AudioDeviceManager.h"
 
 #include "core/LogAreas.h"
+#include "foundation/BluetoothAddress.h"
 
 #include <algorithm>
 #include <cctype>
 
 namespace lb {
-
-namespace {
-std::string lowercased(std::string text) {
-  std::transform(text.begin(), text.end(), text.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-  return text;
-}
-} // namespace
 
 const std::string& AudioDeviceManager::Device::name() const {
   if (!name_) {
@@ -39,8 +33,8 @@ std::string AudioDeviceManager::Device::description() const {
 
 bool AudioDeviceManager::Device::matches(const BluetoothMatchable& bluetooth) const {
   if (auto device = bluetooth.device()) {
-    auto address = device->addressString();
-    if (!address.empty() && lowercased(uid()).find(lowercased(address)) != std::string::npos) return true;
+    auto address = BluetoothAddress::parse(device->addressString());
+    if (address && BluetoothAddress::findIn(uid()) == address) return true;
   }
   auto bluetoothName = bluetooth.deviceName();
   return bluetoothName && name() == *bluetoothName;

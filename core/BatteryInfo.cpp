@@ -1,6 +1,7 @@
 #include "core/BatteryInfo.h"
 
 #include "core/LogAreas.h"
+#include "foundation/BluetoothAddress.h"
 
 #include <algorithm>
 
@@ -129,7 +130,8 @@ BatteryInfo::Dictionary BatteryInfo::registryInfo(const BluetoothDevice& device)
       return *found->second.as<std::string>();
     };
     PXR_LOG(batteryInfoIterationLog(), "Got properties for", text("Product"));
-    if (text("DeviceAddress") != address && text("SerialNumber") != address) continue;
+    const auto same = [&](const char* key) { return sameBluetoothAddress(text(key).value_or(""), address); };
+    if (!same("DeviceAddress") && !same("SerialNumber")) continue;
     PXR_LOG(batteryInfoDetailLog(), "Registry info for", text("Product"), ":", SettingsValue(properties));
     Dictionary result;
     for (auto key : allKeys) {

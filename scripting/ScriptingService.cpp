@@ -1,5 +1,6 @@
 #include "scripting/ScriptingService.h"
 
+#include "foundation/BluetoothAddress.h"
 #include "foundation/SettingsJson.h"
 #include "scripting/ScriptingDeviceObject.h"
 
@@ -34,8 +35,6 @@ private:
   ScriptingService& service_;
 };
 
-// Addresses match in either case, with colons or hyphens.
-QString addressKey(QString address) { return address.toUpper().replace('-', ':'); }
 
 } // namespace
 
@@ -121,7 +120,7 @@ QDBusObjectPath ScriptingService::findDevice(const QString& query) {
     for (const auto& setting : registry->deviceSettingList()) {
       const bool matches = (isNumber && setting->deviceID() == number) ||
                            QString::fromStdString(setting->scriptingName()).compare(query, Qt::CaseInsensitive) == 0 ||
-                           addressKey(QString::fromStdString(setting->scriptingAddress().value_or(""))) == addressKey(query);
+                           sameBluetoothAddress(setting->scriptingAddress().value_or(""), query.toStdString());
       if (matches) return QDBusObjectPath(devicePath(setting->deviceID()));
     }
   }

@@ -1,5 +1,6 @@
 #include "linux/audio/PulseAudioSystem.h"
 
+#include "foundation/BluetoothAddress.h"
 #include "foundation/PXRLog.h"
 
 #include <cctype>
@@ -11,24 +12,6 @@ namespace {
 std::string property(const pa_proplist* properties, const char* key) {
   const char* value = pa_proplist_gets(properties, key);
   return value ? value : "";
-}
-
-// The first "00:11:22:33:44:55" (or with _ or -) within a property such as
-// device.string, as BlueZ writes it.
-std::string bluetoothAddressIn(const std::string& text) {
-  auto isHex = [](char c) { return std::isxdigit(static_cast<unsigned char>(c)) != 0; };
-  auto isSeparator = [](char c) { return c == ':' || c == '_' || c == '-'; };
-  for (std::size_t start = 0; start + 17 <= text.size(); ++start) {
-    bool matches = true;
-    for (std::size_t i = 0; i < 17 && matches; ++i) {
-      matches = i % 3 == 2 ? isSeparator(text[start + i]) : isHex(text[start + i]);
-    }
-    if (!matches) continue;
-    std::string address = text.substr(start, 17);
-    for (auto& c : address) c = isSeparator(c) ? ':' : static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-    return address;
-  }
-  return "";
 }
 
 } // namespace
@@ -168,8 +151,9 @@ void PulseAudioSystem::remember(bool output, std::uint32_t index, const std::str
   auto* list = static_cast<const pa_proplist*>(properties);
   Device device{output, name, description, "", property(list, "device.serial"), index, true};
   if (property(list, "device.bus") == "bluetooth") {
-    device.address = bluetoothAddressIn(property(list, "api.bluez5.address"));
-    if (device.address.empty()) device.address = bluetoothAddressIn(property(list, "device.string"));
+    auto address = BluetoothAddress::findIn(property(list, "api.bluez5.address"));
+    if (!address) address = BluetoothAddress::findIn(property(list, "device.string"));
+    device.address = address ? address->toString() : "";
   }
   if (device.serial.empty()) device.serial = name;
   std::lock_guard lock(mutex_);

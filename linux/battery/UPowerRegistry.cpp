@@ -1,5 +1,6 @@
 #include "linux/battery/UPowerRegistry.h"
 
+#include "foundation/BluetoothAddress.h"
 #include "foundation/PXRLog.h"
 
 #include <QDBusMessage>
@@ -18,21 +19,6 @@ namespace {
 constexpr const char* service = "org.freedesktop.UPower";
 constexpr const char* root = "/org/freedesktop/UPower";
 constexpr const char* properties = "org.freedesktop.DBus.Properties";
-
-bool isHex(char c) { return std::isxdigit(static_cast<unsigned char>(c)) != 0; }
-
-// Six hex pairs joined by one separator, the way paths and kernel names
-// spell an address.
-bool addressAt(const std::string& text, std::size_t start) {
-  if (start + 17 > text.size()) return false;
-  const char separator = text[start + 2];
-  if (separator != ':' && separator != '_' && separator != '-') return false;
-  for (std::size_t i = 0; i < 17; ++i) {
-    const char c = text[start + i];
-    if (i % 3 == 2 ? c != separator : !isHex(c)) return false;
-  }
-  return true;
-}
 } // namespace
 
 UPowerRegistry::UPowerRegistry(QDBusConnection bus) : bus_(std::move(bus)) {
@@ -87,22 +73,11 @@ std::vector<BatterySources::RegistryEntry> UPowerRegistry::entries() const {
   return result;
 }
 
-std::string UPowerRegistry::addressIn(const std::string& nativePath) {
-  for (std::size_t start = 0; start < nativePath.size(); ++start) {
-    if (!addressAt(nativePath, start)) continue;
-    std::string address = nativePath.substr(start, 17);
-    for (std::size_t i = 0; i < address.size(); ++i) {
-      address[i] = i % 3 == 2 ? ':' : static_cast<char>(std::toupper(static_cast<unsigned char>(address[i])));
-    }
-    return address;
-  }
-  return {};
-}
-
 SettingsValue::Dictionary UPowerRegistry::propertiesOf(const QVariantMap& upower) {
   SettingsValue::Dictionary result;
-  if (auto address = addressIn(upower.value("NativePath").toString().toStdString()); !address.empty()) {
-    result.emplace("DeviceAddress", address);
+  // "/org/bluez/hci0/dev_aa_bb_…" or "hid-aa:bb:…-battery"
+  if (auto address = BluetoothAddress::findIn(upower.value("NativePath").toString().toStdString())) {
+    result.emplace("DeviceAddress", address->toString());
   }
   if (upower.contains("Serial")) result.emplace("SerialNumber", upower.value("Serial").toString().toStdString());
   if (upower.contains("Model")) result.emplace("Product", upower.value("Model").toString().toStdString());

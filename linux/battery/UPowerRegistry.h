@@ -31,9 +31,6 @@ public:
 
   std::vector<BatterySources::RegistryEntry> entries() const;
 
-  // "AA:BB:CC:DD:EE:FF" from "/org/bluez/hci0/dev_aa_bb_cc_dd_ee_ff" or
-  // "hid-aa:bb:cc:dd:ee:ff-battery"; empty when the path holds none.
-  static std::string addressIn(const std::string& nativePath);
   static SettingsValue::Dictionary propertiesOf(const QVariantMap& upower);
 
 private slots:

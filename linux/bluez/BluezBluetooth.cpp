@@ -1,5 +1,6 @@
 #include "linux/bluez/BluezBluetooth.h"
 
+#include "foundation/BluetoothAddress.h"
 #include "foundation/PXRLog.h"
 #include "linux/bluez/BluezDevice.h"
 #include "linux/bluez/BluezErrors.h"
@@ -116,7 +117,8 @@ void BluezBluetooth::propertiesChanged(const QString& interface, const QVariantM
 }
 
 std::shared_ptr<BluetoothDevice> BluezBluetooth::deviceWithAddressString(const std::string& address) {
-  auto path = mirror_->devicePath(QString::fromStdString(bluezAddress(address)));
+  auto parsed = BluetoothAddress::parse(address);
+  auto path = parsed ? mirror_->devicePath(*parsed) : std::nullopt;
   if (!path) return nullptr;
   auto stored = mirror_->property(*path, BluezMirror::deviceInterface, "Address");
   if (!stored) return nullptr;
@@ -131,7 +133,8 @@ std::unique_ptr<NotificationRegistration> BluezBluetooth::registerForConnectNoti
 
 std::unique_ptr<NotificationRegistration> BluezBluetooth::registerForDisconnectNotification(const BluetoothDevice& device,
                                                                                             NotificationHandler handler) {
-  auto path = mirror_->devicePath(QString::fromStdString(bluezAddress(device.addressString())));
+  auto parsed = BluetoothAddress::parse(device.addressString());
+  auto path = parsed ? mirror_->devicePath(*parsed) : std::nullopt;
   if (!path) return nullptr;
   auto id = nextSubscription_++;
   subscriptions_.emplace(id, Subscription{*path, false, std::move(handler)});

@@ -27,9 +27,4 @@ IOReturn bluezResult(const std::string& errorName, const std::string& message) {
   return IOReturn::generalError(detail);
 }
 
-std::string bluezAddress(std::string address) {
-  for (auto& c : address) c = c == '-' ? ':' : static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-  return address;
-}
-
 } // namespace lb

@@ -17,7 +17,4 @@ namespace lb {
 // the error dialog.
 IOReturn bluezResult(const std::string& errorName, const std::string& message);
 
-// A Bluetooth address as BlueZ writes it: upper case, colons.
-std::string bluezAddress(std::string address);
-
 } // namespace lb

@@ -46,11 +46,12 @@ std::optional<QVariant> BluezMirror::property(const QString& path, const QString
   return *value;
 }
 
-std::optional<QString> BluezMirror::devicePath(const QString& address) const {
+std::optional<QString> BluezMirror::devicePath(const BluetoothAddress& address) const {
   std::lock_guard lock(mutex_);
   for (const auto& [path, interfaces] : objects_) {
     auto device = interfaces.find(deviceInterface);
-    if (device != interfaces.end() && device->second.value("Address").toString().toUpper() == address) return path;
+    if (device == interfaces.end()) continue;
+    if (BluetoothAddress::parse(device->second.value("Address").toString().toStdString()) == address) return path;
   }
   return std::nullopt;
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "foundation/BluetoothAddress.h"
+
 #include <QString>
 #include <QVariantMap>
 
@@ -27,7 +29,7 @@ public:
 
   std::optional<QVariant> property(const QString& path, const QString& interface, const QString& name) const;
   // The device with this address (as BlueZ writes it), across all adapters.
-  std::optional<QString> devicePath(const QString& address) const;
+  std::optional<QString> devicePath(const BluetoothAddress& address) const;
   std::vector<QString> devicePaths() const;
 
 private:

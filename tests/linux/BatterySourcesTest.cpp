@@ -59,14 +59,6 @@ protected:
 
 } // namespace
 
-TEST(UPowerRegistry, FindsTheBluetoothAddressInANativePath) {
-  EXPECT_EQ(UPowerRegistry::addressIn("/org/bluez/hci0/dev_aa_bb_cc_dd_ee_0f"), "AA:BB:CC:DD:EE:0F");
-  EXPECT_EQ(UPowerRegistry::addressIn("hid-f0:99:b6:11:22:33-battery"), "F0:99:B6:11:22:33");
-  EXPECT_EQ(UPowerRegistry::addressIn("BAT0"), "");
-  EXPECT_EQ(UPowerRegistry::addressIn("hid-f0:99:b6_11:22:33-battery"), ""); // mixed separators
-  EXPECT_EQ(UPowerRegistry::addressIn("ps-controller-battery-a0:5a:5c:01:02:3"), "");
-}
-
 TEST_F(UPowerTest, EveryDeviceIsAnEntryWithTheBatteryKeys) {
   UPowerRegistry registry(*connection);
   auto entries = registry.entries();

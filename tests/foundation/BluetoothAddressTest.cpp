@@ -1,0 +1,34 @@
+#include "foundation/BluetoothAddress.h"
+
+#include <gtest/gtest.h>
+
+namespace lb {
+
+TEST(BluetoothAddress, ReadsTheUsualFormsAndWritesBlueZs) {
+  for (auto text : {"aa:bb:cc:dd:ee:0f", "AA-BB-CC-DD-EE-0F", "aa_bb_cc_dd_ee_0f"}) {
+    auto address = BluetoothAddress::parse(text);
+    ASSERT_TRUE(address) << text;
+    EXPECT_EQ(address->toString(), "AA:BB:CC:DD:EE:0F");
+  }
+  for (auto text : {"", "AA:BB:CC:DD:EE", "AA:BB:CC:DD:EE:0F:", "AA:BB-CC:DD:EE:0F", "AA:BB:CC:DD:EE:0G", "aa"}) {
+    EXPECT_FALSE(BluetoothAddress::parse(text)) << text;
+  }
+  EXPECT_TRUE(sameBluetoothAddress("00-11-22-33-44-55", "00:11:22:33:44:55"));
+  EXPECT_FALSE(sameBluetoothAddress("00-11-22-33-44-55", "00:11:22:33:44:56"));
+  EXPECT_FALSE(sameBluetoothAddress("x", "x")); // no address is the same as nothing
+}
+
+TEST(BluetoothAddress, FindsTheFirstAddressInALongerText) {
+  auto found = [](const char* text) {
+    auto address = BluetoothAddress::findIn(text);
+    return address ? address->toString() : "";
+  };
+  EXPECT_EQ(found("/org/bluez/hci0/dev_aa_bb_cc_dd_ee_0f"), "AA:BB:CC:DD:EE:0F");
+  EXPECT_EQ(found("hid-f0:99:b6:11:22:33-battery"), "F0:99:B6:11:22:33");
+  EXPECT_EQ(found("bluez_sink.00_1D_43_A0_00_02.a2dp_sink 00:1D:43:A0:00:02"), "00:1D:43:A0:00:02");
+  EXPECT_EQ(found("BAT0"), "");
+  EXPECT_EQ(found("hid-f0:99:b6_11:22:33-battery"), ""); // mixed separators
+  EXPECT_EQ(found("ps-controller-battery-a0:5a:5c:01:02:3"), "");
+}
+
+} // namespace lb
