@@ -52,8 +52,9 @@ Exit status: 0 done, 1 failed (not connected in time, key not set),
 
 const std::map<std::string, std::string> commandHelp = {
     {"list", "lanternbud-ctl list [--json]\n\nOne line per device: ID, name, address, state, battery. With --json an\n"
-             "array of objects with id, name, address, connected, batteryLevel, batteryLevelString,\n"
-             "status and iconName; a missing address or battery level is null.\n"},
+             "array of objects with every property of the scripting interface but the pictures, named\n"
+             "in lower camel case (id, name, address, connected, batteryLevel, status, ...); a missing\n"
+             "value is null.\n"},
     {"show", "lanternbud-ctl show <device>\n\nEvery property of the device, one per line.\n"},
     {"connect", "lanternbud-ctl connect <device> [--no-wait]\n\nConnects the device as a click does, and (unless --no-wait)\n"
                 "waits up to 45 s until it is connected. Already connected: nothing happens.\n"},
@@ -109,18 +110,24 @@ private:
   QDBusConnection bus_;
 };
 
+// Every property but the pictures, named in lower camel case ("ID" is
+// "id"). A missing value, which the interface gives as the type's empty
+// value ("" or -1), is null.
 nlohmann::json asJson(const QVariantMap& device) {
-  auto orNull = [](bool present, nlohmann::json value) { return present ? value : nlohmann::json(nullptr); };
-  const auto address = device.value("Address").toString().toStdString();
-  const int level = device.value("BatteryLevel").toInt();
-  return {{"id", device.value("ID").toLongLong()},
-          {"name", device.value("Name").toString().toStdString()},
-          {"address", orNull(!address.empty(), address)},
-          {"connected", device.value("Connected").toBool()},
-          {"batteryLevel", orNull(level >= 0, level)},
-          {"batteryLevelString", device.value("BatteryLevelString").toString().toStdString()},
-          {"status", device.value("Status").toString().toStdString()},
-          {"iconName", device.value("IconName").toString().toStdString()}};
+  auto json = nlohmann::json::object();
+  for (auto it = device.begin(); it != device.end(); ++it) {
+    const auto& value = it.value();
+    auto key = it.key() == "ID" ? std::string("id") : it.key().toStdString();
+    key[0] = static_cast<char>(std::tolower(static_cast<unsigned char>(key[0])));
+    switch (value.typeId()) {
+    case QMetaType::Bool: json[key] = value.toBool(); break;
+    case QMetaType::Int:
+    case QMetaType::LongLong: json[key] = value.toLongLong() == -1 ? nlohmann::json() : nlohmann::json(value.toLongLong()); break;
+    case QMetaType::QString: json[key] = value.toString().isEmpty() ? nlohmann::json() : nlohmann::json(value.toString().toStdString()); break;
+    default: break; // pictures
+    }
+  }
+  return json;
 }
 
 int list(Client& client, bool json) {
@@ -132,10 +139,10 @@ int list(Client& client, bool json) {
   }
   std::printf("%-4s %-24s %-18s %-13s %s\n", "ID", "NAME", "ADDRESS", "STATE", "BATTERY");
   for (const auto& device : all) {
+    auto text = [&](const char* key) { return device[key].is_null() ? std::string("-") : device[key].get<std::string>(); };
     const auto level = device["batteryLevel"];
-    std::printf("%-4lld %-24s %-18s %-13s %s\n", device["id"].get<long long>(), device["name"].get<std::string>().c_str(),
-                device["address"].is_null() ? "-" : device["address"].get<std::string>().c_str(),
-                device["connected"].get<bool>() ? "connected" : "disconnected",
+    std::printf("%-4lld %-24s %-18s %-13s %s\n", device["id"].get<long long>(), text("name").c_str(),
+                text("address").c_str(), device["connected"].get<bool>() ? "connected" : "disconnected",
                 level.is_null() ? "-" : (std::to_string(level.get<int>()) + "%").c_str());
   }
   return ok;

@@ -3,40 +3,50 @@
 namespace lb {
 
 namespace {
-QString text(const std::string& value) { return QString::fromStdString(value); }
+QVariant text(const std::string& value) { return QString::fromStdString(value); }
+// Pictures come with the tray, which renders them; until then there are
+// none, which the interface gives as empty data.
+QVariant noPicture(DeviceSetting&) { return QByteArray(); }
 } // namespace
 
-const std::vector<ScriptingDeviceObject::Property>& ScriptingDeviceObject::properties() {
-  static const std::vector<Property> all{
-      {"Name", "s"},      {"ID", "x"},         {"Address", "s"},       {"BatteryLevel", "i"},
-      {"BatteryLevelString", "s"}, {"IconName", "s"}, {"IconData", "ay"}, {"DisconnectedIconData", "ay"},
-      {"ConnectedIconData", "ay"}, {"Connected", "b"}, {"Status", "s"},   {"ConnectionScript", "s"},
-      {"DisconnectionScript", "s"}};
+const std::vector<ScriptingProperty>& ScriptingDeviceObject::properties() {
+  static const std::vector<ScriptingProperty> all{
+      {"Name", "s", [](DeviceSetting& s) { return text(s.scriptingName()); }},
+      {"ID", "x", [](DeviceSetting& s) { return QVariant(qlonglong(s.scriptingID())); }},
+      {"Address", "s", [](DeviceSetting& s) { return text(s.scriptingAddress().value_or("")); }},
+      {"BatteryLevel", "i", [](DeviceSetting& s) { return QVariant(s.scriptingBatteryLevel().value_or(-1)); }},
+      {"BatteryLevelString", "s", [](DeviceSetting& s) { return text(s.batteryLevelString()); }},
+      {"IconName", "s", [](DeviceSetting& s) { return text(s.scriptingIconName()); }},
+      {"IconData", "ay", noPicture},
+      {"DisconnectedIconData", "ay", noPicture},
+      {"ConnectedIconData", "ay", noPicture},
+      {"Connected", "b", [](DeviceSetting& s) { return QVariant(s.scriptingIsConnected()); },
+       [](DeviceSetting& s, const QVariant& value) { s.setScriptingIsConnected(value.toBool()); }},
+      {"Status", "s", [](DeviceSetting& s) { return text(s.scriptingStatus()); }},
+      {"ConnectionScript", "s", [](DeviceSetting& s) { return text(s.shellScriptAfterConnected()); }},
+      {"DisconnectionScript", "s", [](DeviceSetting& s) { return text(s.shellScriptAfterDisconnected()); }},
+  };
   return all;
+}
+
+const ScriptingProperty* ScriptingDeviceObject::property(const QString& name) {
+  for (const auto& each : properties()) {
+    if (name == each.name) return &each;
+  }
+  return nullptr;
 }
 
 QVariantMap ScriptingDeviceObject::values() const {
   auto setting = setting_.lock();
   if (!setting) return {};
-  // Pictures come with the tray, which renders them; until then there are
-  // none, which the interface gives as empty data.
-  return {{"Name", text(setting->scriptingName())},
-          {"ID", qlonglong(setting->scriptingID())},
-          {"Address", text(setting->scriptingAddress().value_or(""))},
-          {"BatteryLevel", setting->scriptingBatteryLevel().value_or(-1)},
-          {"BatteryLevelString", text(setting->batteryLevelString())},
-          {"IconName", text(setting->scriptingIconName())},
-          {"IconData", QByteArray()},
-          {"DisconnectedIconData", QByteArray()},
-          {"ConnectedIconData", QByteArray()},
-          {"Connected", setting->scriptingIsConnected()},
-          {"Status", text(setting->scriptingStatus())},
-          {"ConnectionScript", text(setting->shellScriptAfterConnected())},
-          {"DisconnectionScript", text(setting->shellScriptAfterDisconnected())}};
+  QVariantMap values;
+  for (const auto& property : properties()) values.insert(property.name, property.get(*setting));
+  return values;
 }
 
-void ScriptingDeviceObject::setConnected(bool connected) {
-  if (auto setting = setting_.lock()) setting->setScriptingIsConnected(connected);
+void ScriptingDeviceObject::set(const ScriptingProperty& property, const QVariant& value) {
+  auto setting = setting_.lock();
+  if (setting && property.set) property.set(*setting, value);
 }
 
 } // namespace lb

@@ -5,27 +5,34 @@
 #include <QVariantMap>
 
 #include <memory>
+#include <vector>
 
 namespace lb {
+
+// One property of the device interface: its D-Bus name and type, how it is
+// read, and, for a writable one, how it is set. The table of these drives
+// the values, the introspection and the checks of Set.
+struct ScriptingProperty {
+  const char* name;
+  const char* signature;
+  QVariant (*get)(DeviceSetting& setting);
+  void (*set)(DeviceSetting& setting, const QVariant& value) = nullptr;
+};
 
 // One device as the scripting interface shows it. Holds its device setting
 // weakly: a device removed from the registry answers nothing more.
 class ScriptingDeviceObject {
 public:
-  // The device interface's properties with their D-Bus signatures, in the
-  // order introspection lists them; only Connected is writable.
-  struct Property {
-    const char* name;
-    const char* signature;
-  };
-  static const std::vector<Property>& properties();
+  // In the order introspection lists them.
+  static const std::vector<ScriptingProperty>& properties();
+  static const ScriptingProperty* property(const QString& name);
 
   explicit ScriptingDeviceObject(std::weak_ptr<DeviceSetting> setting) : setting_(std::move(setting)) {}
 
   // Every property by its D-Bus name. A missing value is the type's empty
   // value: Address "", BatteryLevel -1, icon data empty.
   QVariantMap values() const;
-  void setConnected(bool connected);
+  void set(const ScriptingProperty& property, const QVariant& value);
 
   // What was last announced, kept by the service to find changes in.
   QVariantMap shown;

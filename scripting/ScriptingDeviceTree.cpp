@@ -16,12 +16,21 @@ QDBusMessage error(const QDBusMessage& message, QDBusError::ErrorType type, cons
   return message.createErrorReply(type, text);
 }
 
-bool isProperty(const QString& name) {
-  for (const auto& property : ScriptingDeviceObject::properties()) {
-    if (name == property.name) return true;
-  }
-  return false;
+// "a Boolean (b)", for error messages.
+QString typeName(const QString& signature) {
+  static const QMap<QString, QString> names{{"b", "a Boolean"}, {"s", "a string"}, {"x", "an integer"},
+                                            {"i", "an integer"}, {"ay", "bytes"}};
+  return names.value(signature, "a value") + " (" + signature + ")";
 }
+
+QString writableNames() {
+  QStringList names;
+  for (const auto& property : ScriptingDeviceObject::properties()) {
+    if (property.set) names << property.name;
+  }
+  return names.join(", ");
+}
+
 
 } // namespace
 
@@ -34,9 +43,8 @@ QString ScriptingDeviceTree::introspect(const QString& path) const {
   if (!device(path)) return {};
   QString xml = QString("<interface name=\"%1\">\n").arg(bus::deviceInterface);
   for (const auto& property : ScriptingDeviceObject::properties()) {
-    const bool writable = QString(property.name) == "Connected";
     xml += QString("  <property name=\"%1\" type=\"%2\" access=\"%3\"/>\n")
-               .arg(property.name, property.signature, writable ? "readwrite" : "read");
+               .arg(property.name, property.signature, property.set ? "readwrite" : "read");
   }
   xml += "  <annotation name=\"org.lanternbud.Missing\" value=\"Address: empty; BatteryLevel: -1; icon data: empty\"/>\n";
   return xml + "</interface>\n";
@@ -77,17 +85,20 @@ QDBusMessage ScriptingDeviceTree::answer(const QDBusMessage& message, ScriptingD
   const auto member = message.member();
   if (member == "GetAll") return message.createReply(QVariant::fromValue(values));
   const auto name = arguments.value(1).toString();
-  if (!isProperty(name)) return error(message, QDBusError::UnknownProperty, "A device has no property \"" + name + "\".");
+  const auto* property = ScriptingDeviceObject::property(name);
+  if (!property) return error(message, QDBusError::UnknownProperty, "A device has no property \"" + name + "\".");
   if (member == "Get") return message.createReply(QVariant::fromValue(QDBusVariant(values.value(name))));
   if (member != "Set") return error(message, QDBusError::UnknownMethod, "No method " + member + ".");
-  if (name != "Connected") return error(message, QDBusError::PropertyReadOnly, name + " is read-only; only Connected can be set.");
-  const auto sent = arguments.value(2).value<QDBusVariant>().variant();
-  if (sent.typeId() != QMetaType::Bool) {
-    return error(message, QDBusError::InvalidArgs,
-                 QString("Connected takes a Boolean (b), not a value of type %1.")
-                     .arg(QString::fromLatin1(QDBusMetaType::typeToSignature(sent.metaType()))));
+  if (!property->set) {
+    return error(message, QDBusError::PropertyReadOnly, name + " is read-only; only " + writableNames() + " can be set.");
   }
-  device.setConnected(sent.toBool());
+  const auto sent = arguments.value(2).value<QDBusVariant>().variant();
+  const auto sentSignature = QString::fromLatin1(QDBusMetaType::typeToSignature(sent.metaType()));
+  if (sentSignature != property->signature) {
+    return error(message, QDBusError::InvalidArgs,
+                 QString("%1 takes %2, not a value of type %3.").arg(name, typeName(property->signature), sentSignature));
+  }
+  device.set(*property, sent);
   return message.createReply();
 }
 
