@@ -48,7 +48,6 @@ public:
       : hardware_(hardware), tunables_(tunables), direction_(direction) {}
   virtual ~AudioDeviceManager() = default;
 
-  AudioDirection io() const { return direction_; }
   // Whether a set is skipped when the device is current already.
   virtual bool onlySetIfNecessary() const;
   std::optional<Device> current() const;

@@ -22,7 +22,6 @@ public:
   // Four independent attempts: at once, after 2 and 5 seconds, and after the
   // final delay.
   void restoreLast();
-  std::optional<Device> lastDevice() const { return lastDevice_.value(); }
 
 private:
   EventLoop& loop_;

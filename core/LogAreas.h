@@ -28,7 +28,6 @@ LB_LOG_AREA(scriptSaveLog, "LogScriptSave")                  // the scripts fold
 LB_LOG_AREA(batteryInfoLog, "LogBatteryInfo")                // battery sources
 LB_LOG_AREA(batteryInfoIterationLog, "LogBatteryInfoIteration") // walking the battery registry
 LB_LOG_AREA(batteryInfoDetailLog, "LogBatteryInfoDetail")    // raw values found while reading batteries
-LB_LOG_AREA(lowEnergyBatteryInfoLog, "LogLowEnergyBatteryInfo") // the Low Energy battery reader
 LB_LOG_AREA(dockLog, "LogDock")                              // taskbar presence and the preferences window at start
 LB_LOG_AREA(loginLog, "LogLogin")                            // launch at login
 LB_LOG_AREA(launchLog, "LogLaunch")                          // the program's start and end, the backend chosen

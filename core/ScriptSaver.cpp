@@ -33,11 +33,11 @@ bool ScriptSaver::promptForAccess(const std::string& location, const std::string
   return folder_.promptForAccess(location, message);
 }
 
-std::pair<std::string, bool> ScriptSaver::ensureApplicationScriptsFolder() {
+std::pair<std::string, bool> ScriptSaver::ensureScriptsFolder() {
   auto folder = folder_.location();
   if (!folder) throw FileFailure("the system has no place for a scripts folder");
   if (folder_.exists()) {
-    PXR_LOG(scriptSaveLog(), "Folder in Application Scripts already exists:", *folder);
+    PXR_LOG(scriptSaveLog(), "Scripts folder already exists:", *folder);
     return {*folder, false};
   }
   auto parent = folder_.parentLocation();
@@ -72,7 +72,7 @@ void ScriptSaver::withWritableScriptFolder(bool ask, const Completion& completio
     return;
   }
   try {
-    auto [folder, access] = ensureApplicationScriptsFolder();
+    auto [folder, access] = ensureScriptsFolder();
     PXR_LOG(scriptSaveLog(), "Access", access, "to folder", folder);
     bool granted = access || promptForAccess(folder, localized("Please select the User > Library > Application Scripts > ") +
                                                          bundleIdentifier + localized(" folder to save the scripts."));

@@ -40,7 +40,7 @@ private:
   using Completion = std::function<void(const std::optional<std::string>& folder)>;
   void withWritableScriptFolder(bool ask, const Completion& completion);
   // The folder, and whether access was granted on the way.
-  std::pair<std::string, bool> ensureApplicationScriptsFolder();
+  std::pair<std::string, bool> ensureScriptsFolder();
   bool promptForAccess(const std::string& location, const std::string& message);
 
   ScriptsFolder& folder_;

@@ -11,6 +11,12 @@ std::string localized(std::string_view english) {
        "Please make sure that Bluetooth is turned on in your desktop’s Bluetooth settings."},
       {"Please make sure that Bluetooth is On in the Bluetooth pane in System Preferences.",
        "Please make sure that Bluetooth is On in your desktop’s Bluetooth settings."},
+      // Linux needs no permission for the scripts folder; these only show
+      // where a platform asks for one.
+      {"Please select the User > Library > Application Scripts folder to save the scripts.",
+       "Please select the folder that holds Lanternbud’s scripts folder."},
+      {"Please select the User > Library > Application Scripts > ", "Please select the scripts folder "},
+      {" folder to save the scripts.", " to save the scripts."},
   };
   auto found = linux.find(english);
   return std::string(found == linux.end() ? english : found->second);

@@ -25,7 +25,6 @@ public:
   // Stops the timer for good; does nothing if it was never scheduled.
   void invalidate();
 
-  void perform() const { block_(); }
   double interval() const { return interval_; }
   bool repeats() const { return repeats_; }
 

@@ -60,11 +60,6 @@ void SimBluetoothDevice::setConnectBehaviour(SimBehaviour behaviour) {
   connect_ = std::move(behaviour);
 }
 
-void SimBluetoothDevice::setDisconnectBehaviour(SimBehaviour behaviour) {
-  std::lock_guard lock(mutex_);
-  disconnect_ = std::move(behaviour);
-}
-
 std::vector<std::optional<std::uint16_t>> SimBluetoothDevice::connectCalls() const {
   std::lock_guard lock(mutex_);
   return connectCalls_;

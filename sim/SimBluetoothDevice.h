@@ -42,7 +42,6 @@ public:
   // The world's side.
   void setBatteryProperty(const std::string& keyString, std::optional<SettingsValue> value);
   void setConnectBehaviour(SimBehaviour behaviour);
-  void setDisconnectBehaviour(SimBehaviour behaviour);
   // The page timeouts of every connect call so far (none: the default).
   std::vector<std::optional<std::uint16_t>> connectCalls() const;
   int disconnectCalls() const;
@@ -59,7 +58,7 @@ private:
   bool connected_ = false;
   std::map<std::string, SettingsValue> battery_;
   SimBehaviour connect_;
-  SimBehaviour disconnect_;
+  const SimBehaviour disconnect_;
   std::vector<std::optional<std::uint16_t>> connectCalls_;
   int disconnectCalls_ = 0;
 };
