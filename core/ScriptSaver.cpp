@@ -44,10 +44,10 @@ std::pair<std::string, bool> ScriptSaver::ensureScriptsFolder() {
   PXR_LOG(scriptSaveLog(), "Prompting for access to:", parent);
   if (!promptForAccess(parent, localized("Please select the User > Library > Application Scripts folder to save the scripts."))) {
     PXR_LOG(scriptSaveLog(), "Didn't get access to:", parent);
-    if (auto failure = folder_.create()) throw FileFailure(*failure);
+    if (auto created = folder_.create(); !created) throw FileFailure(created.failure().reason);
     return {*folder, false};
   }
-  if (auto failure = folder_.create()) throw FileFailure(*failure);
+  if (auto created = folder_.create(); !created) throw FileFailure(created.failure().reason);
   PXR_LOG(scriptSaveLog(), "Created:", *folder);
   return {*folder, true};
 }
@@ -100,11 +100,13 @@ void ScriptSaver::saveScript(std::int64_t deviceID, ScriptType type, const std::
     PXR_LOG(scriptSaveLog(), "Script URL is", path);
     if (folder_.fileExists(name)) {
       PXR_LOG(scriptSaveLog(), "Removing URL", path);
-      if (auto failure = folder_.remove(name)) throw FileFailure("removing " + path + ": " + *failure);
+      if (auto removed = folder_.remove(name); !removed) throw FileFailure("removing " + path + ": " + removed.failure().reason);
     }
     if (!text || text->empty()) return;
     PXR_LOG(scriptSaveLog(), "Writing to URL", path);
-    if (auto failure = folder_.write(name, normalizingLineBreaks(*text))) throw FileFailure("writing " + path + ": " + *failure);
+    if (auto written = folder_.write(name, normalizingLineBreaks(*text)); !written) {
+      throw FileFailure("writing " + path + ": " + written.failure().reason);
+    }
   });
 }
 

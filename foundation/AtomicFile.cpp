@@ -28,17 +28,17 @@ bool writeAll(int descriptor, std::string_view content) {
 
 } // namespace
 
-std::optional<std::string> AtomicFile::write(const std::filesystem::path& path, std::string_view content,
+Result<> AtomicFile::write(const std::filesystem::path& path, std::string_view content,
                                              mode_t mode) {
   std::string temporary = path.string() + ".XXXXXX";
   int descriptor = mkstemp(temporary.data());
-  if (descriptor < 0) return reason("creating a temporary file", errno);
+  if (descriptor < 0) return Failure{reason("creating a temporary file", errno)};
 
   auto fail = [&](const char* step) {
     int error = errno;
     if (descriptor >= 0) ::close(descriptor);
     ::unlink(temporary.c_str());
-    return reason(step, error);
+    return Failure{reason(step, error)};
   };
   if (fchmod(descriptor, mode) != 0) return fail("setting permissions");
   if (!writeAll(descriptor, content)) return fail("writing");
@@ -57,7 +57,7 @@ std::optional<std::string> AtomicFile::write(const std::filesystem::path& path, 
     fsync(directory);
     ::close(directory);
   }
-  return std::nullopt;
+  return {};
 }
 
 std::optional<std::string> AtomicFile::read(const std::filesystem::path& path, std::string& error) {

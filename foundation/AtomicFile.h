@@ -1,5 +1,7 @@
 #pragma once
 
+#include "foundation/Result.h"
+
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -12,9 +14,8 @@ namespace lb {
 // crash, sees the old content or the new, never a mix.
 struct AtomicFile {
   // Writes a temporary file beside `path` with `mode`, flushes it to disk and
-  // renames it over `path`. Returns the reason on failure, with the old file
-  // left as it was.
-  static std::optional<std::string> write(const std::filesystem::path& path, std::string_view content,
+  // renames it over `path`. On failure the old file is left as it was.
+  static Result<> write(const std::filesystem::path& path, std::string_view content,
                                           mode_t mode);
 
   // The whole file, or nothing with `error` set.

@@ -104,8 +104,8 @@ void JsonSettingsStore::save(const SettingsValue::Dictionary& values) const {
                   directoryError.message() + ").");
     return;
   }
-  if (auto failure = AtomicFile::write(file_, SettingsJson::write(values), 0600)) {
-    PXR_LOG_ERROR("Could not save the settings to " + file_.string() + " (" + *failure +
+  if (auto written = AtomicFile::write(file_, SettingsJson::write(values), 0600); !written) {
+    PXR_LOG_ERROR("Could not save the settings to " + file_.string() + " (" + written.failure().reason +
                   "); the previous file is unchanged.");
   }
 }

@@ -1,13 +1,14 @@
 #pragma once
 
+#include "foundation/Result.h"
+
 namespace lb {
 
 // Starting the program when the user logs in.
 class LoginItems {
 public:
   virtual ~LoginItems() = default;
-  // Whether the system accepted the change.
-  virtual bool setEnabled(bool enabled) = 0;
+  virtual Result<> setEnabled(bool enabled) = 0;
 };
 
 } // namespace lb

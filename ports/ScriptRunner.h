@@ -1,5 +1,7 @@
 #pragma once
 
+#include "foundation/Result.h"
+
 #include <functional>
 #include <optional>
 #include <string>
@@ -17,9 +19,9 @@ public:
 
   virtual ~ScriptRunner() = default;
 
-  // Starts the file at `path`. The reason, if it could not be started; else
-  // `finished` is called once, on some other thread, when it ends.
-  virtual std::optional<std::string> start(const std::string& path, std::function<void(const Outcome&)> finished) = 0;
+  // Starts the file at `path`. Once started, `finished` is called once, on
+  // some other thread, when it ends.
+  virtual Result<> start(const std::string& path, std::function<void(const Outcome&)> finished) = 0;
 };
 
 } // namespace lb

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "foundation/Result.h"
 #include "foundation/SettingsValue.h"
 
 #include <optional>
@@ -20,8 +21,8 @@ public:
   virtual std::optional<std::string> location() const = 0;
   virtual std::string parentLocation() const = 0;
   virtual bool exists() const = 0;
-  // Creates it (owner only); the reason on failure.
-  virtual std::optional<std::string> create() = 0;
+  // Creates it (owner only).
+  virtual Result<> create() = 0;
   // Asks the user to choose `location`; true only if exactly that was chosen.
   virtual bool promptForAccess(const std::string& location, const std::string& message) = 0;
   // A grant that can be stored in the settings, and its use later.
@@ -33,10 +34,10 @@ public:
   // Files in the folder, by name.
   virtual std::optional<std::string> read(const std::string& fileName) const = 0;
   virtual bool fileExists(const std::string& fileName) const = 0;
-  // The reason on failure; removing a missing file is no failure.
-  virtual std::optional<std::string> remove(const std::string& fileName) = 0;
+  // Removing a missing file is no failure.
+  virtual Result<> remove(const std::string& fileName) = 0;
   // Replaces the file at once, executable by its owner only.
-  virtual std::optional<std::string> write(const std::string& fileName, const std::string& text) = 0;
+  virtual Result<> write(const std::string& fileName, const std::string& text) = 0;
 };
 
 } // namespace lb

@@ -8,10 +8,11 @@ namespace lb {
 
 class SimLoginItems final : public LoginItems {
 public:
-  bool setEnabled(bool wanted) override {
+  Result<> setEnabled(bool wanted) override {
     requests.push_back(wanted);
-    if (accepts) enabled = wanted;
-    return accepts;
+    if (!accepts) return Failure{"simulated refusal"};
+    enabled = wanted;
+    return {};
   }
 
   // The world's side.

@@ -14,10 +14,10 @@ public:
     std::function<void(const Outcome&)> finished;
   };
 
-  std::optional<std::string> start(const std::string& path, std::function<void(const Outcome&)> finished) override {
-    if (refusal) return refusal;
+  Result<> start(const std::string& path, std::function<void(const Outcome&)> finished) override {
+    if (refusal) return Failure{*refusal};
     runs.push_back({path, std::move(finished)});
-    return std::nullopt;
+    return {};
   }
 
   void finish(std::size_t index, Outcome outcome) { runs.at(index).finished(outcome); }

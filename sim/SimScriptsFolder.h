@@ -17,9 +17,9 @@ public:
   std::optional<std::string> location() const override { return folder; }
   std::string parentLocation() const override { return "/simulated"; }
   bool exists() const override { return folderExists; }
-  std::optional<std::string> create() override {
+  Result<> create() override {
     folderExists = true;
-    return std::nullopt;
+    return {};
   }
   bool promptForAccess(const std::string& location, const std::string&) override {
     prompts.push_back(location);
@@ -44,14 +44,14 @@ public:
     return found->second;
   }
   bool fileExists(const std::string& fileName) const override { return files.contains(fileName); }
-  std::optional<std::string> remove(const std::string& fileName) override {
+  Result<> remove(const std::string& fileName) override {
     files.erase(fileName);
-    return std::nullopt;
+    return {};
   }
-  std::optional<std::string> write(const std::string& fileName, const std::string& text) override {
+  Result<> write(const std::string& fileName, const std::string& text) override {
     files[fileName] = text;
     ++writes;
-    return std::nullopt;
+    return {};
   }
 
   // The world's side.

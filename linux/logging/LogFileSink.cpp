@@ -27,8 +27,8 @@ std::shared_ptr<LogFileSink> LogFileSink::open(const std::filesystem::path& path
       error = "reading " + path.string() + " to trim it: " + readError;
       return nullptr;
     }
-    if (auto failure = AtomicFile::write(path, PXRLogger::trimmedLog(*content), 0600)) {
-      error = "trimming " + path.string() + ": " + *failure;
+    if (auto written = AtomicFile::write(path, PXRLogger::trimmedLog(*content), 0600); !written) {
+      error = "trimming " + path.string() + ": " + written.failure().reason;
       return nullptr;
     }
   }

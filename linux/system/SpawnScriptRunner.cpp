@@ -21,7 +21,7 @@ ScriptRunner::Outcome SpawnScriptRunner::outcome(int status) {
   return {false, "ended with wait status " + std::to_string(status)};
 }
 
-std::optional<std::string> SpawnScriptRunner::start(const std::string& path,
+Result<> SpawnScriptRunner::start(const std::string& path,
                                                     std::function<void(const Outcome&)> finished) {
   posix_spawn_file_actions_t actions;
   posix_spawn_file_actions_init(&actions);
@@ -44,7 +44,7 @@ std::optional<std::string> SpawnScriptRunner::start(const std::string& path,
   int error = posix_spawn(&pid, path.c_str(), &actions, &attributes, arguments, environ);
   posix_spawn_file_actions_destroy(&actions);
   posix_spawnattr_destroy(&attributes);
-  if (error != 0) return std::strerror(error);
+  if (error != 0) return Failure{std::strerror(error)};
 
   std::thread([pid, finished = std::move(finished)] {
     int status = 0;
@@ -56,7 +56,7 @@ std::optional<std::string> SpawnScriptRunner::start(const std::string& path,
     }
     finished(outcome(status));
   }).detach();
-  return std::nullopt;
+  return {};
 }
 
 } // namespace lb

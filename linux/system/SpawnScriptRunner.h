@@ -11,7 +11,7 @@ namespace lb {
 // for its end; nothing waits for that thread, and no script is killed.
 class SpawnScriptRunner final : public ScriptRunner {
 public:
-  std::optional<std::string> start(const std::string& path, std::function<void(const Outcome&)> finished) override;
+  Result<> start(const std::string& path, std::function<void(const Outcome&)> finished) override;
 
   // "exited with status 3", "killed by signal 9"
   static Outcome outcome(int waitStatus);

@@ -34,15 +34,16 @@ std::string XdgAutostart::entry(const std::string& program) {
          "X-GNOME-Autostart-enabled=true\n";
 }
 
-bool XdgAutostart::setEnabled(bool enabled) {
+Result<> XdgAutostart::setEnabled(bool enabled) {
   std::error_code error;
   if (!enabled) {
     std::filesystem::remove(entryFile_, error);
-    return !error;
+    if (error) return Failure{"removing " + entryFile_.string() + ": " + error.message()};
+    return {};
   }
   std::filesystem::create_directories(entryFile_.parent_path(), error);
-  if (error) return false;
-  return !AtomicFile::write(entryFile_, entry(program_), 0644);
+  if (error) return Failure{"creating " + entryFile_.parent_path().string() + ": " + error.message()};
+  return AtomicFile::write(entryFile_, entry(program_), 0644);
 }
 
 } // namespace lb

@@ -16,7 +16,7 @@ public:
 
   static std::filesystem::path defaultEntryFile();
 
-  bool setEnabled(bool enabled) override;
+  Result<> setEnabled(bool enabled) override;
 
   // The entry's text for a program at `program`.
   static std::string entry(const std::string& program);

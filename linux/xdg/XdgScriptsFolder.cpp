@@ -14,12 +14,12 @@ bool XdgScriptsFolder::exists() const {
   return std::filesystem::is_directory(folder_, error);
 }
 
-std::optional<std::string> XdgScriptsFolder::create() {
+Result<> XdgScriptsFolder::create() {
   std::error_code error;
   std::filesystem::create_directories(folder_, error);
   if (!error) std::filesystem::permissions(folder_, std::filesystem::perms::owner_all, error);
-  if (error) return "creating " + folder_.string() + ": " + error.message();
-  return std::nullopt;
+  if (error) return Failure{"creating " + folder_.string() + ": " + error.message()};
+  return {};
 }
 
 std::optional<SettingsValue::Data> XdgScriptsFolder::bookmark(const std::string& location) {
@@ -48,14 +48,14 @@ bool XdgScriptsFolder::fileExists(const std::string& fileName) const {
   return std::filesystem::exists(folder_ / fileName, error);
 }
 
-std::optional<std::string> XdgScriptsFolder::remove(const std::string& fileName) {
+Result<> XdgScriptsFolder::remove(const std::string& fileName) {
   std::error_code error;
   std::filesystem::remove(folder_ / fileName, error);
-  if (error) return error.message();
-  return std::nullopt;
+  if (error) return Failure{error.message()};
+  return {};
 }
 
-std::optional<std::string> XdgScriptsFolder::write(const std::string& fileName, const std::string& text) {
+Result<> XdgScriptsFolder::write(const std::string& fileName, const std::string& text) {
   return AtomicFile::write(folder_ / fileName, text, 0700);
 }
 

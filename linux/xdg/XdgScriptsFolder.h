@@ -17,7 +17,7 @@ public:
   std::optional<std::string> location() const override { return folder_.string(); }
   std::string parentLocation() const override { return folder_.parent_path().string(); }
   bool exists() const override;
-  std::optional<std::string> create() override;
+  Result<> create() override;
   bool promptForAccess(const std::string&, const std::string&) override { return true; }
   std::optional<SettingsValue::Data> bookmark(const std::string& location) override;
   std::optional<std::string> resolveBookmark(const SettingsValue::Data& bookmark) override;
@@ -26,8 +26,8 @@ public:
 
   std::optional<std::string> read(const std::string& fileName) const override;
   bool fileExists(const std::string& fileName) const override;
-  std::optional<std::string> remove(const std::string& fileName) override;
-  std::optional<std::string> write(const std::string& fileName, const std::string& text) override;
+  Result<> remove(const std::string& fileName) override;
+  Result<> write(const std::string& fileName, const std::string& text) override;
 
 private:
   std::filesystem::path folder_;

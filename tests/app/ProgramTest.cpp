@@ -1,5 +1,6 @@
 #include "linux/battery/PropertyList.h"
 #include "tests/support/PrivateBus.h"
+#include "tests/support/RequireService.h"
 #include "tests/support/PulseServer.h"
 #include "tests/support/RunningProgram.h"
 
@@ -52,9 +53,10 @@ QString bluezPath(std::string address) {
 class ProgramTest : public ::testing::Test {
 protected:
   void SetUp() override {
-    if (!system.skipReason().empty() || !system.startBluez()) GTEST_SKIP() << system.skipReason();
-    if (!session.skipReason().empty()) GTEST_SKIP() << session.skipReason();
-    if (!pulse.skipReason().empty()) GTEST_SKIP() << pulse.skipReason();
+    if (system.skipReason().empty()) system.startBluez();
+    LB_REQUIRE_SERVICE(system.skipReason());
+    LB_REQUIRE_SERVICE(session.skipReason());
+    LB_REQUIRE_SERVICE(pulse.skipReason());
     system.bluez("/", "org.bluez.Mock", "AddAdapter", {"hci0", "my-computer"});
     for (auto [address, name, deviceClass] : {std::tuple{headsetAddress, "WH Headset", 0x240404},
                                               std::tuple{keyboardAddress, "K380 Keyboard", 0x002540},
@@ -238,7 +240,7 @@ TEST_F(ProgramTest, ThePrintModeAnswersFromBlueZAndUPower) {
 
 TEST(Demo, StartsWithItsDevices) {
   test::PrivateBus session(test::PrivateBus::Kind::session);
-  if (!session.skipReason().empty()) GTEST_SKIP() << session.skipReason();
+  LB_REQUIRE_SERVICE(session.skipReason());
   test::RunningProgram program(nullptr, session, "");
   ASSERT_TRUE(program.start({"--demo"}));
   auto list = program.ctl({"list", "--json"});

@@ -5,6 +5,7 @@
 #include "sim/InMemorySettingsStore.h"
 #include "sim/VirtualEventLoop.h"
 #include "tests/support/PrivateBus.h"
+#include "tests/support/RequireService.h"
 
 #include <QDBusObjectPath>
 #include <QDBusVariant>
@@ -28,7 +29,8 @@ QVariant variant(const QVariant& value) { return QVariant::fromValue(QDBusVarian
 class UPowerTest : public ::testing::Test {
 protected:
   void SetUp() override {
-    if (!bus.skipReason().empty() || !bus.startUPower()) GTEST_SKIP() << bus.skipReason();
+    if (bus.skipReason().empty()) bus.startUPower();
+    LB_REQUIRE_SERVICE(bus.skipReason());
     mousePath = addBattery("hid_f0_99_b6_11_22_33_battery", "MX Mouse", 55.7,
                            {{"NativePath", "hid-f0:99:b6:11:22:33-battery"}, {"Serial", "f0:99:b6:11:22:33"}});
     addBattery("BAT0", "Laptop", 90.0, {{"NativePath", "BAT0"}});

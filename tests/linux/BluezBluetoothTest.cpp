@@ -5,6 +5,7 @@
 #include "linux/system/QtEventLoop.h"
 #include "sim/SimulatedPlatform.h"
 #include "tests/support/CapturedLog.h"
+#include "tests/support/RequireService.h"
 #include "tests/support/PrivateBus.h"
 
 #include <gtest/gtest.h>
@@ -27,7 +28,8 @@ const QString mousePath = "/org/bluez/hci0/dev_F0_99_B6_11_22_33";
 class BluezTest : public ::testing::Test {
 protected:
   void SetUp() override {
-    if (!bus.skipReason().empty() || !bus.startBluez()) GTEST_SKIP() << bus.skipReason();
+    if (bus.skipReason().empty()) bus.startBluez();
+    LB_REQUIRE_SERVICE(bus.skipReason());
     populate();
     connection = std::make_unique<QDBusConnection>(bus.connect("lanternbud"));
     bluetooth = std::make_unique<BluezBluetooth>(*connection);

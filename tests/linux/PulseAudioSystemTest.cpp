@@ -3,6 +3,7 @@
 #include "sim/InMemorySettingsStore.h"
 #include "sim/VirtualEventLoop.h"
 #include "tests/support/CapturedLog.h"
+#include "tests/support/RequireService.h"
 #include "tests/support/PulseServer.h"
 
 #include <gtest/gtest.h>
@@ -16,7 +17,7 @@ constexpr const char* headsetAddress = "00:11:22:33:44:55";
 class PulseAudioTest : public ::testing::Test {
 protected:
   void SetUp() override {
-    if (!pulse.skipReason().empty()) GTEST_SKIP() << pulse.skipReason();
+    LB_REQUIRE_SERVICE(pulse.skipReason());
     headsetModule = pulse.loadBluetoothSink("headset", headsetAddress, "WH Headset");
     pulse.loadBluetoothSource("headset_mic", "headset", headsetAddress, "WH Microphone");
     audio = std::make_unique<PulseAudioSystem>(pulse.server());

@@ -44,7 +44,7 @@ PrivateBus::PrivateBus(Kind kind) {
   daemon_ = std::make_unique<QProcess>();
   daemon_->setStandardErrorFile(QProcess::nullDevice()); // it complains of fd limits it may not raise
   daemon_->start("/usr/bin/dbus-daemon", {"--config-file=" + QString::fromStdString((folder_ / "bus.conf").string()), "--nofork"});
-  if (!daemon_->waitForStarted(5000) || !waitUntil([&] { return std::filesystem::exists(socket); }, 10)) {
+  if (!daemon_->waitForStarted(5000) || !waitUntil([&] { return std::filesystem::exists(socket); }, 30)) {
     skipReason_ = "dbus-daemon did not start";
     return;
   }
@@ -85,7 +85,7 @@ std::unique_ptr<QProcess> PrivateBus::startModel(const QStringList& template_, c
   // Debian's python3 with its dbusmock, whatever python3 comes first on PATH.
   model->start("/usr/bin/python3", QStringList{"-m", "dbusmock", "--system", "--template"} + template_);
   if (!model->waitForStarted(5000) ||
-      !waitUntil([&] { return control_->interface()->isServiceRegistered(service).value(); }, 15)) {
+      !waitUntil([&] { return control_->interface()->isServiceRegistered(service).value(); }, 30)) {
     skipReason_ = "python3-dbusmock's " + what + " model did not start";
     return nullptr;
   }

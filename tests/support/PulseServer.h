@@ -53,7 +53,7 @@ public:
                           "--log-target=file:'" + home + "/server.log'";
     const char* arguments[] = {"/bin/sh", "-c", command.c_str(), nullptr};
     if (posix_spawn(&pid_, "/bin/sh", nullptr, nullptr, const_cast<char**>(arguments), environ) != 0 ||
-        !eventually([&] { return pactl("info").find("Server Name") != std::string::npos; }, 10)) {
+        !eventually([&] { return pactl("info").find("Server Name") != std::string::npos; }, 30)) {
       skipReason_ = "the PulseAudio server did not start; see " + home + "/server.log";
     }
   }
