@@ -10,7 +10,7 @@ namespace lb {
 class AudioHardware {
 public:
   AudioHardware(AudioSystem& system, const Clock& clock)
-      : system_(system), deviceNamesCache_(clock, 1000, 300), deviceUIDsCache_(clock, 1000, 300) {}
+      : system_(system), deviceNamesCache_(clock, 1000, Seconds(300)), deviceUIDsCache_(clock, 1000, Seconds(300)) {}
 
   std::optional<std::string> pxrAudioDeviceName(AudioDeviceID id) const;
   std::optional<std::string> pxrAudioDeviceUID(AudioDeviceID id) const;

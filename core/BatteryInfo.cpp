@@ -71,7 +71,7 @@ bool BatteryInfo::shouldUseHelper() const {
   if (!tunables_(tunable::BatteryInfoUseHelper)) return false;
   // Not in the first minutes of a run: the sources of the program itself
   // answer those.
-  return tunables_(tunable::BatteryInfoStalenessInterval) < secondsBetween(launch_, clock_.now());
+  return tunables_(tunable::BatteryInfoStalenessInterval) < timeBetween(launch_, clock_.now());
 }
 
 BatteryInfo::Dictionary BatteryInfo::helperInfo(const BluetoothDevice& device) {

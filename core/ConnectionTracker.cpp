@@ -7,6 +7,8 @@
 
 namespace lb {
 
+using namespace std::chrono_literals;
+
 namespace {
 std::string describe(const std::optional<bool>& value) { return pxrDescribe(value); }
 } // namespace
@@ -37,7 +39,7 @@ void ConnectionTracker::registerNotifications() {
 
 void ConnectionTracker::deviceConnected(const BluetoothNotification& notification) {
   PXR_LOG(notificationsLog(), "Device connected:", owner_.description(), owner_.outputFixer().state());
-  loop_.postAfter(0.1, updateLater(ConnectionUpdateReason::connectedNotification(notification)));
+  loop_.postAfter(100ms, updateLater(ConnectionUpdateReason::connectedNotification(notification)));
 }
 
 void ConnectionTracker::deviceDisconnected(const BluetoothNotification& notification, std::shared_ptr<BluetoothDevice> gone) {
@@ -180,7 +182,7 @@ void ConnectionTracker::reactToSettingAudioOutput() {
   if (!tunables_(tunable::RunConnectionScriptWhenSettingAudioOutput)) return;
   const auto now = loop_.now();
   if (lastConnectionScriptRun_ &&
-      std::abs(secondsBetween(*lastConnectionScriptRun_, now)) < tunables_(tunable::ConnectionScriptInterval)) {
+      std::chrono::abs(timeBetween(*lastConnectionScriptRun_, now)) < tunables_(tunable::ConnectionScriptInterval)) {
     PXR_LOG(scriptLog(), "Skipping connect script because audio output set because just ran:", owner_.description());
     return;
   }

@@ -4,6 +4,8 @@
 
 namespace lb {
 
+using namespace std::chrono_literals;
+
 namespace {
 
 std::optional<std::string> addressOf(const std::shared_ptr<BluetoothDevice>& device) {
@@ -48,7 +50,7 @@ DeviceSettingManager::DeviceSettingManager(Services& services)
       [this](const BluetoothNotification& notification, std::shared_ptr<BluetoothDevice> device) {
         deviceConnected(notification, std::move(device));
       });
-  statusTimer_ = std::make_unique<PXRTimer>(10.0, true, [this] { updateItemIcon(); });
+  statusTimer_ = std::make_unique<PXRTimer>(10s, true, [this] { updateItemIcon(); });
   statusTimer_->schedule(services_.loop);
 }
 
@@ -139,7 +141,7 @@ void DeviceSettingManager::updateItemIcon() {
 void DeviceSettingManager::showLandingPopover(DeviceSetting& setting) {
   if (!firstLaunch_) return;
   firstLaunch_ = false;
-  services_.loop.postAfter(0.5, [&windows = services_.windows, weak = setting.weak_from_this()] {
+  services_.loop.postAfter(500ms, [&windows = services_.windows, weak = setting.weak_from_this()] {
     auto owner = weak.lock();
     if (owner && owner->statusItem()) windows.showLandingPopover(*owner->statusItem());
   });

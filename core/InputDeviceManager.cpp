@@ -40,9 +40,11 @@ void InputDeviceManager::restoreLast() {
     return "Will try to restore audio input device " + last->description() + " from current " +
            (now ? "Optional(" + now->description() + ")" : std::string("nil"));
   });
-  const double finalDelay = tunables_(tunable::InputDeviceManagerFinalRestorationDelay);
-  const std::pair<double, std::string> attempts[] = {
-      {0, ""}, {2, " after 2 seconds"}, {5, " after 5 seconds"}, {finalDelay, " after " + pxrDescribe(finalDelay) + " seconds"}};
+  const auto finalDelay = tunables_(tunable::InputDeviceManagerFinalRestorationDelay);
+  const std::pair<Seconds, std::string> attempts[] = {{Seconds(0), ""},
+                                                      {Seconds(2), " after 2 seconds"},
+                                                      {Seconds(5), " after 5 seconds"},
+                                                      {finalDelay, " after " + pxrDescribe(finalDelay.count()) + " seconds"}};
   for (const auto& [delay, when] : attempts) {
     loop_.postAfter(delay, [this, device = *last, when] {
       try {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/UserDefaults.h"
+#include "foundation/Clock.h"
 
 #include <cstdint>
 #include <map>
@@ -35,10 +36,10 @@ constexpr auto once = TunableRead::oncePerProcess;
 constexpr auto each = TunableRead::eachUse;
 
 inline const Tunable<bool> ConnectionUpdateUseTimer{"ConnectionUpdateUseTimer", true, each};
-inline const Tunable<double> ConnectionUpdateTimerInterval{"ConnectionUpdateTimerInterval", 1.0, once};
-inline const Tunable<double> ConnectionUpdateFastTimerInterval{"ConnectionUpdateFastTimerInterval", 0.1, once};
-inline const Tunable<double> ConnectionUpdateFastTimerDuration{"ConnectionUpdateFastTimerDuration", 10.0, once};
-inline const Tunable<double> ConnectionWaitInterval{"ConnectionWaitInterval", 1.0, once};
+inline const Tunable<Seconds> ConnectionUpdateTimerInterval{"ConnectionUpdateTimerInterval", Seconds(1.0), once};
+inline const Tunable<Seconds> ConnectionUpdateFastTimerInterval{"ConnectionUpdateFastTimerInterval", Seconds(0.1), once};
+inline const Tunable<Seconds> ConnectionUpdateFastTimerDuration{"ConnectionUpdateFastTimerDuration", Seconds(10.0), once};
+inline const Tunable<Seconds> ConnectionWaitInterval{"ConnectionWaitInterval", Seconds(1.0), once};
 inline const Tunable<bool> TrySyncConnectFirst{"TrySyncConnectFirst", true, each};
 inline const Tunable<bool> DeviceSettingDisableDisconnectObservation{"DeviceSettingDisableDisconnectObservation", false, each};
 inline const Tunable<bool> EnableAudioOutput{"EnableAudioOutput", true, once};
@@ -46,24 +47,24 @@ inline const Tunable<bool> EnableAutoSettingAudioOutput{"EnableAutoSettingAudioO
 inline const Tunable<bool> RememberAudioInputWhenSettingAudioOutput{"RememberAudioInputWhenSettingAudioOutput", true, once};
 inline const Tunable<bool> FixAudioInputWhenSettingAudioOutput{"FixAudioInputWhenSettingAudioOutput", true, once};
 inline const Tunable<bool> RunConnectionScriptWhenSettingAudioOutput{"RunConnectionScriptWhenSettingAudioOutput", true, once};
-inline const Tunable<double> ConnectionScriptInterval{"ConnectionScriptInterval", 4.0, once};
+inline const Tunable<Seconds> ConnectionScriptInterval{"ConnectionScriptInterval", Seconds(4.0), once};
 inline const Tunable<bool> OnlySetOutputDeviceIfNecessary{"OnlySetOutputDeviceIfNecessary", false, each};
 inline const Tunable<bool> OnlySetInputDeviceIfNecessary{"OnlySetInputDeviceIfNecessary", true, each};
-inline const Tunable<double> InputDeviceManagerTimerInterval{"InputDeviceManagerTimerInterval", 10.0, each};
+inline const Tunable<Seconds> InputDeviceManagerTimerInterval{"InputDeviceManagerTimerInterval", Seconds(10.0), each};
 inline const Tunable<bool> InputDeviceManagerPeriodicUpdates{"InputDeviceManagerPeriodicUpdates", true, each};
-inline const Tunable<double> InputDeviceManagerFinalRestorationDelay{"InputDeviceManagerFinalRestorationDelay", 12.0, each};
+inline const Tunable<Seconds> InputDeviceManagerFinalRestorationDelay{"InputDeviceManagerFinalRestorationDelay", Seconds(12.0), each};
 inline const Tunable<bool> WorkAroundMissingAudioDevice{"WorkAroundMissingAudioDevice", true, once};
 inline const Tunable<std::int64_t> MissingAudioDeviceTries{"MissingAudioDeviceTries", 5, once};
-inline const Tunable<double> MissingAudioDeviceDisconnectionDelay{"MissingAudioDeviceDisconnectionDelay", 1.0, once};
+inline const Tunable<Seconds> MissingAudioDeviceDisconnectionDelay{"MissingAudioDeviceDisconnectionDelay", Seconds(1.0), once};
 inline const Tunable<bool> ChangeIconWhileFixingAudioOutput{"ChangeIconWhileFixingAudioOutput", false, each};
 inline const Tunable<double> NotAudioOutputFraction{"NotAudioOutputFraction", 0.25, once};
 // The default is the tray's icon size plus 5, which only the tray knows: the
 // read passes it in.
 inline const Tunable<double> StatusItemLength{"StatusItemLength", 0.0, once};
-inline const Tunable<double> DeviceInfoStalenessInterval{"DeviceInfoStalenessInterval", 60.0, once};
+inline const Tunable<Seconds> DeviceInfoStalenessInterval{"DeviceInfoStalenessInterval", Seconds(60.0), once};
 inline const Tunable<bool> DisableMontereyBatteryInfo{"DisableMontereyBatteryInfo", false, each};
 inline const Tunable<bool> BatteryInfoUseHelper{"BatteryInfoUseHelper", true, TunableRead::registered};
-inline const Tunable<double> BatteryInfoStalenessInterval{"BatteryInfoStalenessInterval", 600.0, TunableRead::registered};
+inline const Tunable<Seconds> BatteryInfoStalenessInterval{"BatteryInfoStalenessInterval", Seconds(600.0), TunableRead::registered};
 inline const Tunable<bool> BatteryInfoDisableRegistry{"BatteryInfoDisableRegistry", false, each};
 // On Linux the battery registry is UPower, whose devices all carry this name.
 inline const Tunable<Names> BatteryInfoRegistryIncludedNames{"BatteryInfoRegistryIncludedNames", {"org.freedesktop.UPower.Device"}, each};
@@ -96,11 +97,13 @@ public:
   }
 
 private:
-  using Value = std::variant<bool, std::int64_t, double, std::string, tunable::Names>;
+  using Value = std::variant<bool, std::int64_t, double, Seconds, std::string, tunable::Names>;
 
   bool read(std::string_view key, bool fallback) const;
   std::int64_t read(std::string_view key, std::int64_t fallback) const;
   double read(std::string_view key, double fallback) const;
+  // Durations are stored as numbers of seconds.
+  Seconds read(std::string_view key, Seconds fallback) const { return Seconds(read(key, fallback.count())); }
   std::string read(std::string_view key, const std::string& fallback) const;
   tunable::Names read(std::string_view key, const tunable::Names& fallback) const;
 

@@ -18,12 +18,12 @@ struct CachedValue {
   bool isCurrent() const { return state == State::current; }
 };
 
-// A count-limited cache whose entries expire `stalenessInterval` seconds
-// after they were stored. Expiry removes nothing; it only changes the answer.
+// A count-limited cache whose entries expire `stalenessInterval` after they
+// were stored. Expiry removes nothing; it only changes the answer.
 template <class Key, class Value, class Hash = std::hash<Key>>
 class PXRDatedCache {
 public:
-  PXRDatedCache(const Clock& clock, int countLimit, double stalenessInterval)
+  PXRDatedCache(const Clock& clock, int countLimit, Seconds stalenessInterval)
       : clock_(clock), cache_(countLimit), stalenessInterval_(stalenessInterval) {}
   virtual ~PXRDatedCache() = default;
 
@@ -35,7 +35,7 @@ public:
   std::optional<CachedValue<Value>> cachedValue(const Key& key) const {
     auto dated = cache_.value(key);
     if (!dated) return std::nullopt;
-    double age = std::abs(secondsBetween(dated->date, clock_.now()));
+    auto age = std::chrono::abs(timeBetween(dated->date, clock_.now()));
     auto state = age < stalenessInterval_ ? CachedValue<Value>::State::current
                                           : CachedValue<Value>::State::expired;
     return CachedValue<Value>{state, std::move(dated->value)};
@@ -56,7 +56,7 @@ public:
   void remove(const Key& key) { cache_.remove(key); }
   void removeAll() { cache_.removeAll(); }
 
-  double stalenessInterval() const { return stalenessInterval_; }
+  Seconds stalenessInterval() const { return stalenessInterval_; }
 
 private:
   struct DatedValue {
@@ -66,7 +66,7 @@ private:
 
   const Clock& clock_;
   PXRCache<Key, DatedValue, Hash> cache_;
-  const double stalenessInterval_;
+  const Seconds stalenessInterval_;
 };
 
 } // namespace lb

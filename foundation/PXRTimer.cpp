@@ -16,7 +16,7 @@ struct PXRTimer::Target {
   }
 };
 
-PXRTimer::PXRTimer(double interval, bool repeats, std::function<void()> block)
+PXRTimer::PXRTimer(Seconds interval, bool repeats, std::function<void()> block)
     : interval_(interval), repeats_(repeats), block_(std::move(block)) {}
 
 PXRTimer::~PXRTimer() {

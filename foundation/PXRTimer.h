@@ -7,12 +7,12 @@
 
 namespace lb {
 
-// A block run every `interval` seconds (or once) on the main thread. Letting
+// A block run every `interval` (or once) on the main thread. Letting
 // go of the timer stops it: owners replace a timer by storing a new one. The
 // block should hold its owner weakly and do nothing when the owner is gone.
 class PXRTimer {
 public:
-  PXRTimer(double interval, bool repeats, std::function<void()> block);
+  PXRTimer(Seconds interval, bool repeats, std::function<void()> block);
   ~PXRTimer();
 
   PXRTimer(const PXRTimer&) = delete;
@@ -25,13 +25,13 @@ public:
   // Stops the timer for good; does nothing if it was never scheduled.
   void invalidate();
 
-  double interval() const { return interval_; }
+  Seconds interval() const { return interval_; }
   bool repeats() const { return repeats_; }
 
 private:
   struct Target;
 
-  double interval_;
+  Seconds interval_;
   bool repeats_;
   std::function<void()> block_;
   bool scheduled_ = false;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "foundation/Clock.h"
+
 #include <functional>
 #include <memory>
 
@@ -18,9 +20,9 @@ class TimerScheduler {
 public:
   virtual ~TimerScheduler() = default;
 
-  // `tick` runs on the main thread every `interval` seconds (or once), give
-  // or take `tolerance`, until the returned handle is invalidated or gone.
-  virtual std::unique_ptr<ScheduledTimer> scheduleTimer(double interval, double tolerance,
+  // `tick` runs on the main thread every `interval` (or once), give or take
+  // `tolerance`, until the returned handle is invalidated or gone.
+  virtual std::unique_ptr<ScheduledTimer> scheduleTimer(Seconds interval, Seconds tolerance,
                                                         bool repeats,
                                                         std::function<void()> tick) = 0;
 };

@@ -21,14 +21,14 @@ public:
   // Safe to call from any thread.
   virtual void post(Task task) = 0;
 
-  // Runs `task` on the main thread `delay` seconds from now.
-  virtual void postAfter(double delay, Task task) = 0;
+  // Runs `task` on the main thread `delay` from now.
+  virtual void postAfter(Seconds delay, Task task) = 0;
 
   // Runs `work` on a worker thread.
   virtual void runOnWorker(Task work) = 0;
 
-  // Blocks the calling worker thread for `seconds`. Only for worker threads.
-  virtual void sleepOnWorker(double seconds) = 0;
+  // Blocks the calling worker thread for `duration`. Only for worker threads.
+  virtual void sleepOnWorker(Seconds duration) = 0;
 
   // Runs `work` on a worker thread and then `completion` with its result on
   // the main thread.

@@ -6,7 +6,7 @@ namespace lb::sim {
 
 SimBehaviour succeedsAfter(double seconds) {
   return [seconds](SimCallContext& call) {
-    call.loop.sleepOnWorker(seconds);
+    call.loop.sleepOnWorker(Seconds(seconds));
     call.world.setConnected(call.address, true);
     return IOReturn::success();
   };
@@ -14,7 +14,7 @@ SimBehaviour succeedsAfter(double seconds) {
 
 SimBehaviour disconnectsAfter(double seconds) {
   return [seconds](SimCallContext& call) {
-    call.loop.sleepOnWorker(seconds);
+    call.loop.sleepOnWorker(Seconds(seconds));
     call.world.setConnected(call.address, false);
     return IOReturn::success();
   };
@@ -22,22 +22,22 @@ SimBehaviour disconnectsAfter(double seconds) {
 
 SimBehaviour failsAfter(IOReturn result, double seconds) {
   return [result, seconds](SimCallContext& call) {
-    call.loop.sleepOnWorker(seconds);
+    call.loop.sleepOnWorker(Seconds(seconds));
     return result;
   };
 }
 
 SimBehaviour pageTimesOut() {
   return [](SimCallContext& call) {
-    call.loop.sleepOnWorker(call.pageTimeout.value_or(8192) * 0.000625);
+    call.loop.sleepOnWorker(Seconds(call.pageTimeout.value_or(8192) * 0.000625));
     return pageTimeoutResult();
   };
 }
 
 SimBehaviour connectsLateAfter(IOReturn timeout, double seconds, double lateBy) {
   return [timeout, seconds, lateBy](SimCallContext& call) {
-    call.loop.sleepOnWorker(seconds);
-    call.loop.postAfter(lateBy, [&world = call.world, address = call.address] { world.setConnected(address, true); });
+    call.loop.sleepOnWorker(Seconds(seconds));
+    call.loop.postAfter(Seconds(lateBy), [&world = call.world, address = call.address] { world.setConnected(address, true); });
     return timeout;
   };
 }

@@ -7,7 +7,7 @@ SimHeadsetAudio::SimHeadsetAudio(SimBluetoothWorld& world, SimAudioSystem& audio
     : options(chosen), audio_(audio), loop_(loop), address_(std::move(address)), name_(std::move(name)) {
   registrations_.push_back(world.subscribe(address_, true, [this](const BluetoothNotification&, auto) {
     if (options.delay <= 0) return appear(); // with the connection itself
-    loop_.postAfter(options.delay, [this, expected = *generation_, weak = std::weak_ptr<int>(generation_)] {
+    loop_.postAfter(Seconds(options.delay), [this, expected = *generation_, weak = std::weak_ptr<int>(generation_)] {
       if (auto generation = weak.lock(); generation && *generation == expected) appear();
     });
   }));

@@ -67,14 +67,14 @@ void VirtualEventLoop::enqueue(Date when, Task task) {
 
 void VirtualEventLoop::post(Task task) { enqueue(now(), std::move(task)); }
 
-void VirtualEventLoop::postAfter(double delay, Task task) {
-  enqueue(dateAdding(now(), std::max(delay, 0.0)), std::move(task));
+void VirtualEventLoop::postAfter(Seconds delay, Task task) {
+  enqueue(dateAdding(now(), std::max(delay, Seconds::zero())), std::move(task));
 }
 
-std::unique_ptr<ScheduledTimer> VirtualEventLoop::scheduleTimer(double interval, double tolerance,
+std::unique_ptr<ScheduledTimer> VirtualEventLoop::scheduleTimer(Seconds interval, Seconds tolerance,
                                                                 bool repeats,
                                                                 std::function<void()> tick) {
-  PXR_PRECONDITION(interval > 0, "a timer needs a positive interval");
+  PXR_PRECONDITION(interval > Seconds::zero(), "a timer needs a positive interval");
   auto timer = std::make_shared<Timer>(Timer{{interval, tolerance, repeats}, std::move(tick)});
   std::erase_if(timers_, [](const auto& weak) { return weak.expired(); });
   timers_.push_back(timer);
@@ -156,11 +156,11 @@ void VirtualEventLoop::resume(Worker& worker) {
   if (failure) std::rethrow_exception(failure);
 }
 
-void VirtualEventLoop::sleepOnWorker(double seconds) {
+void VirtualEventLoop::sleepOnWorker(Seconds duration) {
   Worker* worker = currentWorker_;
   PXR_PRECONDITION(worker != nullptr, "sleepOnWorker is only for worker threads");
   std::unique_lock lock(mutex_);
-  events_.emplace(Key{dateAdding(now_, std::max(seconds, 0.0)), sequence_++},
+  events_.emplace(Key{dateAdding(now_, std::max(duration, Seconds::zero())), sequence_++},
                   [this, worker] { resume(*worker); });
   worker->mayRun = false;
   worker->yielded = true;
@@ -171,7 +171,7 @@ void VirtualEventLoop::sleepOnWorker(double seconds) {
 
 void VirtualEventLoop::advance(double seconds) {
   PXR_PRECONDITION(currentWorker_ == nullptr, "advance runs on the main thread");
-  const Date target = dateAdding(now(), std::max(seconds, 0.0));
+  const Date target = dateAdding(now(), Seconds(std::max(seconds, 0.0)));
   for (;;) {
     Task task;
     {

@@ -27,8 +27,8 @@ namespace lb {
 class VirtualEventLoop final : public EventLoop {
 public:
   struct TimerInfo {
-    double interval;
-    double tolerance;
+    Seconds interval;
+    Seconds tolerance;
     bool repeats;
   };
 
@@ -43,13 +43,14 @@ public:
 
   Date now() const override;
   void post(Task task) override;
-  void postAfter(double delay, Task task) override;
-  std::unique_ptr<ScheduledTimer> scheduleTimer(double interval, double tolerance, bool repeats,
+  void postAfter(Seconds delay, Task task) override;
+  std::unique_ptr<ScheduledTimer> scheduleTimer(Seconds interval, Seconds tolerance, bool repeats,
                                                 std::function<void()> tick) override;
   void runOnWorker(Task work) override;
-  void sleepOnWorker(double seconds) override;
+  void sleepOnWorker(Seconds duration) override;
 
-  // Moves the clock forward, running everything that falls due on the way.
+  // Moves the clock forward by `seconds`, running everything that falls due
+  // on the way. A plain number keeps tests short.
   void advance(double seconds);
   // Runs what is due now, and what that posts for now.
   void runDue() { advance(0); }

@@ -25,7 +25,7 @@ private:
   QPointer<QTimer> timer_;
 };
 
-int milliseconds(double seconds) { return static_cast<int>(std::max(seconds, 0.0) * 1000.0 + 0.5); }
+int milliseconds(Seconds duration) { return static_cast<int>(std::max(duration.count(), 0.0) * 1000.0 + 0.5); }
 
 } // namespace
 
@@ -40,12 +40,12 @@ void QtEventLoop::post(Task task) {
   QMetaObject::invokeMethod(&context_, std::move(task), Qt::QueuedConnection);
 }
 
-void QtEventLoop::postAfter(double delay, Task task) {
+void QtEventLoop::postAfter(Seconds delay, Task task) {
   // A timer starts on the thread that owns its context; hop there first.
   post([this, delay, task = std::move(task)]() mutable { QTimer::singleShot(milliseconds(delay), &context_, std::move(task)); });
 }
 
-std::unique_ptr<ScheduledTimer> QtEventLoop::scheduleTimer(double interval, double tolerance, bool repeats,
+std::unique_ptr<ScheduledTimer> QtEventLoop::scheduleTimer(Seconds interval, Seconds tolerance, bool repeats,
                                                            std::function<void()> tick) {
   auto* timer = new QTimer(&context_);
   timer->setInterval(milliseconds(interval));
@@ -60,8 +60,8 @@ std::unique_ptr<ScheduledTimer> QtEventLoop::scheduleTimer(double interval, doub
 
 void QtEventLoop::runOnWorker(Task work) { workers_.start(std::move(work)); }
 
-void QtEventLoop::sleepOnWorker(double seconds) {
-  std::this_thread::sleep_for(std::chrono::duration<double>(std::max(seconds, 0.0)));
+void QtEventLoop::sleepOnWorker(Seconds duration) {
+  std::this_thread::sleep_for(std::max(duration, Seconds::zero()));
 }
 
 } // namespace lb

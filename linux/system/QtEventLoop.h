@@ -17,11 +17,11 @@ public:
 
   Date now() const override { return std::chrono::system_clock::now(); }
   void post(Task task) override;
-  void postAfter(double delay, Task task) override;
-  std::unique_ptr<ScheduledTimer> scheduleTimer(double interval, double tolerance, bool repeats,
+  void postAfter(Seconds delay, Task task) override;
+  std::unique_ptr<ScheduledTimer> scheduleTimer(Seconds interval, Seconds tolerance, bool repeats,
                                                 std::function<void()> tick) override;
   void runOnWorker(Task work) override;
-  void sleepOnWorker(double seconds) override;
+  void sleepOnWorker(Seconds duration) override;
 
 private:
   QObject context_;

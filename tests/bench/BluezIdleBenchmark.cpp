@@ -52,6 +52,6 @@ int main(int argc, char** argv) {
   for (const auto& setting : settings) updates += setting->isConnected().has_value();
   std::printf("10 paired devices, state tracking every %.1f s for %.0f s (%d devices followed): "
               "%d D-Bus messages sent by Lanternbud (target 0)\n",
-              sim.tunables(tunable::ConnectionUpdateTimerInterval), seconds, updates, sent.count());
+              sim.tunables(tunable::ConnectionUpdateTimerInterval).count(), seconds, updates, sent.count());
   return 0;
 }

@@ -109,7 +109,7 @@ TEST_F(DeviceSettingTest, TheSlowTimerFollowsItsTunables) {
   auto before = slow.loop.activeTimers().size();
   auto setting = DeviceSetting::make(slow.services, {{"device", "aa"}});
   ASSERT_EQ(slow.loop.activeTimers().size(), before + 1);
-  EXPECT_DOUBLE_EQ(slow.loop.activeTimers().back().interval, 5.0);
+  EXPECT_DOUBLE_EQ(slow.loop.activeTimers().back().interval.count(), 5.0);
   std::weak_ptr<DeviceSetting> watch = setting;
   setting.reset();
   EXPECT_TRUE(watch.expired()); // the timer holds it weakly

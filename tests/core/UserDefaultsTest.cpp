@@ -59,16 +59,16 @@ TEST(Tunables, ReadOnceKeysKeepTheirFirstValueAndOthersFollowTheSettings) {
   InMemorySettingsStore store;
   UserDefaults defaults(store);
   Tunables tunables(defaults);
-  EXPECT_DOUBLE_EQ(tunables(tunable::ConnectionWaitInterval), 1.0);
+  EXPECT_DOUBLE_EQ(tunables(tunable::ConnectionWaitInterval).count(), 1.0);
   EXPECT_TRUE(tunables(tunable::TrySyncConnectFirst));
 
   defaults.setValue("ConnectionWaitInterval", 5.0);
   defaults.setValue("TrySyncConnectFirst", false);
-  EXPECT_DOUBLE_EQ(tunables(tunable::ConnectionWaitInterval), 1.0); // until the next start
+  EXPECT_DOUBLE_EQ(tunables(tunable::ConnectionWaitInterval).count(), 1.0); // until the next start
   EXPECT_FALSE(tunables(tunable::TrySyncConnectFirst));             // read at each attempt
 
   Tunables nextStart(defaults);
-  EXPECT_DOUBLE_EQ(nextStart(tunable::ConnectionWaitInterval), 5.0);
+  EXPECT_DOUBLE_EQ(nextStart(tunable::ConnectionWaitInterval).count(), 5.0);
 }
 
 TEST(Tunables, DefaultsComeFromTheTableTheRegistrationOrTheCaller) {

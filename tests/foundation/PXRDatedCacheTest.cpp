@@ -14,7 +14,7 @@ using Map = std::map<std::string, int>;
 
 TEST(PXRDatedCache, AnEntryExpiresWhenItsAgeReachesTheInterval) {
   VirtualEventLoop loop;
-  PXRExpiringCache<int, std::string> cache(loop, 10, 300);
+  PXRExpiringCache<int, std::string> cache(loop, 10, Seconds(300));
   cache.setValue(1, "Speakers");
   loop.advance(299);
   EXPECT_EQ(cache.value(1), "Speakers");
@@ -25,7 +25,7 @@ TEST(PXRDatedCache, AnEntryExpiresWhenItsAgeReachesTheInterval) {
   EXPECT_FALSE(cached->isCurrent());
   EXPECT_EQ(cached->value, "Speakers");
 
-  PXRExpiringCache<int, int> instant(loop, 10, 0);
+  PXRExpiringCache<int, int> instant(loop, 10, Seconds(0));
   instant.setValue(1, 1);
   EXPECT_FALSE(instant.value(1));
 }
@@ -35,17 +35,17 @@ TEST(PXRDatedCache, AnEntryDatedInTheFutureAgesToo) {
     Date date = VirtualEventLoop::defaultStart();
     Date now() const override { return date; }
   } clock;
-  PXRExpiringCache<int, int> cache(clock, 10, 300);
+  PXRExpiringCache<int, int> cache(clock, 10, Seconds(300));
   cache.setValue(1, 42);
-  clock.date = dateAdding(clock.date, -299); // the system clock was set back
+  clock.date = dateAdding(clock.date, Seconds(-299)); // the system clock was set back
   EXPECT_EQ(cache.value(1), 42);
-  clock.date = dateAdding(clock.date, -101);
+  clock.date = dateAdding(clock.date, Seconds(-101));
   EXPECT_FALSE(cache.value(1));
 }
 
 TEST(PXRExpiringCache, FillRunsOnlyWhenTheValueIsNotCurrent) {
   VirtualEventLoop loop;
-  PXRExpiringCache<int, std::string> cache(loop, 10, 60);
+  PXRExpiringCache<int, std::string> cache(loop, 10, Seconds(60));
   int runs = 0;
   auto fetch = [&] { return "name " + std::to_string(++runs); };
   EXPECT_EQ(cache.fill(7, fetch), "name 1");
@@ -65,7 +65,7 @@ TEST(PXRExpiringCache, FillRunsOnlyWhenTheValueIsNotCurrent) {
 
 TEST(PXRExpiringCache, FillAllEmptiesTheCacheBeforeItsBlockRuns) {
   VirtualEventLoop loop;
-  PXRExpiringCache<std::string, int> cache(loop, 10, 60);
+  PXRExpiringCache<std::string, int> cache(loop, 10, Seconds(60));
   cache.setValue("other", 1);
   auto found = cache.fillAll("wanted", [&] { cache.setValue("wanted", 2); });
   EXPECT_EQ(found, 2);
@@ -76,7 +76,7 @@ TEST(PXRExpiringCache, FillAllEmptiesTheCacheBeforeItsBlockRuns) {
 TEST(PXRRefreshingCache, AFailedRefreshServesTheExpiredValueAndLogs) {
   test::CapturedLog log;
   VirtualEventLoop loop;
-  PXRRefreshingCache<int, int> cache(loop, 10, 60);
+  PXRRefreshingCache<int, int> cache(loop, 10, Seconds(60));
   auto failing = []() -> int { throw std::runtime_error("device busy"); };
 
   EXPECT_THROW(cache.refresh(1, failing), std::runtime_error); // absent: error reaches caller
@@ -96,7 +96,7 @@ TEST(PXRRefreshingCache, AFailedRefreshServesTheExpiredValueAndLogs) {
 
 TEST(PXRRefreshingCache, RefreshAllKeepsOtherEntries) {
   VirtualEventLoop loop;
-  PXRRefreshingCache<std::string, int> cache(loop, 10, 60);
+  PXRRefreshingCache<std::string, int> cache(loop, 10, Seconds(60));
   cache.setValue("other", 1);
   cache.setValue("wanted", 2);
   loop.advance(61);
@@ -107,7 +107,7 @@ TEST(PXRRefreshingCache, RefreshAllKeepsOtherEntries) {
 
 TEST(PXRDatedCache, TheCountLimitEvictsTheOldestWrite) {
   VirtualEventLoop loop;
-  PXRExpiringCache<std::uint32_t, std::string> names(loop, 1000, 300);
+  PXRExpiringCache<std::uint32_t, std::string> names(loop, 1000, Seconds(300));
   for (std::uint32_t id = 1; id <= 1001; ++id) names.setValue(id, "device");
   EXPECT_FALSE(names.cachedValue(1));
   EXPECT_TRUE(names.value(2));

@@ -8,11 +8,11 @@ namespace lb {
 TEST(PXRTimer, RepeatsWithATenthOfItsIntervalAsTolerance) {
   VirtualEventLoop loop;
   int ticks = 0;
-  PXRTimer timer(2.0, true, [&] { ++ticks; });
+  PXRTimer timer(Seconds(2.0), true, [&] { ++ticks; });
   timer.schedule(loop);
   ASSERT_EQ(loop.activeTimers().size(), 1u);
-  EXPECT_DOUBLE_EQ(loop.activeTimers()[0].interval, 2.0);
-  EXPECT_DOUBLE_EQ(loop.activeTimers()[0].tolerance, 0.2);
+  EXPECT_DOUBLE_EQ(loop.activeTimers()[0].interval.count(), 2.0);
+  EXPECT_DOUBLE_EQ(loop.activeTimers()[0].tolerance.count(), 0.2);
   loop.advance(1.9);
   EXPECT_EQ(ticks, 0);
   loop.advance(0.1);
@@ -24,7 +24,7 @@ TEST(PXRTimer, RepeatsWithATenthOfItsIntervalAsTolerance) {
 TEST(PXRTimer, LettingGoStopsTheTicks) {
   VirtualEventLoop loop;
   int ticks = 0;
-  auto timer = std::make_unique<PXRTimer>(1.0, true, [&] { ++ticks; });
+  auto timer = std::make_unique<PXRTimer>(Seconds(1.0), true, [&] { ++ticks; });
   timer->schedule(loop);
   loop.advance(2.0);
   timer.reset();
@@ -40,7 +40,7 @@ TEST(PXRTimer, AnOwnerThatGoesAwayTakesItsTimerWithIt) {
     int* ticks;
     std::unique_ptr<PXRTimer> timer;
     void start(TimerScheduler& scheduler) {
-      timer = std::make_unique<PXRTimer>(1.0, true, [weak = weak_from_this()] {
+      timer = std::make_unique<PXRTimer>(Seconds(1.0), true, [weak = weak_from_this()] {
         if (auto self = weak.lock()) ++*self->ticks;
       });
       timer->schedule(scheduler);
@@ -64,10 +64,10 @@ TEST(PXRTimer, ReplacingTheTimerFromItsOwnTickIsSafe) {
   int ticks = 0;
   std::function<void()> restart = [&] {
     ++ticks;
-    timer = std::make_unique<PXRTimer>(1.0, false, restart);
+    timer = std::make_unique<PXRTimer>(Seconds(1.0), false, restart);
     timer->schedule(loop);
   };
-  timer = std::make_unique<PXRTimer>(1.0, false, restart);
+  timer = std::make_unique<PXRTimer>(Seconds(1.0), false, restart);
   timer->schedule(loop);
   loop.advance(3.0);
   EXPECT_EQ(ticks, 3);
@@ -76,7 +76,7 @@ TEST(PXRTimer, ReplacingTheTimerFromItsOwnTickIsSafe) {
 TEST(PXRTimer, OneShotFiresOnceAndInvalidateBeforeScheduleDoesNothing) {
   VirtualEventLoop loop;
   int ticks = 0;
-  PXRTimer timer(0.5, false, [&] { ++ticks; });
+  PXRTimer timer(Seconds(0.5), false, [&] { ++ticks; });
   timer.invalidate();
   timer.schedule(loop);
   loop.advance(5.0);
@@ -86,7 +86,7 @@ TEST(PXRTimer, OneShotFiresOnceAndInvalidateBeforeScheduleDoesNothing) {
 TEST(PXRTimer, InvalidateStopsARunningTimer) {
   VirtualEventLoop loop;
   int ticks = 0;
-  PXRTimer timer(1.0, true, [&] { ++ticks; });
+  PXRTimer timer(Seconds(1.0), true, [&] { ++ticks; });
   timer.schedule(loop);
   loop.advance(1.0);
   timer.invalidate();
@@ -99,7 +99,7 @@ TEST(PXRTimerDeathTest, SchedulingTwiceIsAProgrammingError) {
   EXPECT_DEATH(
       {
         VirtualEventLoop loop;
-        PXRTimer timer(1.0, true, [] {});
+        PXRTimer timer(Seconds(1.0), true, [] {});
         timer.schedule(loop);
         timer.schedule(loop);
       },

@@ -11,16 +11,16 @@ namespace lb {
 TEST(VirtualEventLoop, RunsWorkInTimeOrderIncludingWorkItPosts) {
   VirtualEventLoop loop;
   std::vector<std::string> order;
-  loop.postAfter(2, [&] { order.push_back("at 2"); });
-  loop.postAfter(1, [&] {
+  loop.postAfter(Seconds(2), [&] { order.push_back("at 2"); });
+  loop.postAfter(Seconds(1), [&] {
     order.push_back("at 1");
     loop.post([&] { order.push_back("posted at 1"); });
-    loop.postAfter(0.5, [&] { order.push_back("at 1.5"); });
+    loop.postAfter(Seconds(0.5), [&] { order.push_back("at 1.5"); });
   });
   loop.post([&] { order.push_back("now"); });
   loop.advance(1.75);
   EXPECT_EQ(order, (std::vector<std::string>{"now", "at 1", "posted at 1", "at 1.5"}));
-  EXPECT_DOUBLE_EQ(secondsBetween(VirtualEventLoop::defaultStart(), loop.now()), 1.75);
+  EXPECT_DOUBLE_EQ(timeBetween(VirtualEventLoop::defaultStart(), loop.now()).count(), 1.75);
   loop.advance(1);
   EXPECT_EQ(order.back(), "at 2");
 }
@@ -30,11 +30,11 @@ TEST(VirtualEventLoop, ABlockingWorkerCallInterleavesWithMainThreadEvents) {
   std::vector<std::string> order;
   loop.runBlocking(
       [&] {
-        loop.sleepOnWorker(3); // a connect that takes three seconds
+        loop.sleepOnWorker(Seconds(3)); // a connect that takes three seconds
         return std::string("connected");
       },
       [&](std::string result) { order.push_back(result); });
-  loop.postAfter(1, [&] { order.push_back("notification at 1"); });
+  loop.postAfter(Seconds(1), [&] { order.push_back("notification at 1"); });
   loop.advance(2.9);
   EXPECT_EQ(order, std::vector<std::string>{"notification at 1"});
   loop.advance(0.1);
@@ -66,7 +66,7 @@ TEST(VirtualEventLoop, ALoopGoingAwayEndsItsSleepingWorkers) {
   {
     VirtualEventLoop loop;
     loop.runOnWorker([&] {
-      loop.sleepOnWorker(100);
+      loop.sleepOnWorker(Seconds(100));
       finishedNormally = true;
     });
     loop.runDue();
@@ -77,7 +77,7 @@ TEST(VirtualEventLoop, ALoopGoingAwayEndsItsSleepingWorkers) {
 TEST(VirtualEventLoop, TwoLoopsKeepTheirOwnTime) {
   VirtualEventLoop first, second;
   first.advance(10);
-  EXPECT_DOUBLE_EQ(secondsBetween(second.now(), first.now()), 10);
+  EXPECT_DOUBLE_EQ(timeBetween(second.now(), first.now()).count(), 10);
 }
 
 } // namespace lb
