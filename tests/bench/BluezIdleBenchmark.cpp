@@ -5,7 +5,7 @@
 #include "core/DeviceSetting.h"
 #include "linux/bluez/BluezBluetooth.h"
 #include "linux/system/QtEventLoop.h"
-#include "sim/SimulatedPlatform.h"
+#include "tests/support/SimulatedPlatform.h"
 #include "tests/support/PrivateBus.h"
 
 #include <QCoreApplication>

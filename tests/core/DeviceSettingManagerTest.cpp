@@ -1,5 +1,5 @@
 #include "core/DeviceSettingManager.h"
-#include "sim/SimulatedPlatform.h"
+#include "tests/support/SimulatedPlatform.h"
 #include "tests/support/CapturedLog.h"
 
 #include <gtest/gtest.h>

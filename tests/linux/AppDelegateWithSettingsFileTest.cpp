@@ -1,6 +1,6 @@
 #include "core/AppDelegate.h"
 #include "foundation/JsonSettingsStore.h"
-#include "sim/SimulatedPlatform.h"
+#include "tests/support/SimulatedPlatform.h"
 #include "tests/support/TemporaryDirectory.h"
 
 #include <gtest/gtest.h>

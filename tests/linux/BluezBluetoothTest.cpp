@@ -3,7 +3,7 @@
 #include "linux/bluez/BluezDevice.h"
 #include "linux/bluez/BluezErrors.h"
 #include "linux/system/QtEventLoop.h"
-#include "sim/SimulatedPlatform.h"
+#include "tests/support/SimulatedPlatform.h"
 #include "tests/support/CapturedLog.h"
 #include "tests/support/RequireService.h"
 #include "tests/support/PrivateBus.h"

@@ -1,7 +1,7 @@
 #include "core/DeviceSetting.h"
 #include "linux/system/SpawnScriptRunner.h"
 #include "linux/xdg/XdgScriptsFolder.h"
-#include "sim/SimulatedPlatform.h"
+#include "tests/support/SimulatedPlatform.h"
 #include "tests/support/CapturedLog.h"
 #include "tests/support/TemporaryDirectory.h"
 

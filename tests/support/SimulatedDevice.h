@@ -2,7 +2,7 @@
 
 #include "core/DeviceSettingManager.h"
 #include "sim/SimBehaviours.h"
-#include "sim/SimulatedPlatform.h"
+#include "tests/support/SimulatedPlatform.h"
 
 #include <memory>
 
