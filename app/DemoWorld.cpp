@@ -6,7 +6,8 @@ namespace lb {
 
 DemoWorld::DemoWorld(EventLoop& loop) : world(loop) {
   audio.makeDefault(AudioDirection::output, audio.addDevice({"Built-in Speakers", "builtin.speakers", true, false}));
-  audio.makeDefault(AudioDirection::input, audio.addDevice({"Built-in Microphone", "builtin.microphone", false, false}));
+  audio.makeDefault(AudioDirection::input,
+                    audio.addDevice({"Built-in Microphone", "builtin.microphone", false, false}));
 
   // Each device with the icon a first run gives it.
   auto add = [&](const std::string& address, const std::string& name, std::uint32_t majorClass,

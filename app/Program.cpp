@@ -38,8 +38,8 @@ namespace {
 
 // Another instance owns the name: ask it to show its preferences.
 int reopenRunningInstance(QDBusConnection& session) {
-  auto call = QDBusMessage::createMethodCall(bus::serviceName, bus::applicationPath,
-                                             bus::applicationInterface, "ShowPreferences");
+  auto call = QDBusMessage::createMethodCall(bus::serviceName, bus::applicationPath, bus::applicationInterface,
+                                             "ShowPreferences");
   auto reply = session.call(call, QDBus::Block, 5000);
   if (reply.type() == QDBusMessage::ErrorMessage) {
     std::cerr << "Lanternbud is already running but did not answer (" << reply.errorMessage().toStdString() << ").\n";

@@ -23,7 +23,6 @@
 
 namespace {
 
-
 // Exit statuses, as --help lists them.
 enum Exit { ok = 0, failed = 1, usageError = 2, noSuchDevice = 3, notRunning = 4 };
 
@@ -56,14 +55,18 @@ const std::map<std::string, std::string> commandHelp = {
              "in lower camel case (id, name, address, connected, batteryLevel, status, ...); a missing\n"
              "value is null.\n"},
     {"show", "lanternbud-ctl show <device>\n\nEvery property of the device, one per line.\n"},
-    {"connect", "lanternbud-ctl connect <device> [--no-wait]\n\nConnects the device as a click does, and (unless --no-wait)\n"
-                "waits up to 45 s until it is connected. Already connected: nothing happens.\n"},
-    {"disconnect", "lanternbud-ctl disconnect <device> [--no-wait]\n\nDisconnects the device, and waits as connect does.\n"},
-    {"toggle", "lanternbud-ctl toggle <device> [--no-wait]\n\nConnects a disconnected device and disconnects a connected one.\n"},
+    {"connect",
+     "lanternbud-ctl connect <device> [--no-wait]\n\nConnects the device as a click does, and (unless --no-wait)\n"
+     "waits up to 45 s until it is connected. Already connected: nothing happens.\n"},
+    {"disconnect",
+     "lanternbud-ctl disconnect <device> [--no-wait]\n\nDisconnects the device, and waits as connect does.\n"},
+    {"toggle",
+     "lanternbud-ctl toggle <device> [--no-wait]\n\nConnects a disconnected device and disconnects a connected one.\n"},
     {"battery", "lanternbud-ctl battery <device>\n\nPrints \"Battery Level: 85%\" or \"Battery Level: Unknown\".\n"},
-    {"config", "lanternbud-ctl config get <Key>\nlanternbud-ctl config set <Key> <value>\nlanternbud-ctl config unset <Key>\n\n"
-               "Values are JSON (2, 0.5, true, \"text\", [\"a\"]); YES and NO are Booleans and any other\n"
-               "word is text. Most tunables are read once per start: restart Lanternbud after setting one.\n"},
+    {"config",
+     "lanternbud-ctl config get <Key>\nlanternbud-ctl config set <Key> <value>\nlanternbud-ctl config unset <Key>\n\n"
+     "Values are JSON (2, 0.5, true, \"text\", [\"a\"]); YES and NO are Booleans and any other\n"
+     "word is text. Most tunables are read once per start: restart Lanternbud after setting one.\n"},
 };
 
 int fail(Exit status, const std::string& message) {
@@ -75,11 +78,10 @@ class Client {
 public:
   Client() : bus_(QDBusConnection::sessionBus()) {}
 
-  bool running() {
-    return bus_.isConnected() && bus_.interface()->isServiceRegistered(lb::bus::serviceName).value();
-  }
+  bool running() { return bus_.isConnected() && bus_.interface()->isServiceRegistered(lb::bus::serviceName).value(); }
 
-  QDBusMessage call(const QString& path, const QString& interface, const QString& method, const QVariantList& arguments = {}) {
+  QDBusMessage call(const QString& path, const QString& interface, const QString& method,
+                    const QVariantList& arguments = {}) {
     auto message = QDBusMessage::createMethodCall(lb::bus::serviceName, path, interface, method);
     message.setArguments(arguments);
     return bus_.call(message, QDBus::Block, 10000);
@@ -122,8 +124,12 @@ nlohmann::json asJson(const QVariantMap& device) {
     switch (value.typeId()) {
     case QMetaType::Bool: json[key] = value.toBool(); break;
     case QMetaType::Int:
-    case QMetaType::LongLong: json[key] = value.toLongLong() == -1 ? nlohmann::json() : nlohmann::json(value.toLongLong()); break;
-    case QMetaType::QString: json[key] = value.toString().isEmpty() ? nlohmann::json() : nlohmann::json(value.toString().toStdString()); break;
+    case QMetaType::LongLong:
+      json[key] = value.toLongLong() == -1 ? nlohmann::json() : nlohmann::json(value.toLongLong());
+      break;
+    case QMetaType::QString:
+      json[key] = value.toString().isEmpty() ? nlohmann::json() : nlohmann::json(value.toString().toStdString());
+      break;
     default: break; // pictures
     }
   }
@@ -139,7 +145,9 @@ int list(Client& client, bool json) {
   }
   std::printf("%-4s %-24s %-18s %-13s %s\n", "ID", "NAME", "ADDRESS", "STATE", "BATTERY");
   for (const auto& device : all) {
-    auto text = [&](const char* key) { return device[key].is_null() ? std::string("-") : device[key].get<std::string>(); };
+    auto text = [&](const char* key) {
+      return device[key].is_null() ? std::string("-") : device[key].get<std::string>();
+    };
     const auto level = device["batteryLevel"];
     std::printf("%-4lld %-24s %-18s %-13s %s\n", device["id"].get<long long>(), text("name").c_str(),
                 text("address").c_str(), device["connected"].get<bool>() ? "connected" : "disconnected",
@@ -162,8 +170,9 @@ int show(Client& client, const QString& path) {
   const auto device = client.properties(path);
   for (auto it = device.begin(); it != device.end(); ++it) {
     auto value = it.value();
-    std::string text = value.typeId() == QMetaType::QByteArray ? std::to_string(value.toByteArray().size()) + " bytes of PNG"
-                                                               : value.toString().toStdString();
+    std::string text = value.typeId() == QMetaType::QByteArray
+                           ? std::to_string(value.toByteArray().size()) + " bytes of PNG"
+                           : value.toString().toStdString();
     if (value.typeId() == QMetaType::Bool) text = value.toBool() ? "true" : "false";
     std::cout << it.key().toStdString() << ": " << text << "\n";
   }
@@ -212,8 +221,9 @@ int config(Client& client, const std::vector<std::string>& words) {
     QDBusMessage reply;
     if (action == "get") reply = client.application("GetSetting", {QString::fromStdString(key)});
     if (action == "set") {
-      reply = client.application("SetSetting", {QString::fromStdString(key),
-                                                QString::fromStdString(lb::SettingsJson::write(*parseValue(words[3])))});
+      reply = client.application(
+          "SetSetting",
+          {QString::fromStdString(key), QString::fromStdString(lb::SettingsJson::write(*parseValue(words[3])))});
     }
     if (action == "unset") reply = client.application("UnsetSetting", {QString::fromStdString(key)});
     if (reply.type() == QDBusMessage::ErrorMessage) return fail(failed, reply.errorMessage().toStdString());
@@ -250,12 +260,14 @@ int run(const std::vector<std::string>& words) {
                             "(or `lanternbud --demo`).");
   }
   if (command == "list") {
-    if (words.size() > 2 || (words.size() == 2 && words[1] != "--json")) return fail(usageError, "usage: list [--json]");
+    if (words.size() > 2 || (words.size() == 2 && words[1] != "--json"))
+      return fail(usageError, "usage: list [--json]");
     return list(client, words.size() == 2);
   }
   std::vector<std::string> arguments(words.begin() + 1, words.end());
   const bool wait = std::erase(arguments, "--no-wait") == 0;
-  if (arguments.size() != 1) return fail(usageError, "usage: " + commandHelp.at(command).substr(0, commandHelp.at(command).find('\n')));
+  if (arguments.size() != 1)
+    return fail(usageError, "usage: " + commandHelp.at(command).substr(0, commandHelp.at(command).find('\n')));
   int status = ok;
   auto path = find(client, arguments[0], status);
   if (!path) return status;

@@ -53,7 +53,8 @@ int main(int argc, char** argv) {
   lb::UserDefaults defaults(store, lb::UserDefaults::argumentDomain(words));
   // Until the tray exists, its log lines and the start's are what a user sees.
   defaults.registerDefaults({{"LogLaunch", true}, {"LogTray", true}});
-  lb::LinuxLogger::install([&defaults](const std::string& area) { return defaults.boolValue(area, false); }, processName);
+  lb::LinuxLogger::install([&defaults](const std::string& area) { return defaults.boolValue(area, false); },
+                           processName);
   lb::Tunables tunables(defaults);
 
   int status = 0;

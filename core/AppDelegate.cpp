@@ -19,8 +19,8 @@ int AppDelegate::processEntry(const UserDefaults& defaults,
 void AppDelegate::applicationDidFinishLaunching() {
   deviceSettingManager_ = std::make_unique<DeviceSettingManager>(services_);
   if (deviceSettingManager_->deviceSettingList().empty()) {
-    PXR_LOG(dockLog(), "Showing preferences because no devices have been added:",
-            describe(services_.defaults.object("devices")));
+    PXR_LOG(dockLog(),
+            "Showing preferences because no devices have been added:", describe(services_.defaults.object("devices")));
     showPreference();
     PXR_LOG(dockLog(), "Done showing preferences.");
   } else {

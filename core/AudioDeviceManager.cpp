@@ -10,14 +10,16 @@ namespace lb {
 
 const std::string& AudioDeviceManager::Device::name() const {
   if (!name_) {
-    name_ = hardware_->deviceNamesCache().fill(id_, [&] { return hardware_->pxrAudioDeviceName(id_).value_or("unknown"); });
+    name_ = hardware_->deviceNamesCache().fill(id_,
+                                               [&] { return hardware_->pxrAudioDeviceName(id_).value_or("unknown"); });
   }
   return *name_;
 }
 
 const std::string& AudioDeviceManager::Device::uid() const {
   if (!uid_) {
-    uid_ = hardware_->deviceUIDsCache().fill(id_, [&] { return hardware_->pxrAudioDeviceUID(id_).value_or("unknown"); });
+    uid_ = hardware_->deviceUIDsCache().fill(id_,
+                                             [&] { return hardware_->pxrAudioDeviceUID(id_).value_or("unknown"); });
   }
   return *uid_;
 }
@@ -46,9 +48,7 @@ std::string AudioDeviceManager::multilineDescription(const std::vector<Device>& 
   return text + "]";
 }
 
-bool AudioDeviceManager::onlySetIfNecessary() const {
-  return tunables_(tunable::OnlySetOutputDeviceIfNecessary);
-}
+bool AudioDeviceManager::onlySetIfNecessary() const { return tunables_(tunable::OnlySetOutputDeviceIfNecessary); }
 
 const PXRLog& AudioDeviceManager::area() const {
   return direction_ == AudioDirection::input ? inputLog() : outputLog();
@@ -74,13 +74,17 @@ void AudioDeviceManager::setCurrent(const Device& device) {
   }
   auto now = current();
   if (now && *now == device) {
-    area()([&] { return "Successfully set last " + direction + " device to " + device.description() + " and now is " + now->description(); });
+    area()([&] {
+      return "Successfully set last " + direction + " device to " + device.description() + " and now is " +
+             now->description();
+    });
   } else if (now) {
     pxrLogError("Successfully set last " + direction + " device to " + device.description() +
                 ", but current device is actually " + now->description());
     throw AudioError(AudioError::Kind::succeededButVerificationFailed);
   } else {
-    pxrLogError("Successfully set last " + direction + " device to " + device.description() + ", but can't read current device");
+    pxrLogError("Successfully set last " + direction + " device to " + device.description() +
+                ", but can't read current device");
     throw AudioError(AudioError::Kind::succeededButCantVerify);
   }
 }

@@ -20,11 +20,18 @@ namespace lb {
 // that order, with the last non-empty answer kept per address.
 class BatteryInfo {
 public:
-  enum class Key { BatteryPercent, BatteryPercentSingle, BatteryPercentLeft, BatteryPercentRight,
-                   BatteryPercentCombined, BatteryPercentCase, HeadsetBattery };
-  static constexpr std::array<Key, 7> allKeys{Key::BatteryPercent, Key::BatteryPercentSingle, Key::BatteryPercentLeft,
-                                              Key::BatteryPercentRight, Key::BatteryPercentCombined,
-                                              Key::BatteryPercentCase, Key::HeadsetBattery};
+  enum class Key {
+    BatteryPercent,
+    BatteryPercentSingle,
+    BatteryPercentLeft,
+    BatteryPercentRight,
+    BatteryPercentCombined,
+    BatteryPercentCase,
+    HeadsetBattery
+  };
+  static constexpr std::array<Key, 7> allKeys{
+      Key::BatteryPercent,         Key::BatteryPercentSingle, Key::BatteryPercentLeft, Key::BatteryPercentRight,
+      Key::BatteryPercentCombined, Key::BatteryPercentCase,   Key::HeadsetBattery};
   // "BatteryPercentLeft"
   static std::string rawValue(Key key);
   // "batteryPercentLeft": the name of the device object's property

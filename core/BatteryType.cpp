@@ -14,7 +14,8 @@ const SettingsValue* find(const SettingsValue::Dictionary& info, const char* key
 
 std::optional<int> integer(const SettingsValue* value) {
   auto stored = value ? value->as<std::int64_t>() : nullptr;
-  if (!stored || *stored < std::numeric_limits<int>::min() || *stored > std::numeric_limits<int>::max()) return std::nullopt;
+  if (!stored || *stored < std::numeric_limits<int>::min() || *stored > std::numeric_limits<int>::max())
+    return std::nullopt;
   return static_cast<int>(*stored);
 }
 

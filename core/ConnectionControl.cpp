@@ -12,7 +12,8 @@ void ConnectionControl::toggle(std::shared_ptr<BluetoothDevice> device) {
     auto& loop = control.loop_;
     if (device->isConnected()) {
       if (self->connectionOnlyMode()) {
-        connectLog()([&] { return "Tried to disconnect from " + self->description() + " but in connection-only mode"; });
+        connectLog()(
+            [&] { return "Tried to disconnect from " + self->description() + " but in connection-only mode"; });
         loop.post([self] { self->stopProgress(); });
         return;
       }
@@ -43,7 +44,8 @@ void ConnectionControl::openConnection() {
       PXR_LOG(connectLog(), "End sync connecting to", owner_.description(), fixerState());
       return;
     }
-    connectLog()([&] { return "Error sync connecting to " + owner_.description() + " with status: " + pxrDescription(result); });
+    connectLog()(
+        [&] { return "Error sync connecting to " + owner_.description() + " with status: " + pxrDescription(result); });
   } else {
     PXR_LOG(connectLog(), "Begin connecting to", owner_.description());
     result = found->openConnection(10000);
@@ -56,7 +58,8 @@ void ConnectionControl::openConnection() {
   PXR_LOG(connectLog(), "Retry connecting to", owner_.description());
   result = found->openConnection(20000);
   if (pxrIsSuccess(result)) {
-    connectLog()([&] { return "End retry connecting to " + owner_.description() + " with status: " + pxrDescription(result); });
+    connectLog()(
+        [&] { return "End retry connecting to " + owner_.description() + " with status: " + pxrDescription(result); });
     return;
   }
   if (pxrIsBluetoothAlreadyConnected(result)) {
@@ -73,7 +76,8 @@ void ConnectionControl::openConnection() {
   }
 }
 
-void ConnectionControl::checkForDelayedConnection(const std::shared_ptr<BluetoothDevice>& found, const IOReturn& result) {
+void ConnectionControl::checkForDelayedConnection(const std::shared_ptr<BluetoothDevice>& found,
+                                                  const IOReturn& result) {
   if (found->isConnected()) {
     pxrLogError("Error " + pxrDescription(result) + " connecting to " + owner_.description() + " was spurious");
     return;
@@ -88,7 +92,8 @@ void ConnectionControl::closeConnection() {
   PXR_LOG(connectLog(), "Begin disconnecting from", owner_.description());
   auto result = found->closeConnection();
   if (pxrIsSuccess(result)) {
-    connectLog()([&] { return "End disconnecting from " + owner_.description() + " with status: " + pxrDescription(result); });
+    connectLog()(
+        [&] { return "End disconnecting from " + owner_.description() + " with status: " + pxrDescription(result); });
     loop_.post([self = owner_.shared_from_this()] { self->outputFixer().didDisconnect(); });
   } else {
     pxrLogError("Error " + pxrDescription(result) + " disconnecting from " + owner_.description());

@@ -32,7 +32,8 @@ void ConnectionTracker::registerNotifications() {
   auto found = owner_.device();
   if (!found) return;
   disconnectObserver_ = bluetooth_.registerForDisconnectNotification(
-      *found, [weak = owner_.weak_from_this()](const BluetoothNotification& notification, std::shared_ptr<BluetoothDevice> gone) {
+      *found, [weak = owner_.weak_from_this()](const BluetoothNotification& notification,
+                                               std::shared_ptr<BluetoothDevice> gone) {
         if (auto self = weak.lock()) self->tracker().deviceDisconnected(notification, std::move(gone));
       });
 }
@@ -42,7 +43,8 @@ void ConnectionTracker::deviceConnected(const BluetoothNotification& notificatio
   loop_.postAfter(100ms, updateLater(ConnectionUpdateReason::connectedNotification(notification)));
 }
 
-void ConnectionTracker::deviceDisconnected(const BluetoothNotification& notification, std::shared_ptr<BluetoothDevice> gone) {
+void ConnectionTracker::deviceDisconnected(const BluetoothNotification& notification,
+                                           std::shared_ptr<BluetoothDevice> gone) {
   PXR_LOG(notificationsLog(), "deviceDisconnected notification:", notification, "device:", owner_.description(),
           owner_.outputFixer().state());
   owner_.stopProgress();
@@ -82,7 +84,8 @@ void ConnectionTracker::updateConnectionState(const ConnectionUpdateReason& reas
     isConnectedLog()([&] { return "isConnected is now " + describe(isConnected_) + because(); });
     if (!wasConnected) {
       connectLog()([&] {
-        return "Previous connection state was unknown: " + owner_.description() + " so won't run script or change input";
+        return "Previous connection state was unknown: " + owner_.description() +
+               " so won't run script or change input";
       });
     } else if (*isConnected_) {
       reactToConnection();
@@ -120,18 +123,22 @@ void ConnectionTracker::reactToConnection() {
   if (connection.isManuallyInitiatedConnection()) {
     if (tunables_(tunable::EnableAutoSettingAudioOutput)) {
       if (isAudioOutput_ == false && isPotentialAudioOutput_ == true) {
-        outputLog()([&] { return "Setting sound output device because connection was manually initiated: " + owner_.description(); });
+        outputLog()([&] {
+          return "Setting sound output device because connection was manually initiated: " + owner_.description();
+        });
         setDefaultAudioOutput();
       } else {
         owner_.outputFixer().didAutomaticallySetAudioOutput();
-        outputLog()([&] { return "No need to set sound output device because it was already set automatically: " + owner_.description(); });
+        outputLog()([&] {
+          return "No need to set sound output device because it was already set automatically: " + owner_.description();
+        });
       }
     }
     connection.setManuallyInitiatedConnection(false);
   }
 
-  const bool deferToOutput =
-      isPotentialAudioOutput_ == true && tunables_(tunable::RunConnectionScriptWhenSettingAudioOutput);
+  const bool deferToOutput = isPotentialAudioOutput_ == true &&
+                             tunables_(tunable::RunConnectionScriptWhenSettingAudioOutput);
   if (!deferToOutput) {
     scriptLog()([&] {
       return "Connect script because potential " + describe(isPotentialAudioOutput_) + " and output setting " +

@@ -24,8 +24,9 @@ public:
   ConnectionTracker(DeviceSetting& owner, EventLoop& loop, const Tunables& tunables, Bluetooth& bluetooth,
                     OutputDeviceManager& outputDeviceManager, InputDeviceManager& inputDeviceManager,
                     DeviceInfoCache& deviceInfoCache)
-      : owner_(owner), loop_(loop), tunables_(tunables), bluetooth_(bluetooth), outputDeviceManager_(outputDeviceManager),
-        inputDeviceManager_(inputDeviceManager), deviceInfoCache_(deviceInfoCache) {}
+      : owner_(owner), loop_(loop), tunables_(tunables), bluetooth_(bluetooth),
+        outputDeviceManager_(outputDeviceManager), inputDeviceManager_(inputDeviceManager),
+        deviceInfoCache_(deviceInfoCache) {}
 
   std::optional<bool> isConnected() const { return isConnected_; }
   std::optional<bool> isAudioOutput() const { return isAudioOutput_; }

@@ -21,8 +21,12 @@ struct ConnectionUpdateReason {
   Kind kind;
   std::optional<BluetoothNotification> notification; // with the two notification kinds
 
-  static ConnectionUpdateReason connectedNotification(BluetoothNotification n) { return {Kind::connectedNotification, std::move(n)}; }
-  static ConnectionUpdateReason disconnectedNotification(BluetoothNotification n) { return {Kind::disconnectedNotification, std::move(n)}; }
+  static ConnectionUpdateReason connectedNotification(BluetoothNotification n) {
+    return {Kind::connectedNotification, std::move(n)};
+  }
+  static ConnectionUpdateReason disconnectedNotification(BluetoothNotification n) {
+    return {Kind::disconnectedNotification, std::move(n)};
+  }
   static ConnectionUpdateReason becameActive() { return {Kind::becameActive, std::nullopt}; }
   static ConnectionUpdateReason timer() { return {Kind::timer, std::nullopt}; }
   static ConnectionUpdateReason fastTimer() { return {Kind::fastTimer, std::nullopt}; }
@@ -30,8 +34,8 @@ struct ConnectionUpdateReason {
 
   // The case name; a notification's description follows in parentheses.
   std::string description() const {
-    static constexpr const char* names[] = {"connectedNotification", "disconnectedNotification", "becameActive",
-                                            "timer", "fastTimer", "toggle"};
+    static constexpr const char* names[] = {
+        "connectedNotification", "disconnectedNotification", "becameActive", "timer", "fastTimer", "toggle"};
     std::string text = names[static_cast<int>(kind)];
     if (notification) text += "(" + notification->description() + ")";
     return text;

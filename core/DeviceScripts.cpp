@@ -15,7 +15,9 @@ void DeviceScripts::load() {
   }
 }
 
-std::string DeviceScripts::text(ScriptType type) const { return options_.option<std::string>(rawValue(type), defaultScript); }
+std::string DeviceScripts::text(ScriptType type) const {
+  return options_.option<std::string>(rawValue(type), defaultScript);
+}
 
 void DeviceScripts::setText(ScriptType type, const std::optional<std::string>& text) {
   if (text) options_.set(rawValue(type), *text);

@@ -22,8 +22,8 @@ std::shared_ptr<DeviceSetting> DeviceSetting::make(Services& services, SettingsV
   return setting;
 }
 
-std::shared_ptr<DeviceSetting> DeviceSetting::make(Services& services, const BluetoothDevice& device,
-                                                   std::int64_t ID, DeviceSettingManager* registry) {
+std::shared_ptr<DeviceSetting> DeviceSetting::make(Services& services, const BluetoothDevice& device, std::int64_t ID,
+                                                   DeviceSettingManager* registry) {
   std::shared_ptr<DeviceSetting> setting(new DeviceSetting(services, {{deviceOption::deviceID, ID}}, registry));
   setting->setDevice(&device);
   setting->start();

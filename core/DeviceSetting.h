@@ -69,7 +69,9 @@ public:
   void setConnectionOnlyMode(bool value) { options_.set(deviceOption::connectOnlyMode, value); }
   bool keepDefaultAudioInput() const { return options_.option(deviceOption::keepDefaultAudioInput, false); }
   void setKeepDefaultAudioInput(bool value) { options_.set(deviceOption::keepDefaultAudioInput, value); }
-  bool runShellScriptAfterConnected() const { return options_.option(deviceOption::runShellScriptAfterConnected, false); }
+  bool runShellScriptAfterConnected() const {
+    return options_.option(deviceOption::runShellScriptAfterConnected, false);
+  }
   void setRunShellScriptAfterConnected(bool value) { options_.set(deviceOption::runShellScriptAfterConnected, value); }
   bool runShellScriptAfterDisconnected() const {
     return options_.option(deviceOption::runShellScriptAfterDisconnected, false);
@@ -81,7 +83,9 @@ public:
   void setShowBatteryLevel(bool value);
   // The script texts; "#!/bin/sh\n" when there is none. Nothing removes one.
   std::string shellScriptAfterConnected() const { return scripts_.text(ScriptType::connected); }
-  void setShellScriptAfterConnected(const std::optional<std::string>& text) { scripts_.setText(ScriptType::connected, text); }
+  void setShellScriptAfterConnected(const std::optional<std::string>& text) {
+    scripts_.setText(ScriptType::connected, text);
+  }
   std::string shellScriptAfterDisconnected() const { return scripts_.text(ScriptType::disconnected); }
   void setShellScriptAfterDisconnected(const std::optional<std::string>& text) {
     scripts_.setText(ScriptType::disconnected, text);

@@ -41,10 +41,11 @@ void InputDeviceManager::restoreLast() {
            (now ? "Optional(" + now->description() + ")" : std::string("nil"));
   });
   const auto finalDelay = tunables_(tunable::InputDeviceManagerFinalRestorationDelay);
-  const std::pair<Seconds, std::string> attempts[] = {{Seconds(0), ""},
-                                                      {Seconds(2), " after 2 seconds"},
-                                                      {Seconds(5), " after 5 seconds"},
-                                                      {finalDelay, " after " + pxrDescribe(finalDelay.count()) + " seconds"}};
+  const std::pair<Seconds, std::string> attempts[] = {
+      {Seconds(0), ""},
+      {Seconds(2), " after 2 seconds"},
+      {Seconds(5), " after 5 seconds"},
+      {finalDelay, " after " + pxrDescribe(finalDelay.count()) + " seconds"}};
   for (const auto& [delay, when] : attempts) {
     loop_.postAfter(delay, [this, device = *last, when] {
       try {

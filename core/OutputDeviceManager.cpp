@@ -28,7 +28,8 @@ AudioDeviceManager::Device OutputDeviceManager::audioDevice(const BluetoothMatch
       return device;
     }
   }
-  PXR_LOG_ERROR("Trying to set output device to", bluetooth.description(), "but could not find it among the current devices");
+  PXR_LOG_ERROR("Trying to set output device to", bluetooth.description(),
+                "but could not find it among the current devices");
   PXR_LOG_ERROR("Output devices:", multilineDescription(speakers));
   PXR_LOG_ERROR("All devices:", multilineDescription(all));
   throw AudioError(AudioError::Kind::noMatchingAudioDevice);

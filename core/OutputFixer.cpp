@@ -51,9 +51,7 @@ void OutputFixer::didFailToSetAudioOutput() {
     PXR_LOG_ERROR(current.tries, "remaining tries for audio output fix:", deviceSetting_.description());
     state_.setValue(State::waitingToDisconnect(current.tries - 1));
     break;
-  case State::Kind::gaveUp:
-    pxrLogError("Already exhausted tries to fix audio ouptut");
-    return;
+  case State::Kind::gaveUp: pxrLogError("Already exhausted tries to fix audio ouptut"); return;
   case State::Kind::initial:
   case State::Kind::ok:
     PXR_LOG_ERROR("Could not set audio output so disconnecting and reconnecting:", deviceSetting_.description());
@@ -64,7 +62,8 @@ void OutputFixer::didFailToSetAudioOutput() {
   services_.loop.postAfter(services_.tunables(tunable::MissingAudioDeviceDisconnectionDelay),
                            [setting = deviceSetting_.shared_from_this(), this] {
                              if (setting->isAudioOutput() == false && setting->isPotentialAudioOutput() == true) {
-                               PXR_LOG_ERROR("Closing connection to try to fix audio output", state(), setting->description());
+                               PXR_LOG_ERROR("Closing connection to try to fix audio output", state(),
+                                             setting->description());
                                services_.loop.runOnWorker([setting] { setting->closeConnection(); });
                              } else {
                                PXR_LOG(outputFixerLog(), "Skipping retry because audio output is now correct");
@@ -86,8 +85,7 @@ bool OutputFixer::didDisconnect() {
                   deviceSetting_.description());
     reopen();
     return true;
-  default:
-    return false;
+  default: return false;
   }
 }
 

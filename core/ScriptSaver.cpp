@@ -42,7 +42,8 @@ std::pair<std::string, bool> ScriptSaver::ensureScriptsFolder() {
   }
   auto parent = folder_.parentLocation();
   PXR_LOG(scriptSaveLog(), "Prompting for access to:", parent);
-  if (!promptForAccess(parent, localized("Please select the User > Library > Application Scripts folder to save the scripts."))) {
+  if (!promptForAccess(
+          parent, localized("Please select the User > Library > Application Scripts folder to save the scripts."))) {
     PXR_LOG(scriptSaveLog(), "Didn't get access to:", parent);
     if (auto created = folder_.create(); !created) throw FileFailure(created.failure().reason);
     return {*folder, false};
@@ -74,8 +75,9 @@ void ScriptSaver::withWritableScriptFolder(bool ask, const Completion& completio
   try {
     auto [folder, access] = ensureScriptsFolder();
     PXR_LOG(scriptSaveLog(), "Access", access, "to folder", folder);
-    bool granted = access || promptForAccess(folder, localized("Please select the User > Library > Application Scripts > ") +
-                                                         bundleIdentifier + localized(" folder to save the scripts."));
+    bool granted = access ||
+                   promptForAccess(folder, localized("Please select the User > Library > Application Scripts > ") +
+                                               bundleIdentifier + localized(" folder to save the scripts."));
     if (granted) {
       auto bookmark = folder_.bookmark(folder);
       if (!bookmark) throw FileFailure("could not remember access to " + folder);
@@ -100,7 +102,8 @@ void ScriptSaver::saveScript(std::int64_t deviceID, ScriptType type, const std::
     PXR_LOG(scriptSaveLog(), "Script URL is", path);
     if (folder_.fileExists(name)) {
       PXR_LOG(scriptSaveLog(), "Removing URL", path);
-      if (auto removed = folder_.remove(name); !removed) throw FileFailure("removing " + path + ": " + removed.failure().reason);
+      if (auto removed = folder_.remove(name); !removed)
+        throw FileFailure("removing " + path + ": " + removed.failure().reason);
     }
     if (!text || text->empty()) return;
     PXR_LOG(scriptSaveLog(), "Writing to URL", path);

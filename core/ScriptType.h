@@ -11,9 +11,7 @@ enum class ScriptType { connected, disconnected };
 
 inline constexpr std::array<ScriptType, 2> allScriptTypes{ScriptType::connected, ScriptType::disconnected};
 
-inline std::string rawValue(ScriptType type) {
-  return type == ScriptType::connected ? "connected" : "disconnected";
-}
+inline std::string rawValue(ScriptType type) { return type == ScriptType::connected ? "connected" : "disconnected"; }
 
 inline std::string pxrDescription(ScriptType type) { return rawValue(type); }
 

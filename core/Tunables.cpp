@@ -5,7 +5,8 @@ namespace lb {
 Tunables::Tunables(UserDefaults& defaults) : defaults_(defaults) {
   defaults_.registerDefaults({
       {std::string(tunable::BatteryInfoUseHelper.key), tunable::BatteryInfoUseHelper.defaultValue},
-      {std::string(tunable::BatteryInfoStalenessInterval.key), tunable::BatteryInfoStalenessInterval.defaultValue.count()},
+      {std::string(tunable::BatteryInfoStalenessInterval.key),
+       tunable::BatteryInfoStalenessInterval.defaultValue.count()},
   });
 }
 

@@ -37,25 +37,32 @@ constexpr auto each = TunableRead::eachUse;
 
 inline const Tunable<bool> ConnectionUpdateUseTimer{"ConnectionUpdateUseTimer", true, each};
 inline const Tunable<Seconds> ConnectionUpdateTimerInterval{"ConnectionUpdateTimerInterval", Seconds(1.0), once};
-inline const Tunable<Seconds> ConnectionUpdateFastTimerInterval{"ConnectionUpdateFastTimerInterval", Seconds(0.1), once};
-inline const Tunable<Seconds> ConnectionUpdateFastTimerDuration{"ConnectionUpdateFastTimerDuration", Seconds(10.0), once};
+inline const Tunable<Seconds> ConnectionUpdateFastTimerInterval{"ConnectionUpdateFastTimerInterval", Seconds(0.1),
+                                                                once};
+inline const Tunable<Seconds> ConnectionUpdateFastTimerDuration{"ConnectionUpdateFastTimerDuration", Seconds(10.0),
+                                                                once};
 inline const Tunable<Seconds> ConnectionWaitInterval{"ConnectionWaitInterval", Seconds(1.0), once};
 inline const Tunable<bool> TrySyncConnectFirst{"TrySyncConnectFirst", true, each};
-inline const Tunable<bool> DeviceSettingDisableDisconnectObservation{"DeviceSettingDisableDisconnectObservation", false, each};
+inline const Tunable<bool> DeviceSettingDisableDisconnectObservation{"DeviceSettingDisableDisconnectObservation", false,
+                                                                     each};
 inline const Tunable<bool> EnableAudioOutput{"EnableAudioOutput", true, once};
 inline const Tunable<bool> EnableAutoSettingAudioOutput{"EnableAutoSettingAudioOutput", true, once};
-inline const Tunable<bool> RememberAudioInputWhenSettingAudioOutput{"RememberAudioInputWhenSettingAudioOutput", true, once};
+inline const Tunable<bool> RememberAudioInputWhenSettingAudioOutput{"RememberAudioInputWhenSettingAudioOutput", true,
+                                                                    once};
 inline const Tunable<bool> FixAudioInputWhenSettingAudioOutput{"FixAudioInputWhenSettingAudioOutput", true, once};
-inline const Tunable<bool> RunConnectionScriptWhenSettingAudioOutput{"RunConnectionScriptWhenSettingAudioOutput", true, once};
+inline const Tunable<bool> RunConnectionScriptWhenSettingAudioOutput{"RunConnectionScriptWhenSettingAudioOutput", true,
+                                                                     once};
 inline const Tunable<Seconds> ConnectionScriptInterval{"ConnectionScriptInterval", Seconds(4.0), once};
 inline const Tunable<bool> OnlySetOutputDeviceIfNecessary{"OnlySetOutputDeviceIfNecessary", false, each};
 inline const Tunable<bool> OnlySetInputDeviceIfNecessary{"OnlySetInputDeviceIfNecessary", true, each};
 inline const Tunable<Seconds> InputDeviceManagerTimerInterval{"InputDeviceManagerTimerInterval", Seconds(10.0), each};
 inline const Tunable<bool> InputDeviceManagerPeriodicUpdates{"InputDeviceManagerPeriodicUpdates", true, each};
-inline const Tunable<Seconds> InputDeviceManagerFinalRestorationDelay{"InputDeviceManagerFinalRestorationDelay", Seconds(12.0), each};
+inline const Tunable<Seconds> InputDeviceManagerFinalRestorationDelay{"InputDeviceManagerFinalRestorationDelay",
+                                                                      Seconds(12.0), each};
 inline const Tunable<bool> WorkAroundMissingAudioDevice{"WorkAroundMissingAudioDevice", true, once};
 inline const Tunable<std::int64_t> MissingAudioDeviceTries{"MissingAudioDeviceTries", 5, once};
-inline const Tunable<Seconds> MissingAudioDeviceDisconnectionDelay{"MissingAudioDeviceDisconnectionDelay", Seconds(1.0), once};
+inline const Tunable<Seconds> MissingAudioDeviceDisconnectionDelay{"MissingAudioDeviceDisconnectionDelay", Seconds(1.0),
+                                                                   once};
 inline const Tunable<bool> ChangeIconWhileFixingAudioOutput{"ChangeIconWhileFixingAudioOutput", false, each};
 inline const Tunable<double> NotAudioOutputFraction{"NotAudioOutputFraction", 0.25, once};
 // The default is the tray's icon size plus 5, which only the tray knows: the
@@ -64,10 +71,12 @@ inline const Tunable<double> StatusItemLength{"StatusItemLength", 0.0, once};
 inline const Tunable<Seconds> DeviceInfoStalenessInterval{"DeviceInfoStalenessInterval", Seconds(60.0), once};
 inline const Tunable<bool> DisableMontereyBatteryInfo{"DisableMontereyBatteryInfo", false, each};
 inline const Tunable<bool> BatteryInfoUseHelper{"BatteryInfoUseHelper", true, TunableRead::registered};
-inline const Tunable<Seconds> BatteryInfoStalenessInterval{"BatteryInfoStalenessInterval", Seconds(600.0), TunableRead::registered};
+inline const Tunable<Seconds> BatteryInfoStalenessInterval{"BatteryInfoStalenessInterval", Seconds(600.0),
+                                                           TunableRead::registered};
 inline const Tunable<bool> BatteryInfoDisableRegistry{"BatteryInfoDisableRegistry", false, each};
 // On Linux the battery registry is UPower, whose devices all carry this name.
-inline const Tunable<Names> BatteryInfoRegistryIncludedNames{"BatteryInfoRegistryIncludedNames", {"org.freedesktop.UPower.Device"}, each};
+inline const Tunable<Names> BatteryInfoRegistryIncludedNames{
+    "BatteryInfoRegistryIncludedNames", {"org.freedesktop.UPower.Device"}, each};
 inline const Tunable<Names> BatteryInfoRegistryExcludedNames{"BatteryInfoRegistryExcludedNames", {}, each};
 inline const Tunable<bool> BatteryInfoDisableCache{"BatteryInfoDisableCache", false, each};
 inline const Tunable<bool> LowEnergyBatteryInfoEnable{"LowEnergyBatteryInfoEnable", false, each};

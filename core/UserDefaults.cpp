@@ -78,14 +78,13 @@ std::optional<SettingsValue> UserDefaults::storedOrRegistered(const std::string&
 }
 
 // A mistyped command-line value is said once, not at every read.
-void UserDefaults::reportUnusable(const std::string& key, const std::string& text,
-                                  const char* wanted) const {
+void UserDefaults::reportUnusable(const std::string& key, const std::string& text, const char* wanted) const {
   {
     std::lock_guard lock(mutex_);
     if (!reported_.insert(key).second) return;
   }
-  PXR_LOG_ERROR("Ignoring the command-line value \"" + text + "\" of -" + key + ": it is not " +
-                wanted + "; using the default.");
+  PXR_LOG_ERROR("Ignoring the command-line value \"" + text + "\" of -" + key + ": it is not " + wanted +
+                "; using the default.");
 }
 
 // The command line decides if it has the key (a value it cannot read is
@@ -130,7 +129,8 @@ double UserDefaults::doubleValue(const std::string& key, double fallback) const 
 }
 
 std::string UserDefaults::stringValue(const std::string& key, const std::string& fallback) const {
-  return read(key, fallback, [](const std::string& text) { return std::optional(text); }, "a string", ofType<std::string>);
+  return read(
+      key, fallback, [](const std::string& text) { return std::optional(text); }, "a string", ofType<std::string>);
 }
 
 std::vector<std::string> UserDefaults::stringArrayValue(const std::string& key,

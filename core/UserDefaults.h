@@ -33,8 +33,7 @@ public:
   std::int64_t integerValue(const std::string& key, std::int64_t fallback) const;
   double doubleValue(const std::string& key, double fallback) const;
   std::string stringValue(const std::string& key, const std::string& fallback) const;
-  std::vector<std::string> stringArrayValue(const std::string& key,
-                                            const std::vector<std::string>& fallback) const;
+  std::vector<std::string> stringArrayValue(const std::string& key, const std::vector<std::string>& fallback) const;
 
   // The value whatever its type; a command-line value is a string unless it
   // is JSON text of an array or dictionary.

@@ -28,8 +28,7 @@ bool writeAll(int descriptor, std::string_view content) {
 
 } // namespace
 
-Result<> AtomicFile::write(const std::filesystem::path& path, std::string_view content,
-                                             mode_t mode) {
+Result<> AtomicFile::write(const std::filesystem::path& path, std::string_view content, mode_t mode) {
   std::string temporary = path.string() + ".XXXXXX";
   int descriptor = mkstemp(temporary.data());
   if (descriptor < 0) return Failure{reason("creating a temporary file", errno)};

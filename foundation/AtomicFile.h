@@ -15,8 +15,7 @@ namespace lb {
 struct AtomicFile {
   // Writes a temporary file beside `path` with `mode`, flushes it to disk and
   // renames it over `path`. On failure the old file is left as it was.
-  static Result<> write(const std::filesystem::path& path, std::string_view content,
-                                          mode_t mode);
+  static Result<> write(const std::filesystem::path& path, std::string_view content, mode_t mode);
 
   // The whole file, or nothing with `error` set.
   static std::optional<std::string> read(const std::filesystem::path& path, std::string& error);

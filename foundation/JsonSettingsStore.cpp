@@ -58,8 +58,8 @@ void JsonSettingsStore::load() {
                   "); starting from the defaults without changing it.");
     return;
   }
-  PXR_LOG_ERROR("The settings file " + file_.string() + " is not valid settings (" + error +
-                "). It was moved to " + aside.string() +
+  PXR_LOG_ERROR("The settings file " + file_.string() + " is not valid settings (" + error + "). It was moved to " +
+                aside.string() +
                 " and Lanternbud starts from its defaults; repair that file and move it back to restore "
                 "your settings.");
 }

@@ -14,8 +14,7 @@ template <class T>
 class PXRAtomic {
 public:
   explicit PXRAtomic(T value, std::source_location site = std::source_location::current())
-      : label_(std::string(site.file_name()) + ":" + std::to_string(site.line()) + " " +
-               site.function_name()),
+      : label_(std::string(site.file_name()) + ":" + std::to_string(site.line()) + " " + site.function_name()),
         value_(std::move(value)) {}
 
   PXRAtomic(const PXRAtomic&) = delete;
@@ -40,9 +39,7 @@ public:
     return std::forward<Block>(block)(value_);
   }
 
-  void increment()
-    requires std::integral<T>
-  {
+  void increment() requires std::integral<T> {
     mutate([](T& stored) { ++stored; });
   }
 

@@ -36,8 +36,7 @@ public:
     auto dated = cache_.value(key);
     if (!dated) return std::nullopt;
     auto age = std::chrono::abs(timeBetween(dated->date, clock_.now()));
-    auto state = age < stalenessInterval_ ? CachedValue<Value>::State::current
-                                          : CachedValue<Value>::State::expired;
+    auto state = age < stalenessInterval_ ? CachedValue<Value>::State::current : CachedValue<Value>::State::expired;
     return CachedValue<Value>{state, std::move(dated->value)};
   }
 
@@ -49,9 +48,7 @@ public:
   }
 
   // Stores `value` dated now.
-  void setValue(const Key& key, Value value) {
-    cache_.setValue(key, DatedValue{clock_.now(), std::move(value)});
-  }
+  void setValue(const Key& key, Value value) { cache_.setValue(key, DatedValue{clock_.now(), std::move(value)}); }
 
   void remove(const Key& key) { cache_.remove(key); }
   void removeAll() { cache_.removeAll(); }

@@ -22,8 +22,6 @@ void PXRLog::write(std::string message, std::source_location site) const {
   }
 }
 
-void pxrLogError(std::string message, std::source_location site) {
-  PXRLog::error().write(std::move(message), site);
-}
+void pxrLogError(std::string message, std::source_location site) { PXRLog::error().write(std::move(message), site); }
 
 } // namespace lb

@@ -28,14 +28,12 @@ public:
   // Writes the deferred message if the area is on; it is evaluated at most
   // once, after the check.
   template <std::invocable Message>
-  void operator()(Message&& message,
-                  std::source_location site = std::source_location::current()) const {
+  void operator()(Message&& message, std::source_location site = std::source_location::current()) const {
     if (isEnabled()) write(std::string(message()), site);
   }
 
   // Writes a message already built, without asking whether the area is on.
-  void write(std::string message,
-             std::source_location site = std::source_location::current()) const;
+  void write(std::string message, std::source_location site = std::source_location::current()) const;
 
 private:
   std::optional<std::string> area_;
@@ -48,9 +46,9 @@ void pxrLogError(std::string message, std::source_location site = std::source_lo
 } // namespace lb
 
 // Items are evaluated only when the area is on, in order, and joined by " ".
-#define PXR_LOG(area, ...)                                                                         \
-  do {                                                                                             \
-    const ::lb::PXRLog& pxrLogArea_ = (area);                                                      \
+#define PXR_LOG(area, ...)                                                                        \
+  do {                                                                                            \
+    const ::lb::PXRLog& pxrLogArea_ = (area);                                                     \
     if (pxrLogArea_.isEnabled()) pxrLogArea_.write(::lb::pxrPrintingOptionals(" ", __VA_ARGS__)); \
   } while (0)
 

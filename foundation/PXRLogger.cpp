@@ -10,14 +10,12 @@ std::shared_ptr<PXRLogger> PXRLogger::sharedLogger() { return shared_.load(); }
 
 void PXRLogger::setSharedLogger(std::shared_ptr<PXRLogger> logger) { shared_.store(std::move(logger)); }
 
-bool PXRLogger::isEnabledForArea(const std::optional<std::string>& area) const {
-  return !area || areaSwitch_(*area);
-}
+bool PXRLogger::isEnabledForArea(const std::optional<std::string>& area) const { return !area || areaSwitch_(*area); }
 
 void PXRLogger::log(std::string_view file, unsigned line, std::string_view function,
                     const std::optional<std::string>& area, std::string message) {
-  LogLine logLine{std::chrono::system_clock::now(), std::string(file), line, std::string(function),
-                  area, std::move(message)};
+  LogLine logLine{
+      std::chrono::system_clock::now(), std::string(file), line, std::string(function), area, std::move(message)};
   std::lock_guard lock(mutex_);
   for (const auto& sink : sinks_) sink->write(logLine);
 }

@@ -27,8 +27,8 @@ public:
   // The error channel (no area) is always on.
   bool isEnabledForArea(const std::optional<std::string>& area) const;
 
-  void log(std::string_view file, unsigned line, std::string_view function,
-           const std::optional<std::string>& area, std::string message);
+  void log(std::string_view file, unsigned line, std::string_view function, const std::optional<std::string>& area,
+           std::string message);
 
   void addSink(std::shared_ptr<LogSink> sink);
 

@@ -28,8 +28,7 @@ void PXRTimer::schedule(TimerScheduler& scheduler) {
   PXR_PRECONDITION(!scheduled_, "a PXRTimer is scheduled at most once");
   scheduled_ = true;
   target_ = std::make_shared<Target>(Target{this});
-  timer_ = scheduler.scheduleTimer(interval_, interval_ / 10, repeats_,
-                                   [target = target_] { target->fire(); });
+  timer_ = scheduler.scheduleTimer(interval_, interval_ / 10, repeats_, [target = target_] { target->fire(); });
 }
 
 void PXRTimer::invalidate() {

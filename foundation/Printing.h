@@ -28,7 +28,9 @@ concept HasCaseName = std::is_enum_v<T> && requires(T value) {
 };
 
 template <class T>
-concept MapLike = std::ranges::range<T> && requires { typename T::mapped_type; };
+concept MapLike = std::ranges::range<T> && requires {
+  typename T::mapped_type;
+};
 
 template <class T>
 concept StringLike = std::convertible_to<const T&, std::string_view>;
@@ -87,7 +89,10 @@ std::string pxrDescribe(const T& value, bool nested = false) {
       text += pxrDescribe(element, true);
     }
     return text + "]";
-  } else if constexpr (requires { value.has_value(); *value; }) {
+  } else if constexpr (requires {
+                         value.has_value();
+                         *value;
+                       }) {
     return value.has_value() ? pxrDescribe(*value, nested) : "nil";
   } else {
     static_assert(sizeof(T) == 0, "no text for this type");

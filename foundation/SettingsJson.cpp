@@ -40,10 +40,8 @@ SettingsValue::Data dataFromHex(const std::string& hex) {
 SettingsValue fromJson(const Json& json, int depth) {
   if (depth > SettingsJson::maximumDepth) throw Unrepresentable("nesting too deep");
   switch (json.type()) {
-  case Json::value_t::boolean:
-    return json.get<bool>();
-  case Json::value_t::number_integer:
-    return json.get<std::int64_t>();
+  case Json::value_t::boolean: return json.get<bool>();
+  case Json::value_t::number_integer: return json.get<std::int64_t>();
   case Json::value_t::number_unsigned: {
     auto value = json.get<std::uint64_t>();
     if (value > static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max())) {
@@ -51,10 +49,8 @@ SettingsValue fromJson(const Json& json, int depth) {
     }
     return static_cast<std::int64_t>(value);
   }
-  case Json::value_t::number_float:
-    return json.get<double>();
-  case Json::value_t::string:
-    return json.get<std::string>();
+  case Json::value_t::number_float: return json.get<double>();
+  case Json::value_t::string: return json.get<std::string>();
   case Json::value_t::array: {
     SettingsValue::Array array;
     array.reserve(json.size());
@@ -69,8 +65,7 @@ SettingsValue fromJson(const Json& json, int depth) {
     for (const auto& [key, element] : json.items()) dictionary.emplace(key, fromJson(element, depth + 1));
     return dictionary;
   }
-  default:
-    throw Unrepresentable("null or another value that settings cannot hold");
+  default: throw Unrepresentable("null or another value that settings cannot hold");
   }
 }
 

@@ -40,8 +40,6 @@ std::string SettingsValue::describe(bool nested) const {
       storage_);
 }
 
-std::string describe(const std::optional<SettingsValue>& value) {
-  return value ? value->description() : "nil";
-}
+std::string describe(const std::optional<SettingsValue>& value) { return value ? value->description() : "nil"; }
 
 } // namespace lb

@@ -22,8 +22,7 @@ public:
 
   // `tick` runs on the main thread every `interval` (or once), give or take
   // `tolerance`, until the returned handle is invalidated or gone.
-  virtual std::unique_ptr<ScheduledTimer> scheduleTimer(Seconds interval, Seconds tolerance,
-                                                        bool repeats,
+  virtual std::unique_ptr<ScheduledTimer> scheduleTimer(Seconds interval, Seconds tolerance, bool repeats,
                                                         std::function<void()> tick) = 0;
 };
 

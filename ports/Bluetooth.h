@@ -31,8 +31,7 @@ struct PairedDevice {
 // thread; lookups may come from any thread.
 class Bluetooth {
 public:
-  using NotificationHandler =
-      std::function<void(const BluetoothNotification&, std::shared_ptr<BluetoothDevice>)>;
+  using NotificationHandler = std::function<void(const BluetoothNotification&, std::shared_ptr<BluetoothDevice>)>;
 
   virtual ~Bluetooth() = default;
 

@@ -39,9 +39,7 @@ public:
         work();
         post(std::move(completion));
       } else {
-        post([completion = std::move(completion), result = work()]() mutable {
-          completion(std::move(result));
-        });
+        post([completion = std::move(completion), result = work()]() mutable { completion(std::move(result)); });
       }
     });
   }

@@ -38,7 +38,9 @@ struct IOReturn {
   static IOReturn success() { return {}; }
 
   std::int32_t system() const { return static_cast<std::int32_t>((static_cast<std::uint32_t>(value) >> 26) & 0x3f); }
-  std::int32_t subsystem() const { return static_cast<std::int32_t>((static_cast<std::uint32_t>(value) >> 14) & 0xfff); }
+  std::int32_t subsystem() const {
+    return static_cast<std::int32_t>((static_cast<std::uint32_t>(value) >> 14) & 0xfff);
+  }
   std::int32_t code() const { return static_cast<std::int32_t>(static_cast<std::uint32_t>(value) & 0x3fff); }
   // The named code, when the code field holds one.
   std::optional<Code> namedCode() const;

@@ -18,8 +18,8 @@ QDBusMessage error(const QDBusMessage& message, QDBusError::ErrorType type, cons
 
 // "a Boolean (b)", for error messages.
 QString typeName(const QString& signature) {
-  static const QMap<QString, QString> names{{"b", "a Boolean"}, {"s", "a string"}, {"x", "an integer"},
-                                            {"i", "an integer"}, {"ay", "bytes"}};
+  static const QMap<QString, QString> names{
+      {"b", "a Boolean"}, {"s", "a string"}, {"x", "an integer"}, {"i", "an integer"}, {"ay", "bytes"}};
   return names.value(signature, "a value") + " (" + signature + ")";
 }
 
@@ -30,7 +30,6 @@ QString writableNames() {
   }
   return names.join(", ");
 }
-
 
 } // namespace
 
@@ -46,7 +45,8 @@ QString ScriptingDeviceTree::introspect(const QString& path) const {
     xml += QString("  <property name=\"%1\" type=\"%2\" access=\"%3\"/>\n")
                .arg(property.name, property.signature, property.set ? "readwrite" : "read");
   }
-  xml += "  <annotation name=\"org.lanternbud.Missing\" value=\"Address: empty; BatteryLevel: -1; icon data: empty\"/>\n";
+  xml +=
+      "  <annotation name=\"org.lanternbud.Missing\" value=\"Address: empty; BatteryLevel: -1; icon data: empty\"/>\n";
   return xml + "</interface>\n";
 }
 
@@ -90,13 +90,15 @@ QDBusMessage ScriptingDeviceTree::answer(const QDBusMessage& message, ScriptingD
   if (member == "Get") return message.createReply(QVariant::fromValue(QDBusVariant(values.value(name))));
   if (member != "Set") return error(message, QDBusError::UnknownMethod, "No method " + member + ".");
   if (!property->set) {
-    return error(message, QDBusError::PropertyReadOnly, name + " is read-only; only " + writableNames() + " can be set.");
+    return error(message, QDBusError::PropertyReadOnly,
+                 name + " is read-only; only " + writableNames() + " can be set.");
   }
   const auto sent = arguments.value(2).value<QDBusVariant>().variant();
   const auto sentSignature = QString::fromLatin1(QDBusMetaType::typeToSignature(sent.metaType()));
   if (sentSignature != property->signature) {
-    return error(message, QDBusError::InvalidArgs,
-                 QString("%1 takes %2, not a value of type %3.").arg(name, typeName(property->signature), sentSignature));
+    return error(
+        message, QDBusError::InvalidArgs,
+        QString("%1 takes %2, not a value of type %3.").arg(name, typeName(property->signature), sentSignature));
   }
   device.set(*property, sent);
   return message.createReply();

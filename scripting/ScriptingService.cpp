@@ -35,7 +35,6 @@ private:
   ScriptingService& service_;
 };
 
-
 } // namespace
 
 ScriptingService::ScriptingService(QDBusConnection bus, AppDelegate& app, UserDefaults& defaults)
@@ -43,7 +42,8 @@ ScriptingService::ScriptingService(QDBusConnection bus, AppDelegate& app, UserDe
   new ApplicationAdaptor(this);
   bus_.registerObject(bus::applicationPath, this, QDBusConnection::ExportAdaptors);
   bus_.registerVirtualObject(bus::deviceRoot, &tree_, QDBusConnection::SubPath);
-  if (auto* registry = app_.deviceSettingManager()) listening_ = registry->addChangeListener([this] { scheduleRefresh(); });
+  if (auto* registry = app_.deviceSettingManager())
+    listening_ = registry->addChangeListener([this] { scheduleRefresh(); });
   refresh();
 }
 
@@ -53,14 +53,13 @@ ScriptingService::~ScriptingService() {
   bus_.unregisterObject(bus::applicationPath);
 }
 
-QString ScriptingService::devicePath(std::int64_t ID) {
-  return QString(bus::deviceRoot) + "/" + QString::number(ID);
-}
+QString ScriptingService::devicePath(std::int64_t ID) { return QString(bus::deviceRoot) + "/" + QString::number(ID); }
 
 QList<QDBusObjectPath> ScriptingService::devices() const {
   QList<QDBusObjectPath> paths;
   if (auto* registry = app_.deviceSettingManager()) {
-    for (const auto& setting : registry->deviceSettingList()) paths.append(QDBusObjectPath(devicePath(setting->deviceID())));
+    for (const auto& setting : registry->deviceSettingList())
+      paths.append(QDBusObjectPath(devicePath(setting->deviceID())));
   }
   return paths;
 }
@@ -124,7 +123,8 @@ QDBusObjectPath ScriptingService::findDevice(const QString& query) {
       if (matches) return QDBusObjectPath(devicePath(setting->deviceID()));
     }
   }
-  sendErrorReply(QString(bus::errorPrefix) + "NoSuchDevice", "No device has the ID, name or address \"" + query + "\".");
+  sendErrorReply(QString(bus::errorPrefix) + "NoSuchDevice",
+                 "No device has the ID, name or address \"" + query + "\".");
   return {};
 }
 
@@ -142,7 +142,8 @@ void ScriptingService::setSetting(const QString& key, const QString& json) {
   auto value = SettingsJson::parse(json.toStdString(), error);
   if (key.isEmpty() || !value) {
     sendErrorReply(QString(bus::errorPrefix) + "InvalidValue",
-                   key.isEmpty() ? QString("The key is empty.") : "\"" + json + "\" is no settings value: " + QString::fromStdString(error));
+                   key.isEmpty() ? QString("The key is empty.")
+                                 : "\"" + json + "\" is no settings value: " + QString::fromStdString(error));
     return;
   }
   defaults_.setValue(key.toStdString(), std::move(*value));

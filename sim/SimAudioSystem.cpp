@@ -62,12 +62,8 @@ std::int32_t SimAudioSystem::setDefaultDevice(AudioDirection direction, AudioDev
   switch (outcome_) {
   case SetOutcome::refused: return -50;
   case SetOutcome::anotherStaysCurrent: return 0;
-  case SetOutcome::nothingReadable:
-    unreadable_ = true;
-    return 0;
-  case SetOutcome::takes:
-    (direction == AudioDirection::output ? defaultOutput_ : defaultInput_) = id;
-    return 0;
+  case SetOutcome::nothingReadable: unreadable_ = true; return 0;
+  case SetOutcome::takes: (direction == AudioDirection::output ? defaultOutput_ : defaultInput_) = id; return 0;
   }
   return 0;
 }

@@ -37,7 +37,8 @@ SimBehaviour pageTimesOut() {
 SimBehaviour connectsLateAfter(IOReturn timeout, double seconds, double lateBy) {
   return [timeout, seconds, lateBy](SimCallContext& call) {
     call.loop.sleepOnWorker(Seconds(seconds));
-    call.loop.postAfter(Seconds(lateBy), [&world = call.world, address = call.address] { world.setConnected(address, true); });
+    call.loop.postAfter(Seconds(lateBy),
+                        [&world = call.world, address = call.address] { world.setConnected(address, true); });
     return timeout;
   };
 }

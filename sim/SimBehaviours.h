@@ -26,9 +26,9 @@ SimBehaviour connectsLateAfter(IOReturn timeout, double seconds, double lateBy);
 SimBehaviour inTurn(std::vector<SimBehaviour> behaviours);
 
 // Common results, as a backend would report them.
-IOReturn pageTimeoutResult();     // 4
+IOReturn pageTimeoutResult();      // 4
 IOReturn alreadyConnectedResult(); // 11
-IOReturn timeoutResult();         // 726
-IOReturn offlineResult();         // 727
+IOReturn timeoutResult();          // 726
+IOReturn offlineResult();          // 727
 
 } // namespace lb::sim

@@ -28,8 +28,8 @@ using SimBehaviour = std::function<IOReturn(SimCallContext&)>;
 // world changes it through SimBluetoothWorld.
 class SimBluetoothDevice final : public BluetoothDevice {
 public:
-  SimBluetoothDevice(SimBluetoothWorld& world, EventLoop& loop, std::string address,
-                     std::optional<std::string> name, std::uint32_t majorClass);
+  SimBluetoothDevice(SimBluetoothWorld& world, EventLoop& loop, std::string address, std::optional<std::string> name,
+                     std::uint32_t majorClass);
 
   std::string addressString() const override { return address_; }
   std::optional<std::string> name() const override;

@@ -19,8 +19,7 @@ public:
   explicit SimBluetoothWorld(EventLoop& loop) : loop_(loop) {}
 
   // Pairs a device; the major class 4 is audio, 5 a peripheral.
-  SimBluetoothDevice& addDevice(const std::string& address, std::optional<std::string> name,
-                                std::uint32_t majorClass);
+  SimBluetoothDevice& addDevice(const std::string& address, std::optional<std::string> name, std::uint32_t majorClass);
   // Unpairs it: lookups find nothing from now on.
   void removeDevice(const std::string& address);
   // Connects or disconnects the device, with the notifications that follow.

@@ -2,8 +2,8 @@
 
 namespace lb {
 
-SimHeadsetAudio::SimHeadsetAudio(SimBluetoothWorld& world, SimAudioSystem& audio, EventLoop& loop,
-                                 std::string address, std::string name, Options chosen)
+SimHeadsetAudio::SimHeadsetAudio(SimBluetoothWorld& world, SimAudioSystem& audio, EventLoop& loop, std::string address,
+                                 std::string name, Options chosen)
     : options(chosen), audio_(audio), loop_(loop), address_(std::move(address)), name_(std::move(name)) {
   registrations_.push_back(world.subscribe(address_, true, [this](const BluetoothNotification&, auto) {
     if (options.delay <= 0) return appear(); // with the connection itself
@@ -11,7 +11,8 @@ SimHeadsetAudio::SimHeadsetAudio(SimBluetoothWorld& world, SimAudioSystem& audio
       if (auto generation = weak.lock(); generation && *generation == expected) appear();
     });
   }));
-  registrations_.push_back(world.subscribe(address_, false, [this](const BluetoothNotification&, auto) { disappear(); }));
+  registrations_.push_back(
+      world.subscribe(address_, false, [this](const BluetoothNotification&, auto) { disappear(); }));
 }
 
 void SimHeadsetAudio::appear() {

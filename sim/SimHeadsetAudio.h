@@ -15,8 +15,8 @@ class SimHeadsetAudio {
 public:
   struct Options {
     double delay = 0.3;
-    bool hasOutput = true;         // false: the speaker never appears
-    bool systemSwitches = false;   // the system makes the new devices the defaults
+    bool hasOutput = true;       // false: the speaker never appears
+    bool systemSwitches = false; // the system makes the new devices the defaults
     bool hasMicrophone = false;
   };
 

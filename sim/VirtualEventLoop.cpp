@@ -51,9 +51,7 @@ VirtualEventLoop::~VirtualEventLoop() {
   for (auto& worker : workers_) worker.thread.join();
 }
 
-Date VirtualEventLoop::defaultStart() {
-  return Date{} + std::chrono::seconds(1'800'000'000);
-}
+Date VirtualEventLoop::defaultStart() { return Date{} + std::chrono::seconds(1'800'000'000); }
 
 Date VirtualEventLoop::now() const {
   std::lock_guard lock(mutex_);
@@ -71,8 +69,7 @@ void VirtualEventLoop::postAfter(Seconds delay, Task task) {
   enqueue(dateAdding(now(), std::max(delay, Seconds::zero())), std::move(task));
 }
 
-std::unique_ptr<ScheduledTimer> VirtualEventLoop::scheduleTimer(Seconds interval, Seconds tolerance,
-                                                                bool repeats,
+std::unique_ptr<ScheduledTimer> VirtualEventLoop::scheduleTimer(Seconds interval, Seconds tolerance, bool repeats,
                                                                 std::function<void()> tick) {
   PXR_PRECONDITION(interval > Seconds::zero(), "a timer needs a positive interval");
   auto timer = std::make_shared<Timer>(Timer{{interval, tolerance, repeats}, std::move(tick)});

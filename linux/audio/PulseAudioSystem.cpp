@@ -16,7 +16,8 @@ std::string property(const pa_proplist* properties, const char* key) {
 
 } // namespace
 
-PulseAudioSystem::PulseAudioSystem(std::string server) : server_(std::move(server)), mainloop_(pa_threaded_mainloop_new()) {
+PulseAudioSystem::PulseAudioSystem(std::string server)
+    : server_(std::move(server)), mainloop_(pa_threaded_mainloop_new()) {
   pa_threaded_mainloop_start(mainloop_);
   pa_threaded_mainloop_lock(mainloop_);
   connect();
@@ -64,9 +65,11 @@ void PulseAudioSystem::stateChanged(pa_context* context, void* userdata) {
   switch (pa_context_get_state(context)) {
   case PA_CONTEXT_READY:
     self->ready_ = true;
-    self->track(pa_context_subscribe(
-        context, static_cast<pa_subscription_mask_t>(PA_SUBSCRIPTION_MASK_SINK | PA_SUBSCRIPTION_MASK_SOURCE | PA_SUBSCRIPTION_MASK_SERVER),
-        nullptr, nullptr));
+    self->track(pa_context_subscribe(context,
+                                     static_cast<pa_subscription_mask_t>(PA_SUBSCRIPTION_MASK_SINK |
+                                                                         PA_SUBSCRIPTION_MASK_SOURCE |
+                                                                         PA_SUBSCRIPTION_MASK_SERVER),
+                                     nullptr, nullptr));
     self->requestAll();
     break;
   case PA_CONTEXT_FAILED:
@@ -83,8 +86,7 @@ void PulseAudioSystem::stateChanged(pa_context* context, void* userdata) {
     // A context cannot be replaced from its own callback.
     pa_mainloop_api_once(pa_threaded_mainloop_get_api(self->mainloop_), reconnect, self);
     break;
-  default:
-    break;
+  default: break;
   }
   pa_threaded_mainloop_signal(self->mainloop_, 0);
 }
@@ -115,7 +117,8 @@ void PulseAudioSystem::eventArrived(pa_context* context, pa_subscription_event_t
 
 void PulseAudioSystem::sinkInfo(pa_context*, const pa_sink_info* info, int eol, void* userdata) {
   auto* self = static_cast<PulseAudioSystem*>(userdata);
-  if (eol == 0 && info) self->remember(true, info->index, info->name, info->description ? info->description : "", info->proplist);
+  if (eol == 0 && info)
+    self->remember(true, info->index, info->name, info->description ? info->description : "", info->proplist);
   pa_threaded_mainloop_signal(self->mainloop_, 0);
 }
 
@@ -234,11 +237,14 @@ bool PulseAudioSystem::waitFor(const std::function<bool()>& done, int millisecon
   timeval when{};
   pa_gettimeofday(&when);
   pa_timeval_add(&when, static_cast<pa_usec_t>(milliseconds) * 1000);
-  auto* timer = api->time_new(api, &when, [](pa_mainloop_api*, pa_time_event*, const timeval*, void* userdata) {
-    auto* reached = static_cast<Deadline*>(userdata);
-    reached->passed = true;
-    pa_threaded_mainloop_signal(reached->loop, 0);
-  }, &deadline);
+  auto* timer = api->time_new(
+      api, &when,
+      [](pa_mainloop_api*, pa_time_event*, const timeval*, void* userdata) {
+        auto* reached = static_cast<Deadline*>(userdata);
+        reached->passed = true;
+        pa_threaded_mainloop_signal(reached->loop, 0);
+      },
+      &deadline);
   while (!done() && !deadline.passed) pa_threaded_mainloop_wait(mainloop_);
   api->time_free(timer);
   return done();

@@ -10,7 +10,8 @@ namespace lb {
 // helper tool.
 class LinuxBatterySources final : public BatterySources {
 public:
-  LinuxBatterySources(const UPowerRegistry& registry, HelperTool helper) : registry_(registry), helper_(std::move(helper)) {}
+  LinuxBatterySources(const UPowerRegistry& registry, HelperTool helper)
+      : registry_(registry), helper_(std::move(helper)) {}
 
   std::vector<RegistryEntry> registryEntries() override { return registry_.entries(); }
   SettingsValue runHelper(const std::string& address) override { return helper_.run(address); }

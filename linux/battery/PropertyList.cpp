@@ -87,7 +87,8 @@ SettingsValue value(plist_t node) {
   }
   case PLIST_ARRAY: {
     SettingsValue::Array array;
-    for (std::uint32_t i = 0; i < plist_array_get_size(node); ++i) array.push_back(value(plist_array_get_item(node, i)));
+    for (std::uint32_t i = 0; i < plist_array_get_size(node); ++i)
+      array.push_back(value(plist_array_get_item(node, i)));
     return array;
   }
   case PLIST_DICT: {
@@ -105,8 +106,7 @@ SettingsValue value(plist_t node) {
     std::free(it);
     return dictionary;
   }
-  default:
-    throw std::runtime_error("the property list holds a value of an unknown kind");
+  default: throw std::runtime_error("the property list holds a value of an unknown kind");
   }
 }
 

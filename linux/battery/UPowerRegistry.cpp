@@ -82,7 +82,8 @@ SettingsValue::Dictionary UPowerRegistry::propertiesOf(const QVariantMap& upower
   if (upower.contains("Serial")) result.emplace("SerialNumber", upower.value("Serial").toString().toStdString());
   if (upower.contains("Model")) result.emplace("Product", upower.value("Model").toString().toStdString());
   if (upower.contains("Percentage")) {
-    result.emplace("BatteryPercentSingle", static_cast<std::int64_t>(std::floor(upower.value("Percentage").toDouble())));
+    result.emplace("BatteryPercentSingle",
+                   static_cast<std::int64_t>(std::floor(upower.value("Percentage").toDouble())));
   }
   return result;
 }

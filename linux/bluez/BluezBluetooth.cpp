@@ -69,7 +69,8 @@ BluezBluetooth::~BluezBluetooth() = default;
 
 void BluezBluetooth::rebuild(const BluezObjectMap& objects) {
   mirror_->clear();
-  for (auto it = objects.begin(); it != objects.end(); ++it) mirror_->addInterfaces(it.key().path(), interfacesOf(it.value()));
+  for (auto it = objects.begin(); it != objects.end(); ++it)
+    mirror_->addInterfaces(it.key().path(), interfacesOf(it.value()));
 }
 
 void BluezBluetooth::reload() {
@@ -131,8 +132,8 @@ std::unique_ptr<NotificationRegistration> BluezBluetooth::registerForConnectNoti
   return std::make_unique<Registration>(*this, id);
 }
 
-std::unique_ptr<NotificationRegistration> BluezBluetooth::registerForDisconnectNotification(const BluetoothDevice& device,
-                                                                                            NotificationHandler handler) {
+std::unique_ptr<NotificationRegistration>
+BluezBluetooth::registerForDisconnectNotification(const BluetoothDevice& device, NotificationHandler handler) {
   auto parsed = BluetoothAddress::parse(device.addressString());
   auto path = parsed ? mirror_->devicePath(*parsed) : std::nullopt;
   if (!path) return nullptr;

@@ -46,7 +46,8 @@ IOReturn BluezDevice::call(const char* method, int timeoutMilliseconds) {
     return IOReturn::make(IOReturn::Code::kIOReturnNoDevice, "the device is gone from BlueZ");
   }
   if (auto adapter = mirror_->property(path_, BluezMirror::deviceInterface, "Adapter")) {
-    auto powered = mirror_->property(adapter->value<QDBusObjectPath>().path(), BluezMirror::adapterInterface, "Powered");
+    auto powered = mirror_->property(adapter->value<QDBusObjectPath>().path(), BluezMirror::adapterInterface,
+                                     "Powered");
     if (powered && !powered->toBool()) {
       return IOReturn::make(IOReturn::Code::kIOReturnOffline, "the Bluetooth adapter is off");
     }

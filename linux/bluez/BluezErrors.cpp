@@ -14,7 +14,8 @@ IOReturn bluezResult(const std::string& errorName, const std::string& message) {
   if (is("org.bluez.Error.Failed") && (mentions("Page Timeout") || mentions("br-connection-page-timeout"))) {
     return IOReturn::make(Code::kBluetoothHCIErrorPageTimeout, detail);
   }
-  if (is("org.bluez.Error.AlreadyConnected")) return IOReturn::make(Code::kBluetoothHCIErrorACLConnectionAlreadyExists, detail);
+  if (is("org.bluez.Error.AlreadyConnected"))
+    return IOReturn::make(Code::kBluetoothHCIErrorACLConnectionAlreadyExists, detail);
   if (is("org.freedesktop.DBus.Error.UnknownObject") || is("org.freedesktop.DBus.Error.UnknownMethod") ||
       is("org.freedesktop.DBus.Error.ServiceUnknown") || is("org.bluez.Error.DoesNotExist")) {
     return IOReturn::make(Code::kIOReturnNoDevice, detail);

@@ -35,7 +35,8 @@ std::optional<QVariant> BluezMirror::updateProperties(const QString& path, const
   return before;
 }
 
-std::optional<QVariant> BluezMirror::property(const QString& path, const QString& interface, const QString& name) const {
+std::optional<QVariant> BluezMirror::property(const QString& path, const QString& interface,
+                                              const QString& name) const {
   std::lock_guard lock(mutex_);
   auto object = objects_.find(path);
   if (object == objects_.end()) return std::nullopt;

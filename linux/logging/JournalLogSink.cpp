@@ -18,12 +18,9 @@ void JournalLogSink::write(const LogLine& line) {
   // Errors at priority 3 (err), area lines at 7 (debug): areas are switched
   // on to trace, not to alarm.
   std::vector<std::string> fields{
-      "MESSAGE=" + line.message,
-      line.area ? "PRIORITY=7" : "PRIORITY=3",
-      "CODE_FILE=" + line.file,
-      "CODE_LINE=" + std::to_string(line.line),
-      "CODE_FUNC=" + line.function,
-      "PXR_CATEGORY=PXRLogger",
+      "MESSAGE=" + line.message,          line.area ? "PRIORITY=7" : "PRIORITY=3",
+      "CODE_FILE=" + line.file,           "CODE_LINE=" + std::to_string(line.line),
+      "CODE_FUNC=" + line.function,       "PXR_CATEGORY=PXRLogger",
       "SYSLOG_IDENTIFIER=" + identifier_,
   };
   if (line.area) fields.push_back("PXR_AREA=" + *line.area);

@@ -36,13 +36,13 @@ QtEventLoop::QtEventLoop() {
 
 QtEventLoop::~QtEventLoop() { workers_.waitForDone(); }
 
-void QtEventLoop::post(Task task) {
-  QMetaObject::invokeMethod(&context_, std::move(task), Qt::QueuedConnection);
-}
+void QtEventLoop::post(Task task) { QMetaObject::invokeMethod(&context_, std::move(task), Qt::QueuedConnection); }
 
 void QtEventLoop::postAfter(Seconds delay, Task task) {
   // A timer starts on the thread that owns its context; hop there first.
-  post([this, delay, task = std::move(task)]() mutable { QTimer::singleShot(milliseconds(delay), &context_, std::move(task)); });
+  post([this, delay, task = std::move(task)]() mutable {
+    QTimer::singleShot(milliseconds(delay), &context_, std::move(task));
+  });
 }
 
 std::unique_ptr<ScheduledTimer> QtEventLoop::scheduleTimer(Seconds interval, Seconds tolerance, bool repeats,
@@ -60,8 +60,6 @@ std::unique_ptr<ScheduledTimer> QtEventLoop::scheduleTimer(Seconds interval, Sec
 
 void QtEventLoop::runOnWorker(Task work) { workers_.start(std::move(work)); }
 
-void QtEventLoop::sleepOnWorker(Seconds duration) {
-  std::this_thread::sleep_for(std::max(duration, Seconds::zero()));
-}
+void QtEventLoop::sleepOnWorker(Seconds duration) { std::this_thread::sleep_for(std::max(duration, Seconds::zero())); }
 
 } // namespace lb

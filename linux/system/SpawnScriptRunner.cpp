@@ -21,8 +21,7 @@ ScriptRunner::Outcome SpawnScriptRunner::outcome(int status) {
   return {false, "ended with wait status " + std::to_string(status)};
 }
 
-Result<> SpawnScriptRunner::start(const std::string& path,
-                                                    std::function<void(const Outcome&)> finished) {
+Result<> SpawnScriptRunner::start(const std::string& path, std::function<void(const Outcome&)> finished) {
   posix_spawn_file_actions_t actions;
   posix_spawn_file_actions_init(&actions);
   for (int descriptor : {0, 1, 2}) {

@@ -29,7 +29,9 @@ std::string XdgAutostart::entry(const std::string& program) {
          "Type=Application\n"
          "Name=Lanternbud\n"
          "Comment=Your Bluetooth devices in the tray\n"
-         "Exec=" + exec + "\n"
+         "Exec=" +
+         exec +
+         "\n"
          "Terminal=false\n"
          "X-GNOME-Autostart-enabled=true\n";
 }

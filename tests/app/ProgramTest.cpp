@@ -58,9 +58,9 @@ protected:
     LB_REQUIRE_SERVICE(session.skipReason());
     LB_REQUIRE_SERVICE(pulse.skipReason());
     system.bluez("/", "org.bluez.Mock", "AddAdapter", {"hci0", "my-computer"});
-    for (auto [address, name, deviceClass] : {std::tuple{headsetAddress, "WH Headset", 0x240404},
-                                              std::tuple{keyboardAddress, "K380 Keyboard", 0x002540},
-                                              std::tuple{silentHeadsetAddress, "Silent Headset", 0x240404}}) {
+    for (auto [address, name, deviceClass] :
+         {std::tuple{headsetAddress, "WH Headset", 0x240404}, std::tuple{keyboardAddress, "K380 Keyboard", 0x002540},
+          std::tuple{silentHeadsetAddress, "Silent Headset", 0x240404}}) {
       system.bluez("/", "org.bluez.Mock", "AddDevice", {"hci0", address, name});
       system.bluez("/", "org.bluez.Mock", "PairDevice", {"hci0", address, deviceClass});
     }
@@ -70,17 +70,21 @@ protected:
     std::filesystem::create_directories(program->settingsFile().parent_path());
     test::writeFile(program->settingsFile(), std::string(R"({"devices": [
       {"deviceID": 1, "device": "00-1b-66-aa-bb-cc"},
-      {"deviceID": 2, "device": ")") + keyboardAddress + R"(", "runShellScriptAfterConnected": true},
-      {"deviceID": 3, "device": ")" + silentHeadsetAddress + R"("}]})");
+      {"deviceID": 2, "device": ")") + keyboardAddress +
+                                                 R"(", "runShellScriptAfterConnected": true},
+      {"deviceID": 3, "device": ")" + silentHeadsetAddress +
+                                                 R"("}]})");
   }
 
   bool connected(const char* address) {
-    auto reply = system.bluez(bluezPath(address), "org.freedesktop.DBus.Properties", "Get", {"org.bluez.Device1", "Connected"});
+    auto reply = system.bluez(bluezPath(address), "org.freedesktop.DBus.Properties", "Get",
+                              {"org.bluez.Device1", "Connected"});
     return reply.arguments().value(0).value<QDBusVariant>().variant().toBool();
   }
   // A property of a device through the scripting interface.
   QVariant deviceProperty(int ID, const char* name) {
-    auto get = QDBusMessage::createMethodCall("org.lanternbud.Lanternbud", QString("/org/lanternbud/Lanternbud/Device/%1").arg(ID),
+    auto get = QDBusMessage::createMethodCall("org.lanternbud.Lanternbud",
+                                              QString("/org/lanternbud/Lanternbud/Device/%1").arg(ID),
                                               "org.freedesktop.DBus.Properties", "Get");
     get << "org.lanternbud.Lanternbud.Device" << name;
     return scripting.call(get, QDBus::Block, 5000).arguments().value(0).value<QDBusVariant>().variant();
@@ -154,7 +158,8 @@ TEST_F(ProgramTest, AHeadsetWhoseSinkIsGoneIsReopenedThenGivenUpOn) {
   pulse.pactl("set-default-sink builtin");
 
   EXPECT_EQ(program->ctl({"connect", "Silent Headset", "--no-wait"}).status, 0);
-  EXPECT_TRUE(test::eventually([&] { return program->logText().find("Gave up trying to fix audio output") != std::string::npos; }, 60))
+  EXPECT_TRUE(test::eventually(
+      [&] { return program->logText().find("Gave up trying to fix audio output") != std::string::npos; }, 60))
       << program->logText();
   const auto log = program->logText();
   EXPECT_NE(log.find("Closing connection to try to fix audio output"), std::string::npos);
@@ -167,7 +172,8 @@ TEST_F(ProgramTest, ASecondInstanceReopensTheFirstAndSigtermSaves) {
   auto second = program->run("lanternbud", {});
   EXPECT_EQ(second.status, 0);
   EXPECT_NE(second.errors.find("already running"), std::string::npos);
-  EXPECT_TRUE(test::eventually([&] { return program->logText().find("Showing preferences because of reopen.") != std::string::npos; }));
+  EXPECT_TRUE(test::eventually(
+      [&] { return program->logText().find("Showing preferences because of reopen.") != std::string::npos; }));
   EXPECT_TRUE(program->running());
 
   program->process().terminate(); // SIGTERM
@@ -192,19 +198,22 @@ TEST_F(ProgramTest, TheScriptingInterfaceSaysWhatWasWrong) {
 
   auto set = QDBusMessage::createMethodCall("org.lanternbud.Lanternbud", "/org/lanternbud/Lanternbud/Device/1",
                                             "org.freedesktop.DBus.Properties", "Set");
-  set << "org.lanternbud.Lanternbud.Device" << "Connected" << QVariant::fromValue(QDBusVariant(QString("yes")));
+  set << "org.lanternbud.Lanternbud.Device"
+      << "Connected" << QVariant::fromValue(QDBusVariant(QString("yes")));
   auto reply = scripting.call(set, QDBus::Block, 5000);
   EXPECT_EQ(reply.errorMessage(), "Connected takes a Boolean (b), not a value of type s.");
   set.setArguments({"org.lanternbud.Lanternbud.Device", "Name", QVariant::fromValue(QDBusVariant(QString("x")))});
   EXPECT_EQ(scripting.call(set, QDBus::Block, 5000).errorName(), "org.freedesktop.DBus.Error.PropertyReadOnly");
 
   auto introspect = [&](const QString& path) {
-    auto call = QDBusMessage::createMethodCall("org.lanternbud.Lanternbud", path, "org.freedesktop.DBus.Introspectable", "Introspect");
+    auto call = QDBusMessage::createMethodCall("org.lanternbud.Lanternbud", path, "org.freedesktop.DBus.Introspectable",
+                                               "Introspect");
     return scripting.call(call, QDBus::Block, 5000).arguments().value(0).toString();
   };
   EXPECT_TRUE(introspect("/org/lanternbud/Lanternbud").contains("<node name=\"Device\"/>"));
   EXPECT_TRUE(introspect("/org/lanternbud/Lanternbud/Device").contains("<node name=\"3\"/>"));
-  EXPECT_TRUE(introspect("/org/lanternbud/Lanternbud/Device/1").contains(R"(<property name="Connected" type="b" access="readwrite"/>)"));
+  EXPECT_TRUE(introspect("/org/lanternbud/Lanternbud/Device/1")
+                  .contains(R"(<property name="Connected" type="b" access="readwrite"/>)"));
   EXPECT_FALSE(connected(headsetAddress));
 
   // Settings go through the running program, which writes the file.
@@ -221,15 +230,22 @@ TEST_F(ProgramTest, ThePrintModeAnswersFromBlueZAndUPower) {
   ASSERT_TRUE(system.startUPower());
   system.bluez(bluezPath(headsetAddress), "org.freedesktop.DBus.Mock", "AddProperty",
                {"org.bluez.Battery1", "Percentage", QVariant::fromValue(QDBusVariant(QVariant::fromValue(uchar(73))))});
-  auto keyboard = system.upower("AddDischargingBattery", {"hid_keyboard", "K380", 64.0, qlonglong(0)}).arguments().value(0).toString();
-  system.upower("AddProperty", {"org.freedesktop.UPower.Device", "NativePath",
-                                QVariant::fromValue(QDBusVariant("hid-f0:99:b6:44:55:66-battery"))}, keyboard);
+  auto keyboard = system.upower("AddDischargingBattery", {"hid_keyboard", "K380", 64.0, qlonglong(0)})
+                      .arguments()
+                      .value(0)
+                      .toString();
+  system.upower("AddProperty",
+                {"org.freedesktop.UPower.Device", "NativePath",
+                 QVariant::fromValue(QDBusVariant("hid-f0:99:b6:44:55:66-battery"))},
+                keyboard);
 
   auto headset = program->run("LanternbudHelperTool", {"-PrintBatteryInfo", headsetAddress});
   EXPECT_EQ(headset.status, 0);
-  EXPECT_EQ(PropertyList::parse(headset.output), SettingsValue(SettingsValue::Dictionary{{"BatteryPercentSingle", 73}}));
+  EXPECT_EQ(PropertyList::parse(headset.output),
+            SettingsValue(SettingsValue::Dictionary{{"BatteryPercentSingle", 73}}));
   auto viaUPower = program->run("lanternbud", {"-PrintBatteryInfo", keyboardAddress});
-  EXPECT_EQ(PropertyList::parse(viaUPower.output), SettingsValue(SettingsValue::Dictionary{{"BatteryPercentSingle", 64}}));
+  EXPECT_EQ(PropertyList::parse(viaUPower.output),
+            SettingsValue(SettingsValue::Dictionary{{"BatteryPercentSingle", 64}}));
 
   auto unknown = program->run("lanternbud", {"-PrintBatteryInfo", "00:00:00:00:00:01"});
   EXPECT_EQ(unknown.status, 0);

@@ -60,7 +60,7 @@ double operationsPerSecond(std::size_t operations, Body body) {
 } // namespace
 
 int main() {
-  constexpr int limit = 1000;             // the program's caches hold 1000 entries
+  constexpr int limit = 1000; // the program's caches hold 1000 entries
   constexpr std::size_t operations = 4'000'000;
   std::mt19937 random(42);
   std::uniform_int_distribution<std::uint32_t> keyOf(0, 2 * limit); // about half miss
@@ -104,12 +104,12 @@ int main() {
     });
     std::printf("round %d  stores: PXRCache %5.1f M/s, plain LRU %5.1f M/s (ratio %.2f),"
                 " locked plain LRU %5.1f M/s (ratio %.2f)\n",
-                round + 1, cacheStores / 1e6, plainStores / 1e6, cacheStores / plainStores,
-                lockedStores / 1e6, cacheStores / lockedStores);
+                round + 1, cacheStores / 1e6, plainStores / 1e6, cacheStores / plainStores, lockedStores / 1e6,
+                cacheStores / lockedStores);
     std::printf("round %d  reads:  PXRCache %5.1f M/s, plain LRU %5.1f M/s (ratio %.2f),"
                 " locked plain LRU %5.1f M/s (ratio %.2f)\n",
-                round + 1, cacheReads / 1e6, plainReads / 1e6, cacheReads / plainReads,
-                lockedReads / 1e6, cacheReads / lockedReads);
+                round + 1, cacheReads / 1e6, plainReads / 1e6, cacheReads / plainReads, lockedReads / 1e6,
+                cacheReads / lockedReads);
   }
   return 0;
 }

@@ -83,14 +83,17 @@ int main(int argc, char** argv) {
     return 1;
   }
   auto watcher = session.connect("benchmark");
-  test::waitUntil([&] {
-    auto get = QDBusMessage::createMethodCall("org.lanternbud.Lanternbud", "/org/lanternbud/Lanternbud",
-                                              "org.freedesktop.DBus.Properties", "Get");
-    get << "org.lanternbud.Lanternbud" << "Devices";
-    auto reply = watcher.call(get, QDBus::Block, 1000);
-    auto paths = qdbus_cast<QList<QDBusObjectPath>>(reply.arguments().value(0).value<QDBusVariant>().variant());
-    return !paths.isEmpty();
-  }, 20);
+  test::waitUntil(
+      [&] {
+        auto get = QDBusMessage::createMethodCall("org.lanternbud.Lanternbud", "/org/lanternbud/Lanternbud",
+                                                  "org.freedesktop.DBus.Properties", "Get");
+        get << "org.lanternbud.Lanternbud"
+            << "Devices";
+        auto reply = watcher.call(get, QDBus::Block, 1000);
+        auto paths = qdbus_cast<QList<QDBusObjectPath>>(reply.arguments().value(0).value<QDBusVariant>().variant());
+        return !paths.isEmpty();
+      },
+      20);
   const auto firstDevice = clock.elapsed();
 
   const auto pid = program.process().processId();
@@ -120,8 +123,9 @@ int main(int argc, char** argv) {
   std::printf("  resident memory after start: %.1f MB (target under 15 MB): %.1f MB of the program's own, "
               "%.1f MB of mapped files (mostly Qt, ICU and the C++ library, shared with other programs)\n",
               resident, anonymous, files);
-  std::printf("  idle for %.0f s: %d D-Bus messages from %s on the system bus, %d from %s on the session bus (target 0)\n",
-              seconds, systemSent, qPrintable(onSystemName), sessionSent, qPrintable(onSessionName));
+  std::printf(
+      "  idle for %.0f s: %d D-Bus messages from %s on the system bus, %d from %s on the session bus (target 0)\n",
+      seconds, systemSent, qPrintable(onSystemName), sessionSent, qPrintable(onSessionName));
   std::printf("  idle for %.0f s and quitting: %ld requests to the sound server (target 0)\n", seconds, requests);
   return 0;
 }

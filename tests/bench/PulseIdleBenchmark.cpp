@@ -72,12 +72,14 @@ int main(int argc, char** argv) {
     std::this_thread::sleep_for(std::chrono::seconds(1));
   }
   std::printf("%zu devices, %d state-tracking queries over %.0f s: %llu requests sent to the server (target 0)\n",
-              audio.deviceIDs().size(), queries, seconds, static_cast<unsigned long long>(audio.requestsSent() - before));
+              audio.deviceIDs().size(), queries, seconds,
+              static_cast<unsigned long long>(audio.requestsSent() - before));
 
   for (int round = 0; round < 5; ++round) {
     auto name = "late" + std::to_string(round);
     auto start = std::chrono::steady_clock::now();
-    std::thread load([&] { pulse.loadBluetoothSink(name, "AA:BB:CC:DD:EE:0" + std::to_string(round), "Late " + name); });
+    std::thread load(
+        [&] { pulse.loadBluetoothSink(name, "AA:BB:CC:DD:EE:0" + std::to_string(round), "Late " + name); });
     auto count = audio.deviceIDs().size();
     while (audio.deviceIDs().size() == count) std::this_thread::sleep_for(std::chrono::microseconds(100));
     auto known = std::chrono::steady_clock::now();

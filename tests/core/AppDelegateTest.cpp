@@ -76,12 +76,15 @@ TEST(AppDelegate, PrintModeRunsNothingElseAndExitsZero) {
   UserDefaults printing(store, UserDefaults::argumentDomain({"lanternbud", "-PrintBatteryInfo", "00-11"}));
   std::string printed;
   bool ran = false;
-  EXPECT_EQ(AppDelegate::processEntry(printing, [&](const std::string& a) { printed = a; }, [&] { ran = true; }), 0);
+  EXPECT_EQ(AppDelegate::processEntry(
+                printing, [&](const std::string& a) { printed = a; }, [&] { ran = true; }),
+            0);
   EXPECT_EQ(printed, "00-11");
   EXPECT_FALSE(ran);
 
-  EXPECT_EQ(AppDelegate::processEntry(sim.defaults, [&](const std::string& a) { printed = "again " + a; },
-                                      [&] { ran = true; }), 0);
+  EXPECT_EQ(AppDelegate::processEntry(
+                sim.defaults, [&](const std::string& a) { printed = "again " + a; }, [&] { ran = true; }),
+            0);
   EXPECT_TRUE(ran);
   EXPECT_EQ(printed, "00-11");
 }

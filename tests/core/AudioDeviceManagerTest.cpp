@@ -37,9 +37,11 @@ protected:
 
 TEST_F(AudioDeviceManagerTest, MatchingByAddressInAnyCaseOrByTheExactName) {
   auto bluetooth = headset();
-  AudioDeviceManager::Device byAddress(sim.audioHardware, sim.audio.addDevice({"Other name", "bluez_sink.aa-bb-cc-dd-ee-ff.a2dp", true, true}));
+  AudioDeviceManager::Device byAddress(
+      sim.audioHardware, sim.audio.addDevice({"Other name", "bluez_sink.aa-bb-cc-dd-ee-ff.a2dp", true, true}));
   AudioDeviceManager::Device byName(sim.audioHardware, sim.audio.addDevice({"WH Headset", "something", true, true}));
-  AudioDeviceManager::Device wrongCase(sim.audioHardware, sim.audio.addDevice({"wh headset", "something else", true, true}));
+  AudioDeviceManager::Device wrongCase(sim.audioHardware,
+                                       sim.audio.addDevice({"wh headset", "something else", true, true}));
   EXPECT_TRUE(byAddress.matches(bluetooth));
   EXPECT_TRUE(byName.matches(bluetooth));
   EXPECT_FALSE(wrongCase.matches(bluetooth));
@@ -63,8 +65,8 @@ TEST_F(AudioDeviceManagerTest, NamesAreCachedEvenWhenTheReadFailed) {
   EXPECT_TRUE(first.isSpeaker());
   EXPECT_FALSE(AudioDeviceManager::Device(sim.audioHardware, micro).isSpeaker());
   EXPECT_EQ(AudioDeviceManager::multilineDescription({first, AudioDeviceManager::Device(sim.audioHardware, micro)}),
-            "[AudioDevice(id: " + std::to_string(builtIn) + ", name: unknown),\n    AudioDevice(id: " +
-                std::to_string(micro) + ", name: Built-in Microphone)]");
+            "[AudioDevice(id: " + std::to_string(builtIn) +
+                ", name: unknown),\n    AudioDevice(id: " + std::to_string(micro) + ", name: Built-in Microphone)]");
   EXPECT_EQ(AudioDeviceManager::multilineDescription({}), "[]");
 }
 
@@ -72,8 +74,10 @@ TEST_F(AudioDeviceManagerTest, FindingTheAudioDeviceOfAHeadset) {
   test::CapturedLog log;
   auto bluetooth = headset();
   EXPECT_THROW(sim.outputDeviceManager.audioDevice(bluetooth), AudioError);
-  EXPECT_TRUE(log.contains("Trying to set output device to <Matchable> but could not find it among the current devices"));
-  EXPECT_TRUE(log.contains("Output devices: [AudioDevice(id: " + std::to_string(builtIn) + ", name: Built-in Speakers)]"));
+  EXPECT_TRUE(
+      log.contains("Trying to set output device to <Matchable> but could not find it among the current devices"));
+  EXPECT_TRUE(
+      log.contains("Output devices: [AudioDevice(id: " + std::to_string(builtIn) + ", name: Built-in Speakers)]"));
   EXPECT_TRUE(log.contains("All devices: [AudioDevice"));
   EXPECT_FALSE(sim.outputDeviceManager.isPotentialOutput(bluetooth));
 
@@ -113,7 +117,8 @@ TEST_F(AudioDeviceManagerTest, SettingVerifiesAndSaysWhatWentWrong) {
     return std::optional<AudioError::Kind>();
   };
   EXPECT_EQ(kindOf(SimAudioSystem::SetOutcome::refused), AudioError::Kind::settingFailed);
-  EXPECT_TRUE(log.contains("Error -50 setting output device to AudioDevice(id: " + std::to_string(other) + ", name: USB)"));
+  EXPECT_TRUE(
+      log.contains("Error -50 setting output device to AudioDevice(id: " + std::to_string(other) + ", name: USB)"));
   EXPECT_EQ(kindOf(SimAudioSystem::SetOutcome::anotherStaysCurrent), AudioError::Kind::succeededButVerificationFailed);
   EXPECT_TRUE(log.contains(", but current device is actually AudioDevice(id: " + std::to_string(builtIn)));
   EXPECT_EQ(kindOf(SimAudioSystem::SetOutcome::nothingReadable), AudioError::Kind::succeededButCantVerify);

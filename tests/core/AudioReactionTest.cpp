@@ -20,7 +20,9 @@ struct Headset : test::SimulatedDevice {
     sim.audio.makeDefault(AudioDirection::input, microphone);
   }
 
-  bool outputIsHeadset() const { return audio.speaker && sim.audio.defaultDevice(AudioDirection::output) == audio.speaker; }
+  bool outputIsHeadset() const {
+    return audio.speaker && sim.audio.defaultDevice(AudioDirection::output) == audio.speaker;
+  }
 
   AudioDeviceID speakers;
   AudioDeviceID microphone;
@@ -55,7 +57,8 @@ TEST(AudioReaction, AManualConnectionMakesThePresentSpeakerTheOutput) {
 
   h.setting->toggleConnection();
   h.sim.loop.advance(2);
-  EXPECT_TRUE(log.contains("Setting sound output device because connection was manually initiated: <DeviceSetting: WH Headset>"));
+  EXPECT_TRUE(log.contains(
+      "Setting sound output device because connection was manually initiated: <DeviceSetting: WH Headset>"));
   EXPECT_TRUE(h.outputIsHeadset());
   EXPECT_EQ(h.setting->isAudioOutput(), true);
   EXPECT_EQ(h.setting->outputFixer().state(), OutputFixer::State::ok());
@@ -123,7 +126,8 @@ TEST(AudioReaction, AMouseNeverBecomesAPotentialOutput) {
   EXPECT_EQ(d.setting->isPotentialAudioOutput(), false);
   EXPECT_NE(d.setting->isAudioOutput(), true); // false since it was first seen disconnected
   EXPECT_EQ(d.setting->outputFixer().state(), OutputFixer::State::ok());
-  EXPECT_TRUE(log.contains("No need to set sound output device because it was already set automatically: <DeviceSetting: MX Master>"));
+  EXPECT_TRUE(log.contains(
+      "No need to set sound output device because it was already set automatically: <DeviceSetting: MX Master>"));
 }
 
 TEST(AudioReaction, TheInputIsRestoredForDevicesThatKeepIt) {
@@ -152,7 +156,8 @@ TEST(AudioReaction, ConnectScriptRunsAreSpacedByTheInterval) {
   d.sim.loop.advance(3);
   d.setting->reactToSettingAudioOutput();
   EXPECT_EQ(runs(), 1);
-  EXPECT_TRUE(log.contains("Skipping connect script because audio output set because just ran: <DeviceSetting: WH Headset>"));
+  EXPECT_TRUE(
+      log.contains("Skipping connect script because audio output set because just ran: <DeviceSetting: WH Headset>"));
   d.sim.loop.advance(1); // 4 s after the run: not less than the interval
   d.setting->reactToSettingAudioOutput();
   EXPECT_EQ(runs(), 2);

@@ -27,7 +27,8 @@ TEST(BatteryType, ReadsTheFirstKeyThatApplies) {
   EXPECT_EQ(BatteryType::from({{"BatteryPercentCombined", 85.9}}), (BatteryType{Kind::single, 85}));
   EXPECT_EQ(BatteryType::from({{"BatteryPercentSingle", 60}, {"BatteryPercentLeft", 1}, {"BatteryPercentRight", 2}}),
             (BatteryType{Kind::single, 60}));
-  EXPECT_EQ(BatteryType::from({{"BatteryPercentLeft", 0}, {"BatteryPercentRight", 70}}), (BatteryType{Kind::leftRight, 0, 70}));
+  EXPECT_EQ(BatteryType::from({{"BatteryPercentLeft", 0}, {"BatteryPercentRight", 70}}),
+            (BatteryType{Kind::leftRight, 0, 70}));
   EXPECT_EQ(BatteryType::from({{"BatteryPercentLeft", 40}, {"HeadsetBattery", 55.0}}), (BatteryType{Kind::single, 55}));
   EXPECT_FALSE(BatteryType::from({{"HeadsetBattery", "85"}, {"BatteryPercentCase", 90}}));
   EXPECT_FALSE(BatteryType::from({{"BatteryPercentCombined", std::nan("")}}));
@@ -36,7 +37,9 @@ TEST(BatteryType, ReadsTheFirstKeyThatApplies) {
 
 TEST(BatteryInfo, TheHelperIsAskedOnlyOnceTheProgramHasRunTenMinutes) {
   test::SimulatedDevice d({}, 4, "Headset");
-  d.sim.batterySources.helper = [](const std::string&) { return SettingsValue(Dictionary{{"BatteryPercentSingle", 42}}); };
+  d.sim.batterySources.helper = [](const std::string&) {
+    return SettingsValue(Dictionary{{"BatteryPercentSingle", 42}});
+  };
   d.sim.loop.advance(599);
   EXPECT_FALSE(d.sim.batteryInfo.shouldUseHelper());
   d.sim.loop.advance(2);
@@ -75,8 +78,8 @@ TEST(BatteryInfo, TheRegistryEntryMustBeIncludedMatchingAndNonZero) {
   EXPECT_TRUE(d.sim.batteryInfo.registryInfo(*d.device).empty()); // in both lists: excluded
   d.sim.defaults.removeValue("BatteryInfoRegistryExcludedNames");
   d.sim.defaults.setValue("BatteryInfoRegistryIncludedNames", SettingsValue::Array{});
-  d.device->setBatteryProperty("batteryPercentSingle", 0);      // zero: left out
-  d.device->setBatteryProperty("headsetBattery", "charging");   // not a number: kept
+  d.device->setBatteryProperty("batteryPercentSingle", 0);    // zero: left out
+  d.device->setBatteryProperty("headsetBattery", "charging"); // not a number: kept
   EXPECT_EQ(d.sim.batteryInfo.info(*d.device), (Dictionary{{"HeadsetBattery", "charging"}}));
 
   sources.registryFails = true;
@@ -113,8 +116,8 @@ TEST(BatteryInfo, PrintModeAnswersFromTheDeviceAloneAndNeverThrows) {
   EXPECT_EQ(printed, (std::vector<Dictionary>{{}}));
 
   test::CapturedLog log;
-  d.sim.batteryInfo.mainPrintBatteryInfo(d.sim.bluetooth, d.address,
-                                         [](const Dictionary&) { throw std::runtime_error("standard output is closed"); });
+  d.sim.batteryInfo.mainPrintBatteryInfo(
+      d.sim.bluetooth, d.address, [](const Dictionary&) { throw std::runtime_error("standard output is closed"); });
   EXPECT_TRUE(log.contains("Main battery info error standard output is closed"));
 }
 
@@ -131,7 +134,8 @@ TEST(BatteryPresentation, TextsForOneLevelAndForEarbuds) {
 
   // Earbuds, as the helper tool reports them: zeros included.
   auto earbuds = [&](int left, int right) {
-    d.sim.deviceInfoCache.setValue(d.setting.get(), Dictionary{{"BatteryPercentLeft", left}, {"BatteryPercentRight", right}});
+    d.sim.deviceInfoCache.setValue(d.setting.get(),
+                                   Dictionary{{"BatteryPercentLeft", left}, {"BatteryPercentRight", right}});
   };
   earbuds(40, 70);
   EXPECT_EQ(d.setting->batteryLevel(), 40);

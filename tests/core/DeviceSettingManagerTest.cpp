@@ -55,8 +55,8 @@ TEST(DeviceSettingManager, OneElementThatIsNotADictionaryLoadsNothing) {
 }
 
 TEST(DeviceSettingManager, SortsByNameIgnoringCaseAndKeepsEqualNamesInOrder) {
-  InMemorySettingsStore store({{"devices", SettingsValue::Array{saved(1, "b"), saved(2, "A"), saved(3, "a"),
-                                                                saved(9, "x"), saved(4, "y")}}});
+  InMemorySettingsStore store(
+      {{"devices", SettingsValue::Array{saved(1, "b"), saved(2, "A"), saved(3, "a"), saved(9, "x"), saved(4, "y")}}});
   SimulatedPlatform sim(store);
   sim.world.addDevice("b", "beta", 5);
   sim.world.addDevice("A", "Alpha", 5);
@@ -84,8 +84,10 @@ TEST(DeviceSettingManager, AddingARegisteredAddressChangesNothing) {
 TEST(DeviceSettingManager, RemovingDeletesScriptsAndShortcutKeysButNotTheSavedList) {
   const SettingsValue devices = SettingsValue::Array{saved(1, "a"), saved(2, "b")};
   const std::string folder = SimScriptsFolder::folder;
-  InMemorySettingsStore store({{"devices", devices}, {"shortcutDictForDevice2", SettingsValue::Dictionary{}},
-                               {"shortcutForDevice2", "old"}, {"shortcutDictForDevice1", SettingsValue::Dictionary{}},
+  InMemorySettingsStore store({{"devices", devices},
+                               {"shortcutDictForDevice2", SettingsValue::Dictionary{}},
+                               {"shortcutForDevice2", "old"},
+                               {"shortcutDictForDevice1", SettingsValue::Dictionary{}},
                                {"scriptFolderURL", SettingsValue::Data(folder.begin(), folder.end())}});
   SimulatedPlatform sim(store);
   sim.world.addDevice("a", "Alpha", 5);

@@ -33,10 +33,9 @@ TEST_F(DeviceSettingTest, AnEmptyDictionaryGivesEveryDefault) {
 
 TEST_F(DeviceSettingTest, ScriptFilesReplaceWhatTheSavedOptionsSay) {
   sim.scriptsFolder.files["4.disconnected"] = "#!/bin/sh\nlogger bye\n";
-  auto setting = DeviceSetting::make(sim.services, {{"deviceID", 4},
-                                                    {"connected", "stale text"},
-                                                    {"disconnected", "stale text"},
-                                                    {"legacyKey", "kept"}});
+  auto setting = DeviceSetting::make(
+      sim.services,
+      {{"deviceID", 4}, {"connected", "stale text"}, {"disconnected", "stale text"}, {"legacyKey", "kept"}});
   auto options = setting->options();
   EXPECT_FALSE(options.contains("connected"));
   EXPECT_EQ(options.at("disconnected"), SettingsValue("#!/bin/sh\nlogger bye\n"));
@@ -85,7 +84,8 @@ TEST_F(DeviceSettingTest, TheFirstObservationOnlyRecordsTheState) {
   sim.loop.advance(1.0); // the slow timer
   EXPECT_EQ(setting->isConnected(), true);
   EXPECT_TRUE(log.contains("isConnected is now true <DeviceSetting: Mouse> because timer"));
-  EXPECT_TRUE(log.contains("Previous connection state was unknown: <DeviceSetting: Mouse> so won't run script or change input"));
+  EXPECT_TRUE(log.contains(
+      "Previous connection state was unknown: <DeviceSetting: Mouse> so won't run script or change input"));
 
   sim.world.setConnected("aa", false);
   sim.loop.advance(1.0);

@@ -16,8 +16,13 @@ TEST(MenuBarIconOption, RawValuesGaugesAndTheMenu) {
   EXPECT_EQ(toolTip(MenuBarIconOption::sonyWH1000XM4), "Sony WH-1000XM4");
   EXPECT_FALSE(toolTip(MenuBarIconOption::wand));
 
-  for (auto [level, name] : {std::pair{-3, "battery-0"}, {4, "battery-0"}, {5, "battery-1"}, {14, "battery-1"},
-                             {94, "battery-9"}, {95, "battery-10"}, {150, "battery-10"}}) {
+  for (auto [level, name] : {std::pair{-3, "battery-0"},
+                             {4, "battery-0"},
+                             {5, "battery-1"},
+                             {14, "battery-1"},
+                             {94, "battery-9"},
+                             {95, "battery-10"},
+                             {150, "battery-10"}}) {
     EXPECT_EQ(batteryImageName(level), name) << level;
   }
 
@@ -34,7 +39,8 @@ TEST(MenuBarIconOption, RawValuesGaugesAndTheMenu) {
 TEST(MenuBarIconOption, TheGaugeSitsRightOfTheIconOverlappingIt) {
   SimImages images;
   images.artwork = {{"headphones-fill", {20, 16}}, {"mouse", {20, 18}}, {"battery-9", {8, 10}}};
-  auto composed = std::dynamic_pointer_cast<SimImages::SimImage>(image(images, MenuBarIconOption::headphones, 85, 0.25));
+  auto composed = std::dynamic_pointer_cast<SimImages::SimImage>(
+      image(images, MenuBarIconOption::headphones, 85, 0.25));
   ASSERT_TRUE(composed);
   EXPECT_DOUBLE_EQ(composed->size().width, 31.0);
   EXPECT_DOUBLE_EQ(composed->size().height, 16.0);
@@ -63,7 +69,8 @@ TEST(MenuBarIconOption, MissingArtworkIsLoggedNotFatal) {
   EXPECT_TRUE(log.contains("Missing image: battery-5"));
   EXPECT_FALSE(image(images, MenuBarIconOption::keyboard, 50, 1.0));
 
-  auto faded = std::dynamic_pointer_cast<SimImages::SimImage>(connectedImage(images, MenuBarIconOption::headphones, 0.25));
+  auto faded = std::dynamic_pointer_cast<SimImages::SimImage>(
+      connectedImage(images, MenuBarIconOption::headphones, 0.25));
   EXPECT_DOUBLE_EQ(faded->layers.at(0).opacity, 0.25);
 
   EXPECT_EQ(availableIconsForMenu(images).size(), 59u);

@@ -28,8 +28,7 @@ TEST(OutputFixer, WalksThroughItsTriesAndGivesUp) {
                                       State::waitingToDisconnect(3), State::waitingToReconnect(3),
                                       State::waitingToDisconnect(2), State::waitingToReconnect(2),
                                       State::waitingToDisconnect(1), State::waitingToReconnect(1),
-                                      State::waitingToDisconnect(0), State::waitingToReconnect(0),
-                                      State::gaveUp()}));
+                                      State::waitingToDisconnect(0), State::waitingToReconnect(0), State::gaveUp()}));
   EXPECT_TRUE(log.contains("Gave up trying to fix audio output: <DeviceSetting: Headset>"));
   fixer.didFailToSetAudioOutput();
   EXPECT_TRUE(log.contains("Already exhausted tries to fix audio ouptut"));

@@ -136,7 +136,8 @@ TEST(Scripts, SavingWritesOnlyWhatChanged) {
   reloaded->setShellScriptAfterConnected(std::nullopt); // cleared in the editor
   reloaded->setShellScriptAfterDisconnected("#!/bin/sh\r\nlogger gone\r\n");
   reloaded->saveScripts();
-  EXPECT_EQ(d.sim.scriptsFolder.files, (std::map<std::string, std::string>{{"1.disconnected", "#!/bin/sh\nlogger gone\n"}}));
+  EXPECT_EQ(d.sim.scriptsFolder.files,
+            (std::map<std::string, std::string>{{"1.disconnected", "#!/bin/sh\nlogger gone\n"}}));
 }
 
 } // namespace lb

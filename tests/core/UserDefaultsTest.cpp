@@ -27,8 +27,13 @@ TEST(UserDefaults, TheCommandLineWinsForThatRunOnly) {
 
 TEST(UserDefaults, CommandLineTextIsReadAsTheWantedType) {
   InMemorySettingsStore store;
-  UserDefaults defaults(store, {{"A", "NO"}, {"B", "1"}, {"C", "true"}, {"Tries", "-3"},
-                                {"Names", R"(["x", "y"])"}, {"Bad", "perhaps"}, {"Half", "12abc"}});
+  UserDefaults defaults(store, {{"A", "NO"},
+                                {"B", "1"},
+                                {"C", "true"},
+                                {"Tries", "-3"},
+                                {"Names", R"(["x", "y"])"},
+                                {"Bad", "perhaps"},
+                                {"Half", "12abc"}});
   EXPECT_FALSE(defaults.boolValue("A", true));
   EXPECT_TRUE(defaults.boolValue("B", false));
   EXPECT_TRUE(defaults.boolValue("C", false));
@@ -65,7 +70,7 @@ TEST(Tunables, ReadOnceKeysKeepTheirFirstValueAndOthersFollowTheSettings) {
   defaults.setValue("ConnectionWaitInterval", 5.0);
   defaults.setValue("TrySyncConnectFirst", false);
   EXPECT_DOUBLE_EQ(tunables(tunable::ConnectionWaitInterval).count(), 1.0); // until the next start
-  EXPECT_FALSE(tunables(tunable::TrySyncConnectFirst));             // read at each attempt
+  EXPECT_FALSE(tunables(tunable::TrySyncConnectFirst));                     // read at each attempt
 
   Tunables nextStart(defaults);
   EXPECT_DOUBLE_EQ(nextStart(tunable::ConnectionWaitInterval).count(), 5.0);

@@ -56,11 +56,16 @@ TEST(PXRAtomic, ConcurrentIncrementsAreNotLost) {
 
 TEST(PXRAtomic, MutateReturnsTheResultAndKeepsChangesMadeBeforeAThrow) {
   PXRAtomic<std::vector<int>> list({});
-  EXPECT_EQ(list.mutate([](std::vector<int>& v) { v.push_back(1); return v.size(); }), 1u);
+  EXPECT_EQ(list.mutate([](std::vector<int>& v) {
+    v.push_back(1);
+    return v.size();
+  }),
+            1u);
   EXPECT_THROW(list.mutate([](std::vector<int>& v) {
     v.push_back(2);
     throw std::runtime_error("after the change");
-  }), std::runtime_error);
+  }),
+               std::runtime_error);
   EXPECT_EQ(list.value(), (std::vector<int>{1, 2}));
   list.setValue({5});
   EXPECT_EQ(list.value(), std::vector<int>{5});

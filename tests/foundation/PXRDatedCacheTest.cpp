@@ -55,8 +55,7 @@ TEST(PXRExpiringCache, FillRunsOnlyWhenTheValueIsNotCurrent) {
   EXPECT_EQ(cache.fill(7, fetch), "name 2");
 
   loop.advance(60);
-  EXPECT_THROW(cache.fill(7, []() -> std::string { throw std::runtime_error("gone"); }),
-               std::runtime_error);
+  EXPECT_THROW(cache.fill(7, []() -> std::string { throw std::runtime_error("gone"); }), std::runtime_error);
   auto kept = cache.cachedValue(7);
   ASSERT_TRUE(kept);
   EXPECT_FALSE(kept->isCurrent());

@@ -21,8 +21,8 @@ TEST(SettingsJson, ReadsBackWhatItWrites) {
 
 TEST(SettingsJson, RefusesWhatSettingsCannotHold) {
   std::string error;
-  for (std::string text : {"null", "[1, null]", "18446744073709551615", R"({"$data": "abc"})",
-                           R"({"$data": "zz"})", "{", "\"\xff\""}) {
+  for (std::string text :
+       {"null", "[1, null]", "18446744073709551615", R"({"$data": "abc"})", R"({"$data": "zz"})", "{", "\"\xff\""}) {
     EXPECT_FALSE(SettingsJson::parse(text, error)) << text;
     EXPECT_FALSE(error.empty());
   }

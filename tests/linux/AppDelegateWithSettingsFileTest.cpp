@@ -35,7 +35,7 @@ TEST(AppDelegateWithSettingsFile, ALaunchAndQuitKeepTheUsersDevices) {
     registry.add(*sim.bluetooth.deviceWithAddressString("bb"));
     ASSERT_EQ(registry.deviceSettingList().size(), 3u);
     EXPECT_EQ(registry.deviceSettingList()[1]->deviceID(), 4); // sorted between Alpha and Zed
-    registry.remove(2); // Zed Headphones, ID 1
+    registry.remove(2);                                        // Zed Headphones, ID 1
     sim.loop.advance(30);
     app.applicationWillTerminate();
   }
@@ -46,8 +46,11 @@ TEST(AppDelegateWithSettingsFile, ALaunchAndQuitKeepTheUsersDevices) {
   auto devices = reread.value("devices");
   ASSERT_TRUE(devices);
   EXPECT_EQ(*devices, SettingsValue(SettingsValue::Array{
-                          SettingsValue::Dictionary{{"deviceID", 3}, {"device", "cc"}, {"icon", "mouse"},
-                                                    {"fromAnOlderVersion", 1}, {"deviceName", "Alpha Mouse"}},
+                          SettingsValue::Dictionary{{"deviceID", 3},
+                                                    {"device", "cc"},
+                                                    {"icon", "mouse"},
+                                                    {"fromAnOlderVersion", 1},
+                                                    {"deviceName", "Alpha Mouse"}},
                           SettingsValue::Dictionary{{"deviceID", 4}, {"device", "bb"}, {"deviceName", "Beta Keyboard"}},
                       }));
 }

@@ -66,13 +66,16 @@ TEST_F(UPowerTest, EveryDeviceIsAnEntryWithTheBatteryKeys) {
   auto entries = registry.entries();
   ASSERT_EQ(entries.size(), 2u);
   EXPECT_EQ(entries[0].name, "org.freedesktop.UPower.Device");
-  EXPECT_EQ(propertiesAt(registry, mousePath),
-            (Dictionary{{"DeviceAddress", mouseAddress}, {"SerialNumber", "f0:99:b6:11:22:33"},
-                        {"Product", "MX Mouse"}, {"BatteryPercentSingle", 55}}));
+  EXPECT_EQ(propertiesAt(registry, mousePath), (Dictionary{{"DeviceAddress", mouseAddress},
+                                                           {"SerialNumber", "f0:99:b6:11:22:33"},
+                                                           {"Product", "MX Mouse"},
+                                                           {"BatteryPercentSingle", 55}}));
 
   // Followed from UPower's signals: a change, a new device, a removal.
-  bus.upower("SetDeviceProperties", {QVariant::fromValue(QDBusObjectPath(mousePath)), QVariantMap{{"Percentage", 41.0}}});
-  EXPECT_TRUE(test::waitUntil([&] { return propertiesAt(registry, mousePath)->at("BatteryPercentSingle") == SettingsValue(41); }));
+  bus.upower("SetDeviceProperties",
+             {QVariant::fromValue(QDBusObjectPath(mousePath)), QVariantMap{{"Percentage", 41.0}}});
+  EXPECT_TRUE(test::waitUntil(
+      [&] { return propertiesAt(registry, mousePath)->at("BatteryPercentSingle") == SettingsValue(41); }));
   auto pad = addBattery("pad", "Gamepad", 12.0, {});
   EXPECT_TRUE(test::waitUntil([&] { return propertiesAt(registry, pad).has_value(); }));
   bus.upower("RemoveDevice", {QVariant::fromValue(QDBusObjectPath(mousePath))});

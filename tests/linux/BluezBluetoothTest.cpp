@@ -37,8 +37,8 @@ protected:
 
   void populate() {
     bus.bluez("/", "org.bluez.Mock", "AddAdapter", {"hci0", "my-computer"});
-    for (auto [address, name, deviceClass] : {std::tuple{headsetAddress, "WH Headset", 0x240404},
-                                              std::tuple{mouseAddress, "MX Mouse", 0x002580}}) {
+    for (auto [address, name, deviceClass] :
+         {std::tuple{headsetAddress, "WH Headset", 0x240404}, std::tuple{mouseAddress, "MX Mouse", 0x002580}}) {
       bus.bluez("/", "org.bluez.Mock", "AddDevice", {"hci0", address, name});
       bus.bluez("/", "org.bluez.Mock", "PairDevice", {"hci0", address, deviceClass});
     }
@@ -88,10 +88,14 @@ TEST_F(BluezTest, FindsDevicesByEitherAddressForm) {
 TEST_F(BluezTest, ConnectAndDisconnectWithTheirNotifications) {
   std::vector<std::string> heard;
   auto connects = bluetooth->registerForConnectNotifications(
-      [&](const BluetoothNotification&, std::shared_ptr<BluetoothDevice> device) { heard.push_back("connected " + device->addressString()); });
+      [&](const BluetoothNotification&, std::shared_ptr<BluetoothDevice> device) {
+        heard.push_back("connected " + device->addressString());
+      });
   auto headset = bluetooth->deviceWithAddressString(headsetAddress);
   auto disconnects = bluetooth->registerForDisconnectNotification(
-      *headset, [&](const BluetoothNotification&, std::shared_ptr<BluetoothDevice> device) { heard.push_back("disconnected " + device->addressString()); });
+      *headset, [&](const BluetoothNotification&, std::shared_ptr<BluetoothDevice> device) {
+        heard.push_back("disconnected " + device->addressString());
+      });
 
   EXPECT_TRUE(pxrIsSuccess(onWorker([&] { return headset->openConnection(); })));
   EXPECT_TRUE(test::waitUntil([&] { return headset->isConnected() && heard.size() == 1; }));
@@ -108,25 +112,28 @@ TEST_F(BluezTest, ConnectAndDisconnectWithTheirNotifications) {
 
 TEST_F(BluezTest, BluezErrorsBecomeResultCodes) {
   auto headset = bluetooth->deviceWithAddressString(headsetAddress);
-  replaceMethod(headsetPath, "Connect", "raise dbus.exceptions.DBusException('Page Timeout', name='org.bluez.Error.Failed')");
+  replaceMethod(headsetPath, "Connect",
+                "raise dbus.exceptions.DBusException('Page Timeout', name='org.bluez.Error.Failed')");
   auto page = onWorker([&] { return headset->openConnection(); });
   EXPECT_EQ(page.code(), 4);
   EXPECT_EQ(page.detail, "org.bluez.Error.Failed: Page Timeout");
 
-  replaceMethod(headsetPath, "Connect", "raise dbus.exceptions.DBusException('br-connection-page-timeout', name='org.bluez.Error.Failed')");
+  replaceMethod(headsetPath, "Connect",
+                "raise dbus.exceptions.DBusException('br-connection-page-timeout', name='org.bluez.Error.Failed')");
   EXPECT_EQ(onWorker([&] { return headset->openConnection(); }).code(), 4);
-  replaceMethod(headsetPath, "Connect", "raise dbus.exceptions.DBusException('Resource Not Ready', name='org.bluez.Error.NotReady')");
+  replaceMethod(headsetPath, "Connect",
+                "raise dbus.exceptions.DBusException('Resource Not Ready', name='org.bluez.Error.NotReady')");
   EXPECT_EQ(onWorker([&] { return headset->openConnection(); }).code(), 727);
-  replaceMethod(headsetPath, "Connect", "raise dbus.exceptions.DBusException('Input/output error', name='org.bluez.Error.Failed')");
+  replaceMethod(headsetPath, "Connect",
+                "raise dbus.exceptions.DBusException('Input/output error', name='org.bluez.Error.Failed')");
   auto other = onWorker([&] { return headset->openConnection(); });
   EXPECT_EQ(other.code(), 700);
   EXPECT_NE(pxrDescription(other).find("org.bluez.Error.Failed: Input/output error"), std::string::npos);
 
   // An adapter that is off: known from the mirror, nothing is sent.
-  bus.bluez(adapterPath, "org.freedesktop.DBus.Mock", "UpdateProperties", {"org.bluez.Adapter1", QVariantMap{{"Powered", false}}});
-  ASSERT_TRUE(test::waitUntil([&] {
-    return onWorker([&] { return headset->openConnection(); }).code() == 727;
-  }));
+  bus.bluez(adapterPath, "org.freedesktop.DBus.Mock", "UpdateProperties",
+            {"org.bluez.Adapter1", QVariantMap{{"Powered", false}}});
+  ASSERT_TRUE(test::waitUntil([&] { return onWorker([&] { return headset->openConnection(); }).code() == 727; }));
 
   // Unpaired while held: gone for lookups, and its calls answer at once.
   bus.bluez(adapterPath, "org.bluez.Adapter1", "RemoveDevice", {QVariant::fromValue(QDBusObjectPath(headsetPath))});
@@ -164,7 +171,8 @@ TEST_F(BluezTest, ABatteryLevelComesFromTheMirror) {
   bus.bluez("/", "org.freedesktop.DBus.Mock", "EmitSignal",
             {"org.freedesktop.DBus.ObjectManager", "InterfacesAdded", "oa{sa{sv}}",
              QVariantList{QVariant::fromValue(QDBusObjectPath(headsetPath)),
-                          QVariant::fromValue(BluezInterfaceMap{{"org.bluez.Battery1", QVariantMap{{"Percentage", QVariant::fromValue(uchar(73))}}}})}});
+                          QVariant::fromValue(BluezInterfaceMap{
+                              {"org.bluez.Battery1", QVariantMap{{"Percentage", QVariant::fromValue(uchar(73))}}}})}});
   EXPECT_TRUE(test::waitUntil([&] { return headset->batteryProperty("batteryPercentSingle") == SettingsValue(73); }));
   bus.bluez(headsetPath, "org.freedesktop.DBus.Mock", "UpdateProperties",
             {"org.bluez.Battery1", QVariantMap{{"Percentage", QVariant::fromValue(uchar(72))}}});
@@ -189,7 +197,8 @@ TEST_F(BluezTest, ADeviceSettingFollowsAndConnectsItsDevice) {
   bus.bluez(headsetPath, "org.bluez.Device1", "Disconnect"); // from outside
   EXPECT_TRUE(test::waitUntil([&] { return setting->isConnected() == false; }));
 
-  replaceMethod(headsetPath, "Connect", "raise dbus.exceptions.DBusException('Page Timeout', name='org.bluez.Error.Failed')");
+  replaceMethod(headsetPath, "Connect",
+                "raise dbus.exceptions.DBusException('Page Timeout', name='org.bluez.Error.Failed')");
   setting->toggleConnection();
   EXPECT_TRUE(test::waitUntil([&] { return !sim.alerts.shown.empty(); }));
   EXPECT_EQ(sim.alerts.shown[0].informativeText, "The Bluetooth connection timed out.");

@@ -30,8 +30,7 @@ public:
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
     std::strncpy(address.sun_path, JournalLogSink::socketPath, sizeof address.sun_path - 1);
-    if (error || descriptor_ < 0 ||
-        bind(descriptor_, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0) {
+    if (error || descriptor_ < 0 || bind(descriptor_, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0) {
       skipReason_ = "cannot listen on " + std::string(JournalLogSink::socketPath) +
                     " (run the tests as root on a machine without journald)";
       return;
@@ -81,8 +80,8 @@ TEST(JournalLogSink, SendsTheLineWithItsLocationAreaAndCategory) {
 
   auto sink = JournalLogSink::ifReachable("lanternbud");
   ASSERT_TRUE(sink);
-  sink->write({std::chrono::system_clock::now(), "core/DeviceSetting.cpp", 42, "void toggleConnection()",
-               "LogConnect", "Connecting 100% <DeviceSetting: Headset>"});
+  sink->write({std::chrono::system_clock::now(), "core/DeviceSetting.cpp", 42, "void toggleConnection()", "LogConnect",
+               "Connecting 100% <DeviceSetting: Headset>"});
   auto fields = journal.receive();
   EXPECT_EQ(fields["MESSAGE"], "Connecting 100% <DeviceSetting: Headset>");
   EXPECT_EQ(fields["CODE_FILE"], "core/DeviceSetting.cpp");

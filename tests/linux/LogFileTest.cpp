@@ -55,8 +55,7 @@ TEST(LinuxLogger, AnAreaSwitchedOnForOneRunWritesToTheLogFile) {
   store.setValue("LogScript", true);
   store.setValue("LogConnect", false);
   UserDefaults defaults(store, UserDefaults::argumentDomain({"lanternbud", "-LogConnect", "YES"}));
-  LinuxLogger::install([&](const std::string& area) { return defaults.boolValue(area, false); },
-                       "lanternbud");
+  LinuxLogger::install([&](const std::string& area) { return defaults.boolValue(area, false); }, "lanternbud");
   PXR_LOG(connectLog(), "from the command line");
   PXR_LOG(scriptLog(), "from the settings file");
   PXR_LOG(outputLog(), "never");

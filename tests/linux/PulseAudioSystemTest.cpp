@@ -83,7 +83,8 @@ TEST_F(PulseAudioTest, ADeviceThatComesAndGoesKeepsItsID) {
 TEST_F(PulseAudioTest, AServerRestartIsFollowed) {
   test::CapturedLog log;
   pulse.stop();
-  EXPECT_TRUE(test::eventually([&] { return audio->deviceIDs().empty() && !audio->defaultDevice(AudioDirection::output); }));
+  EXPECT_TRUE(
+      test::eventually([&] { return audio->deviceIDs().empty() && !audio->defaultDevice(AudioDirection::output); }));
   EXPECT_TRUE(log.contains("Lost the sound server"));
   auto started = std::chrono::steady_clock::now();
   EXPECT_NE(audio->setDefaultDevice(AudioDirection::output, 1), 0);

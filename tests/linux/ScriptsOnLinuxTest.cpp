@@ -56,10 +56,12 @@ TEST(ScriptsOnLinux, AConnectScriptRunsAsItsOwnProgram) {
   test::CapturedLog log({"LogScript"});
   RealScripts r;
   auto marker = r.home / "marker";
-  r.writeScript("1.connected", "#!/bin/sh\necho \"$0\" > '" + marker.string() + "'\n", std::filesystem::perms::owner_all);
+  r.writeScript("1.connected", "#!/bin/sh\necho \"$0\" > '" + marker.string() + "'\n",
+                std::filesystem::perms::owner_all);
   r.setting->setRunShellScriptAfterConnected(true);
   r.setting->runScript(ScriptType::connected);
-  EXPECT_TRUE(eventually(log, "Successfully ran script <DeviceSetting: Keyboard>: " + (r.folder / "1.connected").string()));
+  EXPECT_TRUE(
+      eventually(log, "Successfully ran script <DeviceSetting: Keyboard>: " + (r.folder / "1.connected").string()));
   EXPECT_EQ(test::readFile(marker), (r.folder / "1.connected").string() + "\n");
   EXPECT_FALSE(std::filesystem::exists("pwned"));
   EXPECT_FALSE(std::filesystem::exists(r.home / "pwned"));
@@ -79,7 +81,8 @@ TEST(ScriptsOnLinux, FailuresSayWhatHappened) {
   r.setting->runScript(ScriptType::connected);
   EXPECT_TRUE(eventually(log, "killed by signal 9"));
 
-  r.writeScript("1.disconnected", "#!/bin/sh\n", std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+  r.writeScript("1.disconnected", "#!/bin/sh\n",
+                std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
   r.setting->runScript(ScriptType::disconnected);
   EXPECT_TRUE(log.contains("Error creating script: Permission denied"));
 
@@ -105,7 +108,8 @@ TEST(ScriptsOnLinux, AScriptThatKeepsRunningHoldsNothingUp) {
   EXPECT_TRUE(nextEventRan);
   EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(30)); // far from the script's 60 s
 
-  for (int i = 0; i < 500 && test::readFile(pidFile).empty(); ++i) std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  for (int i = 0; i < 500 && test::readFile(pidFile).empty(); ++i)
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
   pid_t pid = std::stoi(test::readFile(pidFile));
   EXPECT_EQ(getpgid(pid), pid); // a process group of its own
   kill(pid, SIGKILL);

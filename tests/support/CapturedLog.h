@@ -17,8 +17,7 @@ class CapturedLog {
 public:
   explicit CapturedLog(std::set<std::string> areasOn = {})
       : areasOn_(std::move(areasOn)), sink_(std::make_shared<Sink>()) {
-    auto logger = std::make_shared<PXRLogger>(
-        [this](const std::string& area) { return areasOn_.contains(area); });
+    auto logger = std::make_shared<PXRLogger>([this](const std::string& area) { return areasOn_.contains(area); });
     logger->addSink(sink_);
     PXRLogger::setSharedLogger(logger);
   }

@@ -26,11 +26,14 @@ PrivateBus::PrivateBus(Kind kind) {
     return;
   }
   auto socket = folder_ / "system_bus_socket";
-  test::writeFile(folder_ / "bus.conf", R"(<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
+  test::writeFile(folder_ / "bus.conf",
+                  R"(<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
  "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
 <busconfig>
-  <type>)" + std::string(kind == Kind::system ? "system" : "session") + R"(</type>
-  <listen>unix:path=)" + socket.string() + R"(</listen>
+  <type>)" + std::string(kind == Kind::system ? "system" : "session") +
+                      R"(</type>
+  <listen>unix:path=)" +
+                      socket.string() + R"(</listen>
   <auth>EXTERNAL</auth>
   <policy context="default">
     <allow user="*"/>
@@ -43,7 +46,8 @@ PrivateBus::PrivateBus(Kind kind) {
 )");
   daemon_ = std::make_unique<QProcess>();
   daemon_->setStandardErrorFile(QProcess::nullDevice()); // it complains of fd limits it may not raise
-  daemon_->start("/usr/bin/dbus-daemon", {"--config-file=" + QString::fromStdString((folder_ / "bus.conf").string()), "--nofork"});
+  daemon_->start("/usr/bin/dbus-daemon",
+                 {"--config-file=" + QString::fromStdString((folder_ / "bus.conf").string()), "--nofork"});
   if (!daemon_->waitForStarted(5000) || !waitUntil([&] { return std::filesystem::exists(socket); }, 30)) {
     skipReason_ = "dbus-daemon did not start";
     return;
@@ -103,8 +107,7 @@ bool PrivateBus::startUPower() {
 }
 
 QDBusMessage PrivateBus::upower(const QString& method, const QVariantList& arguments, const QString& path) {
-  auto message = QDBusMessage::createMethodCall("org.freedesktop.UPower", path,
-                                                "org.freedesktop.DBus.Mock", method);
+  auto message = QDBusMessage::createMethodCall("org.freedesktop.UPower", path, "org.freedesktop.DBus.Mock", method);
   message.setArguments(arguments);
   return control_->call(message, QDBus::Block, 10000);
 }
@@ -124,7 +127,8 @@ QDBusMessage PrivateBus::bluez(const QString& path, const QString& interface, co
 }
 
 PrivateBus::MessageCounter::MessageCounter(const PrivateBus& bus, const QString& uniqueName) : uniqueName_(uniqueName) {
-  monitor_.start("/usr/bin/dbus-monitor", {"--address", QString::fromStdString(bus.address()), "sender='" + uniqueName + "'"});
+  monitor_.start("/usr/bin/dbus-monitor",
+                 {"--address", QString::fromStdString(bus.address()), "sender='" + uniqueName + "'"});
   // The monitor says nothing until it sees a message; give it time to hook in.
   started_ = monitor_.waitForStarted(5000) && !waitUntil([&] { return monitor_.state() != QProcess::Running; }, 0.5);
 }

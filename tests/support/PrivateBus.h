@@ -40,7 +40,8 @@ public:
   void killBluez();
 
   // A method call on the BlueZ model; the reply (or error) message.
-  QDBusMessage bluez(const QString& path, const QString& interface, const QString& method, const QVariantList& arguments = {});
+  QDBusMessage bluez(const QString& path, const QString& interface, const QString& method,
+                     const QVariantList& arguments = {});
 
   // Starts python3-dbusmock's UPower model and waits for its name.
   bool startUPower();
@@ -79,6 +80,5 @@ private:
   std::unique_ptr<QProcess> upower_;
   std::unique_ptr<QDBusConnection> control_;
 };
-
 
 } // namespace lb::test

@@ -41,16 +41,17 @@ public:
       skipReason_ = "pulseaudio is not installed (scripts/install-deps installs it)";
       return;
     }
-    writeFile(folder_ / "server.pa", "load-module module-native-protocol-unix auth-anonymous=1 socket=" +
-                                          (folder_ / "native").string() +
-                                          "\nload-module module-null-sink sink_name=builtin "
-                                          "sink_properties=device.description=Built-in\n");
+    writeFile(folder_ / "server.pa",
+              "load-module module-native-protocol-unix auth-anonymous=1 socket=" + (folder_ / "native").string() +
+                  "\nload-module module-null-sink sink_name=builtin "
+                  "sink_properties=device.description=Built-in\n");
     std::string home = folder_.path().string();
     std::string file = (folder_ / "server.pa").string();
     // Run as root in a container: its own runtime folder and home.
     std::string command = "XDG_RUNTIME_DIR='" + home + "' HOME='" + home + "' exec /usr/bin/pulseaudio -n -F '" + file +
                           "' --daemonize=no --exit-idle-time=-1 --disallow-exit --use-pid-file=no --system=false "
-                          "--log-target=file:'" + home + "/server.log'";
+                          "--log-target=file:'" +
+                          home + "/server.log'";
     const char* arguments[] = {"/bin/sh", "-c", command.c_str(), nullptr};
     if (posix_spawn(&pid_, "/bin/sh", nullptr, nullptr, const_cast<char**>(arguments), environ) != 0 ||
         !eventually([&] { return pactl("info").find("Server Name") != std::string::npos; }, 30)) {

@@ -19,11 +19,11 @@ inline bool servicesRequired() {
 
 // Ends the test unless `reason` is empty: a failure inside scripts/check, a
 // skip elsewhere.
-#define LB_REQUIRE_SERVICE(reason)                                                                          \
-  do {                                                                                                      \
-    const std::string lbServiceProblem = (reason);                                                         \
-    if (!lbServiceProblem.empty()) {                                                                        \
-      if (::lb::test::servicesRequired()) FAIL() << lbServiceProblem;                                       \
-      GTEST_SKIP() << lbServiceProblem;                                                                     \
-    }                                                                                                       \
+#define LB_REQUIRE_SERVICE(reason)                                    \
+  do {                                                                \
+    const std::string lbServiceProblem = (reason);                    \
+    if (!lbServiceProblem.empty()) {                                  \
+      if (::lb::test::servicesRequired()) FAIL() << lbServiceProblem; \
+      GTEST_SKIP() << lbServiceProblem;                               \
+    }                                                                 \
   } while (false)

@@ -14,7 +14,8 @@ RunningProgram::RunningProgram(const PrivateBus* system, const PrivateBus& sessi
   environment_.insert("PULSE_SERVER", QString::fromStdString(pulseServer));
   environment_.insert("HOME", QString::fromStdString(home_.path().string()));
   for (const char* kind : {"config", "data", "state"}) {
-    environment_.insert(QString("XDG_%1_HOME").arg(QString(kind).toUpper()), QString::fromStdString((home_ / kind).string()));
+    environment_.insert(QString("XDG_%1_HOME").arg(QString(kind).toUpper()),
+                        QString::fromStdString((home_ / kind).string()));
   }
   program_.setProcessEnvironment(environment_);
   program_.setStandardOutputFile(QProcess::nullDevice());
@@ -38,13 +39,16 @@ bool RunningProgram::start(const QStringList& arguments) {
   program_.start(LANTERNBUD_BIN_DIR "/lanternbud", arguments);
   if (!program_.waitForStarted(5000)) return false;
   auto bus = const_cast<PrivateBus&>(session_).connect("watcher");
-  return waitUntil([&] { return bus.interface()->isServiceRegistered("org.lanternbud.Lanternbud").value() || !running(); }, 20) &&
+  return waitUntil(
+             [&] { return bus.interface()->isServiceRegistered("org.lanternbud.Lanternbud").value() || !running(); },
+             20) &&
          running();
 }
 
 bool RunningProgram::running() { return program_.state() != QProcess::NotRunning; }
 
-RunningProgram::Result RunningProgram::run(const QString& program, const QStringList& arguments, int timeoutSeconds) const {
+RunningProgram::Result RunningProgram::run(const QString& program, const QStringList& arguments,
+                                           int timeoutSeconds) const {
   QProcess process;
   process.setProcessEnvironment(environment_);
   process.start(LANTERNBUD_BIN_DIR "/" + program, arguments);
