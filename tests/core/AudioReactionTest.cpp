@@ -181,3 +181,57 @@ TEST(AudioReaction, OnlyAMissingAudioDeviceStartsTheFixer) {
 }
 
 } // namespace lb
+
+namespace lb {
+
+TEST(TrayPicture, DimWhenNotTheOutputWithAGaugeOnlyForAKnownLevelAndUntouchedWhileSpinning) {
+  Headset h({.delay = 0});
+  h.setting->setShowBatteryLevel(true);
+  h.sim.world.setConnected(h.address, true); // by itself: the output stays where it was
+  h.sim.loop.advance(1);
+  ASSERT_EQ(h.setting->isAudioOutput(), false);
+  auto shown = [&] { return *h.item().appearance; };
+  EXPECT_TRUE(shown().connected);
+  EXPECT_DOUBLE_EQ(shown().opacity, 0.25);
+  EXPECT_EQ(shown().batteryLevel, std::nullopt); // asked for, but no level is known
+  EXPECT_EQ(shown().toolTip, "WH Headset - Connected (Not Sound Output).\nBattery Level: Unknown.");
+
+  Headset withLevel({.delay = 0});
+  withLevel.setting->setShowBatteryLevel(true);
+  withLevel.device->setBatteryProperty("batteryPercentSingle", 77);
+  withLevel.sim.world.setConnected(withLevel.address, true);
+  withLevel.sim.loop.advance(1);
+  EXPECT_EQ(withLevel.item().appearance->batteryLevel, 77);
+
+  h.setting->toggleConnection(); // makes it the output instead of disconnecting
+  h.sim.loop.advance(1);
+  EXPECT_EQ(h.setting->isAudioOutput(), true);
+  EXPECT_DOUBLE_EQ(shown().opacity, 1.0);
+
+  h.setting->startProgress();
+  const int redraws = h.item().redraws;
+  h.sim.audio.makeDefault(AudioDirection::output, h.speakers);
+  h.sim.loop.advance(1);
+  EXPECT_EQ(h.setting->isAudioOutput(), false);
+  EXPECT_EQ(h.item().redraws, redraws); // the spinner stays until it stops
+  h.setting->stopProgress();
+  EXPECT_DOUBLE_EQ(shown().opacity, 0.25);
+  EXPECT_EQ(shown().batteryLevel, std::nullopt);
+}
+
+TEST(TrayPicture, WhileTheOutputIsFixedTheDimmedPictureOrTheRefreshSymbol) {
+  for (bool symbol : {false, true}) {
+    Headset h({.hasOutput = false}, {{"ChangeIconWhileFixingAudioOutput", symbol}});
+    h.sim.world.setConnected(h.address, true);
+    h.sim.loop.advance(1);
+    h.setting->outputFixer().didFailToSetAudioOutput();
+    ASSERT_TRUE(h.setting->outputFixer().isRetrying());
+    h.setting->updateButtonImage();
+    const auto shown = *h.item().appearance;
+    EXPECT_EQ(shown.refreshSymbol, symbol);
+    EXPECT_DOUBLE_EQ(shown.opacity, symbol ? 1.0 : 0.25);
+    EXPECT_EQ(h.setting->statusString(), "WH Headset - Fixing Sound Output");
+  }
+}
+
+} // namespace lb
