@@ -34,8 +34,6 @@ class DeviceSettingManager;
 // Main thread, except where ConnectionControl says otherwise.
 class DeviceSetting : public BluetoothMatchable, public std::enable_shared_from_this<DeviceSetting> {
 public:
-  static constexpr const char* defaultScript = DeviceScripts::defaultScript;
-
   // A device setting from its saved options; any dictionary will do.
   static std::shared_ptr<DeviceSetting> make(Services& services, SettingsValue::Dictionary options,
                                              DeviceSettingManager* registry = nullptr);

@@ -59,18 +59,12 @@ Result<> AtomicFile::write(const std::filesystem::path& path, std::string_view c
   return {};
 }
 
-std::optional<std::string> AtomicFile::read(const std::filesystem::path& path, std::string& error) {
+Result<std::string> AtomicFile::read(const std::filesystem::path& path) {
   std::ifstream file(path, std::ios::binary);
-  if (!file) {
-    error = std::strerror(errno);
-    return std::nullopt;
-  }
+  if (!file) return Failure{std::strerror(errno)};
   std::ostringstream content;
   content << file.rdbuf();
-  if (file.bad()) {
-    error = "reading failed";
-    return std::nullopt;
-  }
+  if (file.bad()) return Failure{"reading failed"};
   return std::move(content).str();
 }
 

@@ -17,8 +17,8 @@ struct AtomicFile {
   // renames it over `path`. On failure the old file is left as it was.
   static Result<> write(const std::filesystem::path& path, std::string_view content, mode_t mode);
 
-  // The whole file, or nothing with `error` set.
-  static std::optional<std::string> read(const std::filesystem::path& path, std::string& error);
+  // The whole file.
+  static Result<std::string> read(const std::filesystem::path& path);
 };
 
 } // namespace lb

@@ -32,16 +32,16 @@ std::filesystem::path JsonSettingsStore::defaultFile() {
 }
 
 void JsonSettingsStore::load() {
-  std::string error;
-  auto text = AtomicFile::read(file_, error);
+  auto text = AtomicFile::read(file_);
   if (!text) {
     if (std::filesystem::exists(file_)) {
-      PXR_LOG_ERROR("Could not read the settings file " + file_.string() + " (" + error +
+      PXR_LOG_ERROR("Could not read the settings file " + file_.string() + " (" + text.failure().reason +
                     "); starting from the defaults without changing it.");
     }
     return;
   }
-  auto parsed = SettingsJson::parse(*text, error);
+  std::string error;
+  auto parsed = SettingsJson::parse(text.value(), error);
   if (parsed && parsed->is<SettingsValue::Dictionary>()) {
     values_ = *parsed->as<SettingsValue::Dictionary>();
     return;

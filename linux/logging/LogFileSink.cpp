@@ -21,13 +21,12 @@ std::shared_ptr<LogFileSink> LogFileSink::open(const std::filesystem::path& path
   std::error_code sizeError;
   auto size = std::filesystem::file_size(path, sizeError);
   if (!sizeError && size >= PXRLogger::logFileLimit) {
-    std::string readError;
-    auto content = AtomicFile::read(path, readError);
+    auto content = AtomicFile::read(path);
     if (!content) {
-      error = "reading " + path.string() + " to trim it: " + readError;
+      error = "reading " + path.string() + " to trim it: " + content.failure().reason;
       return nullptr;
     }
-    if (auto written = AtomicFile::write(path, PXRLogger::trimmedLog(*content), 0600); !written) {
+    if (auto written = AtomicFile::write(path, PXRLogger::trimmedLog(content.value()), 0600); !written) {
       error = "trimming " + path.string() + ": " + written.failure().reason;
       return nullptr;
     }

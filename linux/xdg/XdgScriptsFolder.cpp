@@ -39,8 +39,10 @@ bool XdgScriptsFolder::startAccessing(const std::string& location) {
 }
 
 std::optional<std::string> XdgScriptsFolder::read(const std::string& fileName) const {
-  std::string ignored; // a missing script is the usual case
-  return AtomicFile::read(folder_ / fileName, ignored);
+  // A missing script is the usual case, and no failure.
+  auto text = AtomicFile::read(folder_ / fileName);
+  if (!text) return std::nullopt;
+  return text.value();
 }
 
 bool XdgScriptsFolder::fileExists(const std::string& fileName) const {
