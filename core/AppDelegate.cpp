@@ -31,6 +31,10 @@ void AppDelegate::applicationDidFinishLaunching() {
     for (const auto& setting : deviceSettingManager_->deviceSettingList()) setting->setupStatusItem();
   }
   LoginLauncher::updateFromDefaults(services_.defaults, services_.loginItems);
+  // A choice changed while running (from a script or the window) applies at once.
+  loginChoice_ = services_.defaults.addChangeListener([this](const std::string& key) {
+    if (key == "launchAtLogin") LoginLauncher::updateFromDefaults(services_.defaults, services_.loginItems);
+  });
 }
 
 bool AppDelegate::applicationShouldHandleReopen() {

@@ -39,6 +39,7 @@ public:
 private:
   Services& services_;
   std::unique_ptr<DeviceSettingManager> deviceSettingManager_;
+  std::unique_ptr<NotificationRegistration> loginChoice_;
 };
 
 } // namespace lb

@@ -13,32 +13,7 @@ std::optional<std::string> addressOf(const std::shared_ptr<BluetoothDevice>& dev
   return device->addressString();
 }
 
-class ListenerRegistration final : public NotificationRegistration {
-public:
-  explicit ListenerRegistration(std::function<void()> remove) : remove_(std::move(remove)) {}
-  ~ListenerRegistration() override { remove_(); }
-
-private:
-  std::function<void()> remove_;
-};
-
 } // namespace
-
-std::unique_ptr<NotificationRegistration> DeviceSettingManager::addChangeListener(std::function<void()> listener) {
-  const int key = listeners_->next++;
-  listeners_->all.emplace(key, std::move(listener));
-  return std::make_unique<ListenerRegistration>([weak = std::weak_ptr<Listeners>(listeners_), key] {
-    if (auto listeners = weak.lock()) listeners->all.erase(key);
-  });
-}
-
-void DeviceSettingManager::noteChange() const {
-  // A listener may register or unregister another while being told.
-  auto all = listeners_->all;
-  for (const auto& [key, listener] : all) {
-    if (listeners_->all.contains(key)) listener();
-  }
-}
 
 DeviceSettingManager::DeviceSettingManager(Services& services)
     : services_(services), scriptSaver_(services.scriptsFolder, services.defaults) {

@@ -5,7 +5,6 @@
 #include "core/Services.h"
 
 #include <functional>
-#include <map>
 #include <memory>
 #include <vector>
 
@@ -60,8 +59,10 @@ public:
   // have changed (a redraw, a device added or removed): what mirrors the
   // devices to the outside (the tray, the scripting interface) compares and
   // shows from there. Destroying the registration ends the listening.
-  std::unique_ptr<NotificationRegistration> addChangeListener(std::function<void()> listener);
-  void noteChange() const;
+  std::unique_ptr<NotificationRegistration> addChangeListener(std::function<void()> listener) {
+    return listeners_.add(std::move(listener));
+  }
+  void noteChange() const { listeners_.notify(); }
 
 private:
   void checkMigration();
@@ -74,12 +75,7 @@ private:
   std::int64_t maxDeviceID_ = 1;
   std::unique_ptr<NotificationRegistration> connectionObserver_;
   std::unique_ptr<PXRTimer> statusTimer_;
-  struct Listeners {
-    std::map<int, std::function<void()>> all;
-    int next = 0;
-  };
-  // Shared with the registrations, which may outlive the registry.
-  std::shared_ptr<Listeners> listeners_ = std::make_shared<Listeners>();
+  Listeners<> listeners_;
 };
 
 } // namespace lb

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "foundation/Listeners.h"
 #include "foundation/SettingsStore.h"
 
 #include <cstdint>
@@ -41,8 +42,20 @@ public:
 
   void registerDefaults(const SettingsValue::Dictionary& defaults);
 
-  void setValue(const std::string& key, SettingsValue value) { store_.setValue(key, std::move(value)); }
-  void removeValue(const std::string& key) { store_.removeValue(key); }
+  // Keeps the change and tells the listeners, with the key.
+  void setValue(const std::string& key, SettingsValue value) {
+    store_.setValue(key, std::move(value));
+    listeners_.notify(key);
+  }
+  void removeValue(const std::string& key) {
+    store_.removeValue(key);
+    listeners_.notify(key);
+  }
+  // Told of every change made through these defaults, on the thread that
+  // made it (the main thread: scripting requests and windows).
+  std::unique_ptr<NotificationRegistration> addChangeListener(std::function<void(const std::string& key)> listener) {
+    return listeners_.add(std::move(listener));
+  }
 
 private:
   std::optional<SettingsValue> storedOrRegistered(const std::string& key) const;
@@ -55,6 +68,7 @@ private:
   mutable std::mutex mutex_;
   SettingsValue::Dictionary registered_;
   mutable std::set<std::string> reported_;
+  Listeners<std::string> listeners_;
 };
 
 } // namespace lb

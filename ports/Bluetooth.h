@@ -1,5 +1,6 @@
 #pragma once
 
+#include "foundation/Listeners.h"
 #include "ports/BluetoothDevice.h"
 
 #include <functional>
@@ -14,12 +15,6 @@ struct BluetoothNotification {
   std::string what; // for log lines: which event, from where
 
   std::string description() const { return "<BluetoothNotification " + what + ">"; }
-};
-
-// A registration for notifications; destroying it unregisters.
-class NotificationRegistration {
-public:
-  virtual ~NotificationRegistration() = default;
 };
 
 struct PairedDevice {

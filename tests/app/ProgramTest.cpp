@@ -222,6 +222,13 @@ TEST_F(ProgramTest, TheScriptingInterfaceSaysWhatWasWrong) {
   EXPECT_NE(nlohmann::json::parse(std::ifstream(program->settingsFile()))["LogConnect"], nullptr);
   EXPECT_EQ(program->ctl({"config", "unset", "LogConnect"}).status, 0);
   EXPECT_EQ(program->ctl({"config", "get", "LogConnect"}).status, 1);
+
+  // Starting at login follows the choice at once.
+  const auto entry = program->settingsFile().parent_path().parent_path() / "autostart" / "lanternbud.desktop";
+  EXPECT_EQ(program->ctl({"config", "set", "launchAtLogin", "YES"}).status, 0);
+  EXPECT_TRUE(test::waitUntil([&] { return std::filesystem::exists(entry); }));
+  EXPECT_EQ(program->ctl({"config", "set", "launchAtLogin", "NO"}).status, 0);
+  EXPECT_TRUE(test::waitUntil([&] { return !std::filesystem::exists(entry); }));
 }
 
 // The helper tool is the program under another name, printing a device's

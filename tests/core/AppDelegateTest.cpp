@@ -89,14 +89,23 @@ TEST(AppDelegate, PrintModeRunsNothingElseAndExitsZero) {
   EXPECT_EQ(printed, "00-11");
 }
 
-TEST(AppDelegate, ARefusedLoginItemIsLoggedAsAnError) {
+TEST(AppDelegate, TheLoginChoiceAppliesAtOnceWhenChangedAndARefusalIsLogged) {
   test::CapturedLog log;
   InMemorySettingsStore store({{"launchAtLogin", true}});
   SimulatedPlatform sim(store);
   sim.loginItems.accepts = false;
   AppDelegate app(sim.services);
   app.applicationDidFinishLaunching();
-  EXPECT_TRUE(log.contains("Failed to set login item state to: true"));
+  EXPECT_TRUE(log.contains("Failed to set login item state to: true simulated refusal"));
+
+  sim.loginItems.accepts = true;
+  sim.defaults.setValue("launchAtLogin", false);
+  sim.defaults.setValue("LogConnect", true); // another key changes nothing
+  EXPECT_EQ(sim.loginItems.requests, (std::vector<bool>{true, false}));
+  sim.defaults.removeValue("launchAtLogin");
+  sim.defaults.setValue("launchAtLogin", true);
+  EXPECT_EQ(sim.loginItems.requests, (std::vector<bool>{true, false, false, true}));
+  EXPECT_TRUE(sim.loginItems.enabled);
 }
 
 } // namespace lb
