@@ -3,8 +3,6 @@
 #include "core/DeviceSetting.h"
 #include "core/LogAreas.h"
 
-#include <cmath>
-
 namespace lb {
 
 using namespace std::chrono_literals;
