@@ -46,9 +46,11 @@ PrivateBus::PrivateBus(Kind kind) {
 )");
   daemon_ = std::make_unique<QProcess>();
   daemon_->setStandardErrorFile(QProcess::nullDevice()); // it complains of fd limits it may not raise
-  daemon_->start("/usr/bin/dbus-daemon",
-                 {"--config-file=" + QString::fromStdString((folder_ / "bus.conf").string()), "--nofork"});
-  if (!daemon_->waitForStarted(5000) || !waitUntil([&] { return std::filesystem::exists(socket); }, 30)) {
+  // It prints its address once it accepts connections; the socket file
+  // appears a moment earlier, and a connection then is refused.
+  daemon_->start("/usr/bin/dbus-daemon", {"--config-file=" + QString::fromStdString((folder_ / "bus.conf").string()),
+                                          "--nofork", "--print-address"});
+  if (!daemon_->waitForStarted(5000) || !waitUntil([&] { return daemon_->canReadLine(); }, 30)) {
     skipReason_ = "dbus-daemon did not start";
     return;
   }
