@@ -53,6 +53,8 @@ public:
   std::optional<Device> current() const;
   // Sets and verifies; throws AudioError.
   void setCurrent(const Device& device);
+  // Told, on any thread, when the system's devices or defaults change.
+  void setChangeHandler(std::function<void()> handler) { hardware_.setChangeHandler(std::move(handler)); }
 
 protected:
   AudioHardware& hardware_;

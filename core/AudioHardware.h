@@ -23,6 +23,7 @@ public:
   std::int32_t pxrSetCurrent(AudioDeviceID id, AudioDirection direction) {
     return system_.setDefaultDevice(direction, id);
   }
+  void setChangeHandler(std::function<void()> handler) { system_.setChangeHandler(std::move(handler)); }
 
   PXRExpiringCache<AudioDeviceID, std::string>& deviceNamesCache() { return deviceNamesCache_; }
   PXRExpiringCache<AudioDeviceID, std::string>& deviceUIDsCache() { return deviceUIDsCache_; }

@@ -76,6 +76,7 @@ void ConnectionTracker::updateConnectionState(const ConnectionUpdateReason& reas
   } else {
     isConnected_ = false;
     isAudioOutput_ = false;
+    awaitedOutput_.reset();
   }
   const auto because = [&] { return " " + owner_.description() + " because " + reason.description(); };
   if (isConnected_ != wasConnected) {
@@ -92,6 +93,7 @@ void ConnectionTracker::updateConnectionState(const ConnectionUpdateReason& reas
     }
     owner_.stopProgress();
   }
+  if (awaitedOutput_ && isPotentialAudioOutput_ == true) setAwaitedOutput();
   if (isAudioOutput_ != wasAudioOutput) {
     outputLog()([&] { return "isAudioOutput is now " + describe(isAudioOutput_) + because(); });
     if (isAudioOutput_ == true) {
@@ -119,19 +121,7 @@ void ConnectionTracker::reactToConnection() {
 
   auto& connection = owner_.connection();
   if (connection.isManuallyInitiatedConnection()) {
-    if (tunables_(tunable::EnableAutoSettingAudioOutput)) {
-      if (isAudioOutput_ == false && isPotentialAudioOutput_ == true) {
-        outputLog()([&] {
-          return "Setting sound output device because connection was manually initiated: " + owner_.description();
-        });
-        setDefaultAudioOutput();
-      } else {
-        owner_.outputFixer().didAutomaticallySetAudioOutput();
-        outputLog()([&] {
-          return "No need to set sound output device because it was already set automatically: " + owner_.description();
-        });
-      }
-    }
+    if (tunables_(tunable::EnableAutoSettingAudioOutput)) setOutputForManualConnection();
     connection.setManuallyInitiatedConnection(false);
   }
 
@@ -146,6 +136,64 @@ void ConnectionTracker::reactToConnection() {
     owner_.runScript(ScriptType::connected);
   }
   if (owner_.keepDefaultAudioInput()) inputDeviceManager_.restoreLast();
+}
+
+void ConnectionTracker::audioDevicesChanged() {
+  if (isConnected_ == true) updateConnectionState(ConnectionUpdateReason::audioDevicesChanged());
+}
+
+// An audio device still to appear (Linux makes it after the link) is
+// waited for; one that will not, because the device is no audio device,
+// counts as set by the system.
+void ConnectionTracker::setOutputForManualConnection() {
+  const auto device = owner_.device();
+  const bool mayBecomeOutput = tunables_(tunable::EnableAudioOutput) && device &&
+                               device->majorDeviceClass() == OutputDeviceManager::audioMajorClass;
+  if (isAudioOutput_ != true && isPotentialAudioOutput_ == true && outputDeviceManager_.isPotentialOutput(owner_)) {
+    setOutputBecauseManual();
+  } else if (isAudioOutput_ != true && mayBecomeOutput) {
+    awaitOutput();
+  } else {
+    owner_.outputFixer().didAutomaticallySetAudioOutput();
+    outputLog()([&] {
+      return "No need to set sound output device because it was already set automatically: " + owner_.description();
+    });
+  }
+}
+
+void ConnectionTracker::setOutputBecauseManual() {
+  outputLog()(
+      [&] { return "Setting sound output device because connection was manually initiated: " + owner_.description(); });
+  setDefaultAudioOutput();
+}
+
+void ConnectionTracker::awaitOutput() {
+  const auto window = tunables_(tunable::ManualConnectionAudioOutputWindow);
+  outputLog()([&] {
+    return "Waiting up to " + pxrDescribe(window.count()) + " s for the sound output device of " + owner_.description();
+  });
+  awaitedOutput_ = ++outputWaits_;
+  loop_.postAfter(window, [weak = owner_.weak_from_this(), wait = *awaitedOutput_] {
+    if (auto self = weak.lock()) self->tracker().endOutputWait(wait);
+  });
+}
+
+// The device's audio device is listed now, or it became the output by other means.
+void ConnectionTracker::setAwaitedOutput() {
+  if (isAudioOutput_ == true) {
+    awaitedOutput_.reset();
+  } else if (outputDeviceManager_.isPotentialOutput(owner_)) {
+    awaitedOutput_.reset();
+    setOutputBecauseManual();
+  }
+}
+
+// No audio device came: the set fails, and the output fixer reconnects.
+void ConnectionTracker::endOutputWait(std::uint64_t wait) {
+  if (awaitedOutput_ != wait) return;
+  awaitedOutput_.reset();
+  PXR_LOG_ERROR("No sound output device appeared in time for", owner_.description());
+  setDefaultAudioOutput();
 }
 
 void ConnectionTracker::reactToDisconnection() {

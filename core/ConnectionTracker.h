@@ -43,6 +43,8 @@ public:
 
   // The one place where a change of the connection is noticed.
   void updateConnectionState(const ConnectionUpdateReason& reason);
+  // The audio system's devices or defaults changed.
+  void audioDevicesChanged();
 
   // A click on a connected device that could be, and is not, the sound
   // output makes it the output instead of disconnecting. True when so.
@@ -60,6 +62,13 @@ public:
 
 private:
   void reactToConnection();
+  void setOutputForManualConnection();
+  void setOutputBecauseManual();
+  // A connection the user started waits a while for its audio device to
+  // appear; the output is set the moment it does.
+  void awaitOutput();
+  void setAwaitedOutput();
+  void endOutputWait(std::uint64_t wait);
   void reactToDisconnection();
   // A timer tick or delayed task that updates the state, holding its owner weakly.
   std::function<void()> updateLater(ConnectionUpdateReason reason) const;
@@ -76,6 +85,8 @@ private:
   std::optional<bool> isAudioOutput_;
   std::optional<bool> isPotentialAudioOutput_;
   std::optional<Date> lastConnectionScriptRun_;
+  std::optional<std::uint64_t> awaitedOutput_; // the wait under way
+  std::uint64_t outputWaits_ = 0;
   std::unique_ptr<PXRTimer> timer_;
   std::unique_ptr<PXRTimer> fastTimer_;
   std::unique_ptr<NotificationRegistration> disconnectObserver_;

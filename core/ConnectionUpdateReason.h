@@ -16,6 +16,7 @@ struct ConnectionUpdateReason {
     timer,
     fastTimer,
     toggle,
+    audioDevicesChanged,
   };
 
   Kind kind;
@@ -31,11 +32,13 @@ struct ConnectionUpdateReason {
   static ConnectionUpdateReason timer() { return {Kind::timer, std::nullopt}; }
   static ConnectionUpdateReason fastTimer() { return {Kind::fastTimer, std::nullopt}; }
   static ConnectionUpdateReason toggle() { return {Kind::toggle, std::nullopt}; }
+  static ConnectionUpdateReason audioDevicesChanged() { return {Kind::audioDevicesChanged, std::nullopt}; }
 
   // The case name; a notification's description follows in parentheses.
   std::string description() const {
     static constexpr const char* names[] = {
-        "connectedNotification", "disconnectedNotification", "becameActive", "timer", "fastTimer", "toggle"};
+        "connectedNotification", "disconnectedNotification", "becameActive", "timer", "fastTimer", "toggle",
+        "audioDevicesChanged"};
     std::string text = names[static_cast<int>(kind)];
     if (notification) text += "(" + notification->description() + ")";
     return text;

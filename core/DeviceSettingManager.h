@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/AudioChangeRelay.h"
 #include "core/DeviceSetting.h"
 #include "core/ScriptSaver.h"
 #include "core/Services.h"
@@ -76,6 +77,11 @@ private:
   std::unique_ptr<NotificationRegistration> connectionObserver_;
   std::unique_ptr<PXRTimer> statusTimer_;
   Listeners<> listeners_;
+  // Connected devices look again when the audio devices change: a headset's
+  // sink appears a moment after its link.
+  AudioChangeRelay audioChanges_{services_.outputDeviceManager, services_.loop, [this] {
+                                   for (const auto& setting : list_) setting->tracker().audioDevicesChanged();
+                                 }};
 };
 
 } // namespace lb

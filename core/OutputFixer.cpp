@@ -60,15 +60,21 @@ void OutputFixer::didFailToSetAudioOutput() {
   }
 
   services_.loop.postAfter(services_.tunables(tunable::MissingAudioDeviceDisconnectionDelay),
-                           [setting = deviceSetting_.shared_from_this(), this] {
-                             if (setting->isAudioOutput() == false && setting->isPotentialAudioOutput() == true) {
-                               PXR_LOG_ERROR("Closing connection to try to fix audio output", state(),
-                                             setting->description());
-                               services_.loop.runOnWorker([setting] { setting->closeConnection(); });
-                             } else {
-                               PXR_LOG(outputFixerLog(), "Skipping retry because audio output is now correct");
-                             }
-                           });
+                           [setting = deviceSetting_.shared_from_this(), this] { closeUnlessListed(*setting); });
+}
+
+// The audio device may have appeared during the delay: then setting the
+// output again is the repair, and the connection stays.
+void OutputFixer::closeUnlessListed(DeviceSetting& setting) {
+  if (setting.isAudioOutput() != false || setting.isPotentialAudioOutput() != true) {
+    PXR_LOG(outputFixerLog(), "Skipping retry because audio output is now correct");
+  } else if (services_.outputDeviceManager.isPotentialOutput(setting)) {
+    PXR_LOG(outputFixerLog(), "Setting audio output again because its device is listed now:", setting.description());
+    setting.tracker().setDefaultAudioOutput();
+  } else {
+    PXR_LOG_ERROR("Closing connection to try to fix audio output", state(), setting.description());
+    services_.loop.runOnWorker([setting = setting.shared_from_this()] { setting->closeConnection(); });
+  }
 }
 
 bool OutputFixer::didDisconnect() {

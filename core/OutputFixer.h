@@ -52,6 +52,7 @@ public:
 
 private:
   void setOk(const char* because);
+  void closeUnlessListed(DeviceSetting& setting);
   void reopen();
 
   DeviceSetting& deviceSetting_;

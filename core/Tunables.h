@@ -59,6 +59,10 @@ inline const Tunable<Seconds> InputDeviceManagerTimerInterval{"InputDeviceManage
 inline const Tunable<bool> InputDeviceManagerPeriodicUpdates{"InputDeviceManagerPeriodicUpdates", true, each};
 inline const Tunable<Seconds> InputDeviceManagerFinalRestorationDelay{"InputDeviceManagerFinalRestorationDelay",
                                                                       Seconds(12.0), each};
+// How long a connection the user started waits for its sound output device:
+// Linux's sound server makes it a few seconds after the link.
+inline const Tunable<Seconds> ManualConnectionAudioOutputWindow{"ManualConnectionAudioOutputWindow", Seconds(8.0),
+                                                                once};
 inline const Tunable<bool> WorkAroundMissingAudioDevice{"WorkAroundMissingAudioDevice", true, once};
 inline const Tunable<std::int64_t> MissingAudioDeviceTries{"MissingAudioDeviceTries", 5, once};
 inline const Tunable<Seconds> MissingAudioDeviceDisconnectionDelay{"MissingAudioDeviceDisconnectionDelay", Seconds(1.0),

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -39,6 +40,11 @@ public:
   virtual std::optional<AudioDeviceID> defaultDevice(AudioDirection direction) const = 0;
   // The status of the request; 0 when the system took it.
   virtual std::int32_t setDefaultDevice(AudioDirection direction, AudioDeviceID id) = 0;
+
+  // `handler` runs after the devices or a default changed, on whichever
+  // thread saw the change; it replaces the one before, and an empty one
+  // stops the calls. Once this returns, the old handler is not running.
+  virtual void setChangeHandler(std::function<void()> handler) = 0;
 };
 
 } // namespace lb

@@ -20,7 +20,8 @@ public:
   // The name the user sees, if the platform has one.
   virtual std::optional<std::string> name() const = 0;
   virtual bool isConnected() const = 0;
-  // The major device class of the Class of Device (4 is audio/video).
+  // The major device class of the Class of Device (4 is audio/video). A
+  // device that reports no class but offers an audio sink profile is audio.
   virtual std::uint32_t majorDeviceClass() const = 0;
 
   // Blocking calls, made from a worker thread. The page timeout counts

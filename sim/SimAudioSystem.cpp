@@ -56,35 +56,58 @@ std::optional<AudioDeviceID> SimAudioSystem::defaultDevice(AudioDirection direct
 }
 
 std::int32_t SimAudioSystem::setDefaultDevice(AudioDirection direction, AudioDeviceID id) {
-  std::lock_guard lock(mutex_);
-  ++setCalls_[direction];
-  if (!devices_.contains(id)) return noSuchDevice;
-  switch (outcome_) {
-  case SetOutcome::refused: return -50;
-  case SetOutcome::anotherStaysCurrent: return 0;
-  case SetOutcome::nothingReadable: unreadable_ = true; return 0;
-  case SetOutcome::takes: (direction == AudioDirection::output ? defaultOutput_ : defaultInput_) = id; return 0;
+  {
+    std::lock_guard lock(mutex_);
+    ++setCalls_[direction];
+    if (!devices_.contains(id)) return noSuchDevice;
+    switch (outcome_) {
+    case SetOutcome::refused: return -50;
+    case SetOutcome::anotherStaysCurrent: return 0;
+    case SetOutcome::nothingReadable: unreadable_ = true; return 0;
+    case SetOutcome::takes: (direction == AudioDirection::output ? defaultOutput_ : defaultInput_) = id; break;
+    }
   }
+  changed();
   return 0;
 }
 
+void SimAudioSystem::setChangeHandler(std::function<void()> handler) {
+  std::lock_guard lock(handlerMutex_);
+  handler_ = std::move(handler);
+}
+
+void SimAudioSystem::changed() {
+  std::lock_guard lock(handlerMutex_);
+  if (handler_) handler_();
+}
+
 AudioDeviceID SimAudioSystem::addDevice(Device device) {
-  std::lock_guard lock(mutex_);
-  auto id = nextID_++;
-  devices_.emplace(id, std::move(device));
+  AudioDeviceID id;
+  {
+    std::lock_guard lock(mutex_);
+    id = nextID_++;
+    devices_.emplace(id, std::move(device));
+  }
+  changed();
   return id;
 }
 
 void SimAudioSystem::removeDevice(AudioDeviceID id) {
-  std::lock_guard lock(mutex_);
-  devices_.erase(id);
-  if (defaultOutput_ == id) defaultOutput_.reset();
-  if (defaultInput_ == id) defaultInput_.reset();
+  {
+    std::lock_guard lock(mutex_);
+    devices_.erase(id);
+    if (defaultOutput_ == id) defaultOutput_.reset();
+    if (defaultInput_ == id) defaultInput_.reset();
+  }
+  changed();
 }
 
 void SimAudioSystem::makeDefault(AudioDirection direction, std::optional<AudioDeviceID> id) {
-  std::lock_guard lock(mutex_);
-  (direction == AudioDirection::output ? defaultOutput_ : defaultInput_) = id;
+  {
+    std::lock_guard lock(mutex_);
+    (direction == AudioDirection::output ? defaultOutput_ : defaultInput_) = id;
+  }
+  changed();
 }
 
 void SimAudioSystem::setOutcome(SetOutcome outcome) {

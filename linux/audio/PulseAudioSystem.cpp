@@ -83,6 +83,7 @@ void PulseAudioSystem::stateChanged(pa_context* context, void* userdata) {
       self->defaultSink_.clear();
       self->defaultSource_.clear();
     }
+    self->changed();
     // A context cannot be replaced from its own callback.
     pa_mainloop_api_once(pa_threaded_mainloop_get_api(self->mainloop_), reconnect, self);
     break;
@@ -134,9 +135,16 @@ void PulseAudioSystem::sourceInfo(pa_context*, const pa_source_info* info, int e
 void PulseAudioSystem::serverInfo(pa_context*, const pa_server_info* info, void* userdata) {
   auto* self = static_cast<PulseAudioSystem*>(userdata);
   if (info) {
-    std::lock_guard lock(self->mutex_);
-    self->defaultSink_ = info->default_sink_name ? info->default_sink_name : "";
-    self->defaultSource_ = info->default_source_name ? info->default_source_name : "";
+    std::string sink = info->default_sink_name ? info->default_sink_name : "";
+    std::string source = info->default_source_name ? info->default_source_name : "";
+    bool different;
+    {
+      std::lock_guard lock(self->mutex_);
+      different = sink != self->defaultSink_ || source != self->defaultSource_;
+      self->defaultSink_ = std::move(sink);
+      self->defaultSource_ = std::move(source);
+    }
+    if (different) self->changed();
   }
   ++self->serverInfos_;
   pa_threaded_mainloop_signal(self->mainloop_, 0);
@@ -159,15 +167,38 @@ void PulseAudioSystem::remember(bool output, std::uint32_t index, const std::str
     device.address = address ? address->toString() : "";
   }
   if (device.serial.empty()) device.serial = name;
-  std::lock_guard lock(mutex_);
-  devices_[idFor(output, name)] = std::move(device);
+  bool different;
+  {
+    std::lock_guard lock(mutex_);
+    auto& known = devices_[idFor(output, name)];
+    different = known != device;
+    known = std::move(device);
+  }
+  if (different) changed();
 }
 
 void PulseAudioSystem::forget(bool output, std::uint32_t index) {
-  std::lock_guard lock(mutex_);
-  for (auto& [id, device] : devices_) {
-    if (device.present && device.output == output && device.index == index) device.present = false;
+  bool different = false;
+  {
+    std::lock_guard lock(mutex_);
+    for (auto& [id, device] : devices_) {
+      if (device.present && device.output == output && device.index == index) {
+        device.present = false;
+        different = true;
+      }
+    }
   }
+  if (different) changed();
+}
+
+void PulseAudioSystem::setChangeHandler(std::function<void()> handler) {
+  std::lock_guard lock(handlerMutex_);
+  handler_ = std::move(handler);
+}
+
+void PulseAudioSystem::changed() {
+  std::lock_guard lock(handlerMutex_);
+  if (handler_) handler_();
 }
 
 std::optional<PulseAudioSystem::Device> PulseAudioSystem::device(AudioDeviceID id) const {

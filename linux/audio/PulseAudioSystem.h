@@ -40,6 +40,9 @@ public:
   AudioRead<bool> hasOutputStreams(AudioDeviceID id) const override;
   std::optional<AudioDeviceID> defaultDevice(AudioDirection direction) const override;
   std::int32_t setDefaultDevice(AudioDirection direction, AudioDeviceID id) override;
+  // Called on libpulse's thread, only when the mirror changed: a volume
+  // change says nothing.
+  void setChangeHandler(std::function<void()> handler) override;
 
   bool isConnected() const { return ready_; }
   // Every request sent to the server so far, for the idle benchmark.
@@ -54,6 +57,8 @@ private:
     std::string serial;
     std::uint32_t index = 0; // the server's index while present
     bool present = false;
+
+    bool operator==(const Device&) const = default;
   };
 
   static void stateChanged(pa_context* context, void* self);
@@ -73,6 +78,7 @@ private:
                 const void* properties);
   void forget(bool output, std::uint32_t index);
   std::optional<Device> device(AudioDeviceID id) const;
+  void changed();
 
   const std::string server_;
   pa_threaded_mainloop* mainloop_;
@@ -88,6 +94,9 @@ private:
   AudioDeviceID nextID_ = 1;
   std::string defaultSink_;
   std::string defaultSource_;
+
+  std::mutex handlerMutex_;
+  std::function<void()> handler_;
 };
 
 } // namespace lb

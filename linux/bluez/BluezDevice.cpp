@@ -22,9 +22,21 @@ bool BluezDevice::isConnected() const {
   return connected && connected->toBool();
 }
 
+// Low Energy audio devices have no Class of Device; their profiles say what
+// they are: an A2DP sink, a headset or hands-free unit, or an LE Audio sink
+// (Audio Stream Control).
 std::uint32_t BluezDevice::majorDeviceClass() const {
+  constexpr std::uint32_t audio = 4;
   auto deviceClass = mirror_->property(path_, BluezMirror::deviceInterface, "Class");
-  return deviceClass ? (deviceClass->toUInt() >> 8) & 0x1f : 0;
+  if (const auto major = deviceClass ? (deviceClass->toUInt() >> 8) & 0x1f : 0; major != 0) return major;
+  const auto uuids = mirror_->property(path_, BluezMirror::deviceInterface, "UUIDs");
+  if (!uuids) return 0;
+  for (const auto& uuid : uuids->toStringList()) {
+    for (const char* sink : {"0000110b-", "00001108-", "0000111e-", "0000184e-"}) {
+      if (uuid.startsWith(sink, Qt::CaseInsensitive)) return audio;
+    }
+  }
+  return 0;
 }
 
 std::optional<SettingsValue> BluezDevice::batteryProperty(const std::string& keyString) const {

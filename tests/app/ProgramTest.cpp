@@ -145,11 +145,25 @@ TEST_F(ProgramTest, ConnectingAKeyboardRunsItsConnectScript) {
 
 // A headset that was a sound output once but whose sink does not come back:
 // the output fixer closes and reopens the connection, then gives up.
+// As on a real system, the sink comes after the link, and the server keeps
+// the default the user chose (builtin) when it does.
+TEST_F(ProgramTest, AHeadsetWhoseSinkAppearsAfterTheLinkBecomesTheOutput) {
+  ASSERT_TRUE(program->start({"-LogAudioOutput", "YES"}));
+  EXPECT_EQ(program->ctl({"connect", "Silent Headset", "--no-wait"}).status, 0);
+  ASSERT_TRUE(test::waitUntil([&] { return deviceProperty(3, "Connected").toBool(); }));
+  pulse.loadBluetoothSink("silent_headset", silentHeadsetAddress, "Silent Headset");
+  EXPECT_TRUE(test::eventually([&] { return defaultSink() == "silent_headset"; }));
+  EXPECT_TRUE(seenAsOutput(3));
+  const auto log = program->logText();
+  EXPECT_NE(log.find("Setting sound output device because connection was manually initiated"), std::string::npos);
+  EXPECT_EQ(log.find("Closing connection"), std::string::npos) << log;
+}
+
 TEST_F(ProgramTest, AHeadsetWhoseSinkIsGoneIsReopenedThenGivenUpOn) {
   auto module = pulse.loadBluetoothSink("silent_headset", silentHeadsetAddress, "Silent Headset");
   pulse.pactl("set-default-sink builtin");
   ASSERT_TRUE(program->start({"-MissingAudioDeviceTries", "2", "-MissingAudioDeviceDisconnectionDelay", "0.2",
-                              "-ConnectionWaitInterval", "0.2"}));
+                              "-ConnectionWaitInterval", "0.2", "-ManualConnectionAudioOutputWindow", "0.5"}));
   EXPECT_EQ(program->ctl({"connect", "Silent Headset"}).status, 0);
   EXPECT_TRUE(test::eventually([&] { return defaultSink() == "silent_headset"; }));
   EXPECT_TRUE(seenAsOutput(3));
@@ -277,6 +291,12 @@ TEST(Demo, StartsWithItsDevices) {
 
   auto connect = program.ctl({"connect", "Lantern Buds"});
   EXPECT_EQ(connect.status, 0) << connect.errors;
+  // Their sound output comes a moment after the link, and becomes the output.
+  std::string status;
+  EXPECT_TRUE(test::eventually([&] {
+    status = nlohmann::json::parse(program.ctl({"list", "--json"}).output)[0]["status"];
+    return status.ends_with(" - Connected");
+  })) << status;
   EXPECT_EQ(program.ctl({"battery", "Lantern Buds"}).output, "Battery Level: L: 60% R: 75%\n");
 }
 

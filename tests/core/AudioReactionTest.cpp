@@ -31,16 +31,35 @@ struct Headset : test::SimulatedDevice {
 
 } // namespace
 
-TEST(AudioReaction, ASpeakerThatAppearsLateBecomesTheOutputThroughTheFastTimer) {
-  Headset h({.delay = 0.3, .systemSwitches = true});
-  h.setting->toggleConnection();
-  h.sim.loop.advance(1.05); // connected at 1.0; its speaker appears at 1.3
-  EXPECT_EQ(h.setting->isConnected(), true);
-  EXPECT_NE(h.setting->isAudioOutput(), true);
-  h.sim.loop.advance(0.4);
-  EXPECT_EQ(h.setting->isPotentialAudioOutput(), true);
-  EXPECT_EQ(h.setting->isAudioOutput(), true); // seen by the fast timer, long before the slow one
-  EXPECT_EQ(h.setting->outputFixer().state(), OutputFixer::State::ok());
+// The sound server makes the speaker after the link and does not switch to
+// it; the connection the user started does, the moment the speaker is
+// listed. No timer looks in between: the audio system's change is the event.
+TEST(AudioReaction, ASpeakerThatAppearsLateBecomesTheOutputOfAManualConnection) {
+  for (bool earlier : {false, true}) {
+    for (double delay : {0.3, 2.0, 6.0}) {
+      SCOPED_TRACE(testing::Message() << "delay " << delay << (earlier ? " after an earlier connection" : ""));
+      test::CapturedLog log({"LogAudioOutput"});
+      Headset h({.delay = delay}, {{"ConnectionUpdateUseTimer", false}});
+      if (earlier) {
+        h.sim.world.setConnected(h.address, true);
+        h.sim.loop.advance(delay + 1);
+        ASSERT_EQ(h.setting->isPotentialAudioOutput(), true);
+        EXPECT_FALSE(h.outputIsHeadset()); // a connection of its own is not switched
+        h.sim.world.setConnected(h.address, false);
+        h.sim.loop.advance(11);
+      }
+      h.setting->toggleConnection();
+      for (int step = 0; step < 400 && !h.audio.speaker; ++step) h.sim.loop.advance(0.05);
+      ASSERT_TRUE(h.audio.speaker);
+      EXPECT_TRUE(h.outputIsHeadset()); // in the same moment
+      h.sim.loop.advance(20);
+      EXPECT_EQ(h.setting->isAudioOutput(), true);
+      EXPECT_EQ(h.setting->outputFixer().state(), OutputFixer::State::ok());
+      EXPECT_EQ(h.device->disconnectCalls(), 0);
+      EXPECT_TRUE(log.contains(
+          "Setting sound output device because connection was manually initiated: <DeviceSetting: WH Headset>"));
+    }
+  }
 }
 
 TEST(AudioReaction, AManualConnectionMakesThePresentSpeakerTheOutput) {
@@ -84,8 +103,10 @@ TEST(AudioReaction, ASpeakerThatNeverAppearsSendsTheFixerThroughItsCycles) {
   h.sim.loop.advance(1);
   h.audio.options.hasOutput = false;
 
+  // Each cycle waits out the window for the speaker, then the delay before
+  // closing, and reconnects.
   h.setting->toggleConnection();
-  h.sim.loop.advance(60);
+  h.sim.loop.advance(6 * (8 + 1 + 2));
   EXPECT_EQ(h.setting->outputFixer().state(), OutputFixer::State::gaveUp());
   EXPECT_EQ(h.device->disconnectCalls(), 5);
   EXPECT_EQ(h.device->connectCalls().size(), 6u); // the click and one reopening a cycle

@@ -83,6 +83,12 @@ TEST_F(BluezTest, FindsDevicesByEitherAddressForm) {
 
   bus.bluez("/", "org.bluez.Mock", "AddDevice", {"hci0", "AA:AA:AA:AA:AA:AA", "Later Speaker"});
   EXPECT_TRUE(test::waitUntil([&] { return bluetooth->deviceWithAddressString("aa-aa-aa-aa-aa-aa") != nullptr; }));
+  // A Low Energy speaker has no class; its A2DP sink profile makes it audio.
+  auto speaker = bluetooth->deviceWithAddressString("aa-aa-aa-aa-aa-aa");
+  EXPECT_EQ(speaker->majorDeviceClass(), 0u);
+  bus.bluez("/org/bluez/hci0/dev_AA_AA_AA_AA_AA_AA", "org.freedesktop.DBus.Mock", "UpdateProperties",
+            {"org.bluez.Device1", QVariantMap{{"UUIDs", QStringList{"0000110B-0000-1000-8000-00805F9B34FB"}}}});
+  EXPECT_TRUE(test::waitUntil([&] { return speaker->majorDeviceClass() == 4u; }));
 }
 
 TEST_F(BluezTest, ConnectAndDisconnectWithTheirNotifications) {
