@@ -113,16 +113,22 @@ void ScriptSaver::saveScript(std::int64_t deviceID, ScriptType type, const std::
   });
 }
 
+// A script left behind would run for the next device given the same ID, so
+// without a sandbox the files go without a grant.
 void ScriptSaver::cleanUp(std::int64_t deviceID, ScriptType type) {
+  const auto removeFrom = [&](const std::optional<std::string>& folder) {
+    const auto name = scriptFileName(deviceID, type);
+    if (!folder || !folder_.fileExists(name)) return;
+    PXR_LOG(scriptSaveLog(), "Cleaning up URL", *folder + "/" + name);
+    if (auto removed = folder_.remove(name); !removed) {
+      pxrLogError("Could not remove " + *folder + "/" + name + ": " + removed.failure().reason);
+    }
+  };
+  if (!folder_.needsGrant()) return removeFrom(folder_.location());
   try {
-    withWritableScriptFolder(false, [&](const std::optional<std::string>& folder) {
-      const auto name = scriptFileName(deviceID, type);
-      if (!folder || !folder_.fileExists(name)) return;
-      PXR_LOG(scriptSaveLog(), "Cleaning up URL", *folder + "/" + name);
-      folder_.remove(name);
-    });
+    withWritableScriptFolder(false, removeFrom);
   } catch (const std::exception&) {
-    // Cleaning up reports nothing: a file left behind harms no one.
+    // Cleaning up reports nothing more: the next save of a script replaces the file.
   }
 }
 

@@ -29,8 +29,8 @@ public:
   // access; throws ScriptError without it, or the file system's failure.
   void saveScript(std::int64_t deviceID, ScriptType type, const std::optional<std::string>& text);
 
-  // Removes the script file if the remembered grant allows; never asks,
-  // never fails.
+  // Removes the script file where no grant is needed or the remembered
+  // one allows; never asks, never fails.
   void cleanUp(std::int64_t deviceID, ScriptType type);
 
   // "\r\n" and "\r" become "\n".

@@ -21,6 +21,8 @@ public:
   virtual std::optional<std::string> location() const = 0;
   virtual std::string parentLocation() const = 0;
   virtual bool exists() const = 0;
+  // Whether writing there takes a grant at all; without a sandbox it does not.
+  virtual bool needsGrant() const = 0;
   // Creates it (owner only).
   virtual Result<> create() = 0;
   // Asks the user to choose `location`; true only if exactly that was chosen.

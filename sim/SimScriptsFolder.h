@@ -17,6 +17,7 @@ public:
   std::optional<std::string> location() const override { return folder; }
   std::string parentLocation() const override { return "/simulated"; }
   bool exists() const override { return folderExists; }
+  bool needsGrant() const override { return grantNeeded; }
   Result<> create() override {
     folderExists = true;
     return {};
@@ -57,6 +58,7 @@ public:
   // The world's side.
   std::map<std::string, std::string> files;
   bool folderExists = true;
+  bool grantNeeded = false; // as on Linux; true for a sandbox
   bool bookmarksResolve = true;
   std::deque<std::string> choices; // what the user picks at each question
   std::vector<std::string> prompts;

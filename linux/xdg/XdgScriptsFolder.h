@@ -18,6 +18,7 @@ public:
   std::string parentLocation() const override { return folder_.parent_path().string(); }
   bool exists() const override;
   Result<> create() override;
+  bool needsGrant() const override { return false; }
   bool promptForAccess(const std::string&, const std::string&) override { return true; }
   std::optional<SettingsValue::Data> bookmark(const std::string& location) override;
   std::optional<std::string> resolveBookmark(const SettingsValue::Data& bookmark) override;

@@ -107,11 +107,16 @@ TEST(DeviceSettingManager, RemovingDeletesScriptsAndShortcutKeysButNotTheSavedLi
   registry.synchronize();
   EXPECT_EQ(store.value("devices")->as<SettingsValue::Array>()->size(), 1u);
 
-  // Without a usable grant for the folder the files stay, and nothing is asked.
+  // In a sandbox without a usable grant the files stay, and nothing is
+  // asked; without a sandbox no grant is needed.
   sim.scriptsFolder.bookmarksResolve = false;
+  sim.scriptsFolder.grantNeeded = true;
   registry.remove(0);
   EXPECT_EQ(sim.scriptsFolder.files.size(), 1u);
   EXPECT_TRUE(sim.scriptsFolder.prompts.empty());
+  sim.scriptsFolder.grantNeeded = false;
+  ScriptSaver(sim.scriptsFolder, sim.defaults).cleanUp(1, ScriptType::connected);
+  EXPECT_TRUE(sim.scriptsFolder.files.empty());
 }
 
 TEST(DeviceSettingManager, AConnectNotificationReachesEveryDeviceWithThatAddress) {
