@@ -6,15 +6,23 @@
 
 namespace lb {
 
+bool ConnectionControl::refusesDisconnecting() const {
+  if (!owner_.connectionOnlyMode()) return false;
+  connectLog()([&] { return "Tried to disconnect from " + owner_.description() + " but in connection-only mode"; });
+  return true;
+}
+
 void ConnectionControl::toggle(std::shared_ptr<BluetoothDevice> device) {
+  busy_ = true;
   loop_.runOnWorker([self = owner_.shared_from_this(), device = std::move(device)] {
     auto& control = self->connection();
     auto& loop = control.loop_;
     if (device->isConnected()) {
-      if (self->connectionOnlyMode()) {
-        connectLog()(
-            [&] { return "Tried to disconnect from " + self->description() + " but in connection-only mode"; });
-        loop.post([self] { self->stopProgress(); });
+      if (control.refusesDisconnecting()) {
+        loop.post([self] {
+          self->connection().busy_ = false;
+          self->stopProgress();
+        });
         return;
       }
       loop.post([self] { self->outputFixer().willManuallyDisconnect(); });
@@ -23,7 +31,10 @@ void ConnectionControl::toggle(std::shared_ptr<BluetoothDevice> device) {
       control.inputDeviceManager_.rememberCurrentDevice("about to connect from Lanternbud");
       control.openConnection();
     }
-    loop.post([self] { self->updateConnectionState(ConnectionUpdateReason::toggle()); });
+    loop.post([self] {
+      self->connection().busy_ = false;
+      self->updateConnectionState(ConnectionUpdateReason::toggle());
+    });
   });
 }
 

@@ -29,6 +29,10 @@ public:
 
   // Connects or disconnects `device` on a worker, then updates the state.
   void toggle(std::shared_ptr<BluetoothDevice> device);
+  // From a toggle until its state update: main thread.
+  bool isBusy() const { return busy_; }
+  // Connection-only mode, with its log line.
+  bool refusesDisconnecting() const;
 
   // Blocking: a synchronous attempt, then a retry with a long page timeout.
   void openConnection();
@@ -53,6 +57,7 @@ private:
   Alerts& alerts_;
   InputDeviceManager& inputDeviceManager_;
   std::atomic<bool> isManuallyInitiatedConnection_ = false;
+  bool busy_ = false;
 };
 
 } // namespace lb

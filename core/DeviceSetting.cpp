@@ -126,16 +126,28 @@ void DeviceSetting::stopProgress() {
   updateButtonImage();
 }
 
-void DeviceSetting::toggleConnection(const std::optional<StatusItemClick>& click) {
+ConnectionOutcome DeviceSetting::toggleConnection(const std::optional<StatusItemClick>& click) {
+  return request(std::nullopt, click);
+}
+
+ConnectionOutcome DeviceSetting::request(std::optional<bool> wanted, const std::optional<StatusItemClick>& click) {
   if (click && statusItem_.shouldShowMenu(*click)) {
     statusItem_.popUpMenu();
-    return;
+    return ConnectionOutcome::showingMenu;
   }
   auto found = device();
-  if (!found) return;
-  if (tracker_.setOutputInsteadOfDisconnecting(*found)) return;
+  if (!found) return ConnectionOutcome::noDevice;
+  if (connection_.isBusy()) {
+    PXR_LOG(connectLog(), "Ignoring a request for", description(), "while a connection attempt is under way");
+    return ConnectionOutcome::busy;
+  }
+  const bool connected = found->isConnected();
+  if (wanted == connected) return ConnectionOutcome::unchanged;
+  if (!wanted && tracker_.setOutputInsteadOfDisconnecting(*found)) return ConnectionOutcome::settingOutput;
+  if (connected && connection_.refusesDisconnecting()) return ConnectionOutcome::connectionOnly;
   startProgress();
   connection_.toggle(std::move(found));
+  return connected ? ConnectionOutcome::disconnecting : ConnectionOutcome::connecting;
 }
 
 } // namespace lb

@@ -2,6 +2,7 @@
 
 #include "core/BluetoothMatchable.h"
 #include "core/ConnectionControl.h"
+#include "core/ConnectionOutcome.h"
 #include "core/ConnectionTracker.h"
 #include "core/ConnectionUpdateReason.h"
 #include "core/DeviceOptions.h"
@@ -119,8 +120,13 @@ public:
   // disconnected device and disconnects a connected one. A click that asks
   // for the menu (Control, the right button, connect-only rules) opens it
   // instead; a connected device that could be, and is not, the sound output
-  // becomes it instead of disconnecting.
-  void toggleConnection(const std::optional<StatusItemClick>& click = std::nullopt);
+  // becomes it instead of disconnecting. While an attempt is under way,
+  // requests are ignored, as a disabled button would ignore them.
+  ConnectionOutcome toggleConnection(const std::optional<StatusItemClick>& click = std::nullopt);
+  // Scripts' plain verbs: a connect as a click makes it (the output
+  // follows), and a disconnect that always disconnects.
+  ConnectionOutcome connect() { return request(true); }
+  ConnectionOutcome disconnect() { return request(false); }
   // Blocking, on a worker (see ConnectionControl).
   void openConnection() { connection_.openConnection(); }
   void closeConnection() { connection_.closeConnection(); }
@@ -163,6 +169,8 @@ public:
 private:
   DeviceSetting(Services& services, SettingsValue::Dictionary options, DeviceSettingManager* registry);
   void start();
+  // `wanted` none: the other state.
+  ConnectionOutcome request(std::optional<bool> wanted, const std::optional<StatusItemClick>& click = std::nullopt);
   std::optional<std::string> storedAddress() const { return options_.value<std::string>(deviceOption::device); }
 
   Bluetooth& bluetooth_;

@@ -21,8 +21,7 @@ bool DeviceSetting::scriptingIsConnected() const {
 }
 
 void DeviceSetting::setScriptingIsConnected(bool connected) {
-  if (scriptingIsConnected() == connected) return;
-  toggleConnection();
+  if (scriptingIsConnected() != connected) toggleConnection();
 }
 
 } // namespace lb

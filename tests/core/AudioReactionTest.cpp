@@ -121,12 +121,18 @@ TEST(AudioReaction, AClickOnAConnectedHeadsetThatIsNotTheOutputSetsIt) {
   h.sim.world.setConnected(h.address, true);
   h.sim.loop.advance(1);
   ASSERT_EQ(h.setting->isAudioOutput(), false);
-  h.setting->toggleConnection();
+  EXPECT_EQ(h.setting->toggleConnection(), ConnectionOutcome::settingOutput);
   h.sim.loop.advance(1);
   EXPECT_TRUE(log.contains("Already connected but trying to set audio output: <DeviceSetting: WH Headset>"));
   EXPECT_TRUE(h.outputIsHeadset());
   EXPECT_EQ(h.setting->isConnected(), true);
   EXPECT_EQ(h.device->disconnectCalls(), 0);
+  // A script's disconnect means it.
+  h.sim.audio.makeDefault(AudioDirection::output, h.speakers);
+  h.sim.loop.advance(1);
+  EXPECT_EQ(h.setting->disconnect(), ConnectionOutcome::disconnecting);
+  h.sim.loop.advance(1);
+  EXPECT_EQ(h.device->disconnectCalls(), 1);
 
   Headset off({.delay = 0}, {{"EnableAudioOutput", false}});
   off.sim.world.setConnected(off.address, true);

@@ -1,25 +1,32 @@
+#include "tests/support/CapturedLog.h"
 #include "tests/support/SimulatedDevice.h"
 
 #include <gtest/gtest.h>
 
 namespace lb {
 
-TEST(Scripting, SettingConnectedTogglesOnlyWhenItDiffers) {
+TEST(Scripting, RequestsSayWhatTheyDidAndARunningAttemptIgnoresMore) {
+  test::CapturedLog log({"LogConnect"});
   test::SimulatedDevice d;
+  d.device->setConnectBehaviour(sim::succeedsAfter(3));
   d.setting->setScriptingIsConnected(false);
-  d.sim.loop.advance(3);
-  EXPECT_TRUE(d.device->connectCalls().empty());
-
-  d.setting->setScriptingIsConnected(true);
+  EXPECT_EQ(d.setting->disconnect(), ConnectionOutcome::unchanged);
+  EXPECT_EQ(d.setting->connect(), ConnectionOutcome::connecting);
   EXPECT_FALSE(d.setting->scriptingIsConnected()); // the change follows later
-  d.sim.loop.advance(3);
+  for (int i = 0; i < 20; ++i) d.setting->setScriptingIsConnected(true);
+  EXPECT_EQ(d.setting->toggleConnection(), ConnectionOutcome::busy);
+  EXPECT_TRUE(log.contains("Ignoring a request for <DeviceSetting: Keyboard> while a connection attempt is under way"));
+  d.sim.loop.advance(4);
   EXPECT_EQ(d.device->connectCalls().size(), 1u);
+  EXPECT_EQ(d.device->disconnectCalls(), 0);
   EXPECT_TRUE(d.setting->scriptingIsConnected());
+  EXPECT_EQ(d.setting->connect(), ConnectionOutcome::unchanged);
 
-  d.setting->setScriptingIsConnected(true);
-  d.setting->setScriptingIsConnected(false);
+  d.setting->setConnectionOnlyMode(true);
+  EXPECT_EQ(d.setting->disconnect(), ConnectionOutcome::connectionOnly);
+  d.setting->setConnectionOnlyMode(false);
+  EXPECT_EQ(d.setting->disconnect(), ConnectionOutcome::disconnecting);
   d.sim.loop.advance(3);
-  EXPECT_EQ(d.device->connectCalls().size(), 1u);
   EXPECT_EQ(d.device->disconnectCalls(), 1);
   EXPECT_FALSE(d.setting->scriptingIsConnected());
 }
