@@ -67,7 +67,7 @@ int Program::runApplication(UserDefaults& defaults, Tunables& tunables, bool dem
   if (auto* world = platform->demoWorld()) world->addTo(*app.deviceSettingManager());
 
   std::unique_ptr<ScriptingService> scripting;
-  if (session.isConnected()) scripting = std::make_unique<ScriptingService>(session, app, defaults);
+  if (session.isConnected()) scripting = std::make_unique<ScriptingService>(session, app, platform->services());
   TerminationSignals termination([&app](int signal) {
     PXR_LOG(launchLog(), "Quitting on signal", signal);
     app.quit();

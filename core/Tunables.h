@@ -94,6 +94,13 @@ public:
   // Registers the defaults of the registered keys.
   explicit Tunables(UserDefaults& defaults);
 
+  // Whether the key was read once already, so that a new value waits for
+  // the next start.
+  bool isFixedForThisRun(std::string_view key) const {
+    std::lock_guard lock(mutex_);
+    return once_.contains(key);
+  }
+
   template <class T>
   T operator()(const Tunable<T>& tunable) const {
     return (*this)(tunable, tunable.defaultValue);

@@ -36,6 +36,42 @@ const ScriptingProperty* ScriptingDeviceObject::property(const QString& name) {
   return nullptr;
 }
 
+const std::vector<ScriptingMethod>& ScriptingDeviceObject::methods() {
+  static const std::vector<ScriptingMethod> all{
+      {"Connect", [](DeviceSetting& s) { return s.connect(); }},
+      {"Disconnect", [](DeviceSetting& s) { return s.disconnect(); }},
+      {"Toggle", [](DeviceSetting& s) { return s.toggleConnection(); }},
+  };
+  return all;
+}
+
+const ScriptingMethod* ScriptingDeviceObject::method(const QString& name) {
+  for (const auto& each : methods()) {
+    if (name == each.name) return &each;
+  }
+  return nullptr;
+}
+
+QString ScriptingDeviceObject::describe(ConnectionOutcome outcome) {
+  switch (outcome) {
+  case ConnectionOutcome::connecting: return "connecting";
+  case ConnectionOutcome::disconnecting: return "disconnecting";
+  case ConnectionOutcome::settingOutput: return "settingOutput";
+  case ConnectionOutcome::showingMenu: return "showingMenu";
+  case ConnectionOutcome::unchanged: return "unchanged";
+  case ConnectionOutcome::busy: return "busy";
+  case ConnectionOutcome::connectionOnly: return "connectionOnly";
+  case ConnectionOutcome::noDevice: return "noDevice";
+  }
+  return "unknown";
+}
+
+std::optional<ConnectionOutcome> ScriptingDeviceObject::call(const ScriptingMethod& method) {
+  auto setting = setting_.lock();
+  if (!setting) return std::nullopt;
+  return method.call(*setting);
+}
+
 QVariantMap ScriptingDeviceObject::values() const {
   auto setting = setting_.lock();
   if (!setting) return {};

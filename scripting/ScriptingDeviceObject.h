@@ -5,6 +5,7 @@
 #include <QVariantMap>
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace lb {
@@ -19,6 +20,14 @@ struct ScriptingProperty {
   void (*set)(DeviceSetting& setting, const QVariant& value) = nullptr;
 };
 
+// One method of the device interface: a request, answered with what it did
+// ("connecting", "disconnecting", "settingOutput", "unchanged", "busy",
+// "connectionOnly", "noDevice").
+struct ScriptingMethod {
+  const char* name;
+  ConnectionOutcome (*call)(DeviceSetting& setting);
+};
+
 // One device as the scripting interface shows it. Holds its device setting
 // weakly: a device removed from the registry answers nothing more.
 class ScriptingDeviceObject {
@@ -26,6 +35,9 @@ public:
   // In the order introspection lists them.
   static const std::vector<ScriptingProperty>& properties();
   static const ScriptingProperty* property(const QString& name);
+  static const std::vector<ScriptingMethod>& methods();
+  static const ScriptingMethod* method(const QString& name);
+  static QString describe(ConnectionOutcome outcome);
 
   explicit ScriptingDeviceObject(std::weak_ptr<DeviceSetting> setting) : setting_(std::move(setting)) {}
 
@@ -33,6 +45,8 @@ public:
   // value: Address "", BatteryLevel -1, icon data empty.
   QVariantMap values() const;
   void set(const ScriptingProperty& property, const QVariant& value);
+  // None when the device is gone.
+  std::optional<ConnectionOutcome> call(const ScriptingMethod& method);
 
   // What was last announced, kept by the service to find changes in.
   QVariantMap shown;

@@ -45,6 +45,10 @@ QString ScriptingDeviceTree::introspect(const QString& path) const {
     xml += QString("  <property name=\"%1\" type=\"%2\" access=\"%3\"/>\n")
                .arg(property.name, property.signature, property.set ? "readwrite" : "read");
   }
+  for (const auto& method : ScriptingDeviceObject::methods()) {
+    xml += QString("  <method name=\"%1\"><arg name=\"outcome\" type=\"s\" direction=\"out\"/></method>\n")
+               .arg(method.name);
+  }
   xml +=
       "  <annotation name=\"org.lanternbud.Missing\" value=\"Address: empty; BatteryLevel: -1; icon data: empty\"/>\n";
   return xml + "</interface>\n";
@@ -72,9 +76,16 @@ ScriptingDeviceObject* ScriptingDeviceTree::device(const QString& path) const {
 }
 
 QDBusMessage ScriptingDeviceTree::answer(const QDBusMessage& message, ScriptingDeviceObject& device) const {
+  const auto* method = ScriptingDeviceObject::method(message.member());
+  if (method && (message.interface().isEmpty() || message.interface() == bus::deviceInterface)) {
+    auto outcome = device.call(*method);
+    if (!outcome) return error(message, QDBusError::UnknownObject, "The device " + message.path() + " is gone.");
+    return message.createReply(ScriptingDeviceObject::describe(*outcome));
+  }
   if (message.interface() != propertiesInterface) {
     return error(message, QDBusError::UnknownMethod,
-                 "A device has only properties: use " + propertiesInterface + ".Get, GetAll or Set.");
+                 "A device has the methods Connect, Disconnect and Toggle, and properties: use " + propertiesInterface +
+                     ".Get, GetAll or Set.");
   }
   const auto arguments = message.arguments();
   const auto interface = arguments.value(0).toString();

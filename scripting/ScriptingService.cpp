@@ -27,9 +27,11 @@ public slots:
   void ShowPreferences() { service_.showPreferences(); }
   void Quit() { service_.quit(); }
   QDBusObjectPath FindDevice(const QString& query) { return service_.findDevice(query); }
+  QDBusObjectPath AddDevice(const QString& address) { return service_.addDevice(address); }
+  void RemoveDevice(const QDBusObjectPath& path) { service_.removeDevice(path); }
   QString GetSetting(const QString& key) { return service_.getSetting(key); }
-  void SetSetting(const QString& key, const QString& json) { service_.setSetting(key, json); }
-  void UnsetSetting(const QString& key) { service_.unsetSetting(key); }
+  QString SetSetting(const QString& key, const QString& json) { return service_.setSetting(key, json); }
+  QString UnsetSetting(const QString& key) { return service_.unsetSetting(key); }
 
 private:
   ScriptingService& service_;
@@ -37,8 +39,8 @@ private:
 
 } // namespace
 
-ScriptingService::ScriptingService(QDBusConnection bus, AppDelegate& app, UserDefaults& defaults)
-    : bus_(std::move(bus)), app_(app), defaults_(defaults) {
+ScriptingService::ScriptingService(QDBusConnection bus, AppDelegate& app, Services& services)
+    : bus_(std::move(bus)), app_(app), services_(services) {
   new ApplicationAdaptor(this);
   bus_.registerObject(bus::applicationPath, this, QDBusConnection::ExportAdaptors);
   bus_.registerVirtualObject(bus::deviceRoot, &tree_, QDBusConnection::SubPath);
@@ -123,33 +125,97 @@ QDBusObjectPath ScriptingService::findDevice(const QString& query) {
       if (matches) return QDBusObjectPath(devicePath(setting->deviceID()));
     }
   }
-  sendErrorReply(QString(bus::errorPrefix) + "NoSuchDevice",
-                 "No device has the ID, name or address \"" + query + "\".");
+  fail("NoSuchDevice", "No device has the ID, name or address \"" + query + "\".");
   return {};
 }
 
+void ScriptingService::fail(const char* error, const QString& message) {
+  sendErrorReply(QString(bus::errorPrefix) + error, message);
+}
+
+// Saved at once: a device added from a script is not lost if the program is.
+QDBusObjectPath ScriptingService::addDevice(const QString& text) {
+  auto* registry = app_.deviceSettingManager();
+  const auto address = BluetoothAddress::parse(text.toStdString());
+  if (!registry) {
+    fail("Starting", "Lanternbud is still starting; try again in a moment.");
+    return {};
+  }
+  if (!address) {
+    fail("InvalidAddress",
+         "\"" + text + "\" is not a Bluetooth address: six pairs of hexadecimal digits, as in 00:1B:66:AA:BB:CC.");
+    return {};
+  }
+  const auto written = QString::fromStdString(address->toString());
+  auto device = services_.bluetooth.deviceWithAddressString(address->toString());
+  if (!device) {
+    fail("UnknownDevice",
+         "The system knows no Bluetooth device at " + written + "; pair it first (bluetoothctl pair " + written + ").");
+    return {};
+  }
+  for (const auto& setting : registry->deviceSettingList()) {
+    if (sameBluetoothAddress(setting->scriptingAddress().value_or(""), address->toString())) {
+      fail("AlreadyAdded", written + " is already added, as device " + QString::number(setting->deviceID()) + ".");
+      return {};
+    }
+  }
+  auto added = registry->add(*device);
+  registry->synchronize();
+  return QDBusObjectPath(devicePath(added->deviceID()));
+}
+
+void ScriptingService::removeDevice(const QDBusObjectPath& path) {
+  if (auto* registry = app_.deviceSettingManager()) {
+    const auto& list = registry->deviceSettingList();
+    for (std::size_t index = 0; index < list.size(); ++index) {
+      if (devicePath(list[index]->deviceID()) != path.path()) continue;
+      registry->remove(index);
+      registry->synchronize();
+      return;
+    }
+  }
+  fail("NoSuchDevice", "No device has the path " + path.path() + ".");
+}
+
 QString ScriptingService::getSetting(const QString& key) {
-  auto value = defaults_.object(key.toStdString());
+  auto value = services_.defaults.object(key.toStdString());
   if (!value) {
-    sendErrorReply(QString(bus::errorPrefix) + "NotSet", "\"" + key + "\" is not set; its default applies.");
+    fail("NotSet", "\"" + key + "\" is not set; its default applies.");
     return {};
   }
   return QString::fromStdString(SettingsJson::write(*value)).trimmed();
 }
 
-void ScriptingService::setSetting(const QString& key, const QString& json) {
+QString ScriptingService::setSetting(const QString& key, const QString& json) {
   std::string error;
   auto value = SettingsJson::parse(json.toStdString(), error);
   if (key.isEmpty() || !value) {
-    sendErrorReply(QString(bus::errorPrefix) + "InvalidValue",
-                   key.isEmpty() ? QString("The key is empty.")
-                                 : "\"" + json + "\" is no settings value: " + QString::fromStdString(error));
-    return;
+    fail("InvalidValue", key.isEmpty() ? QString("The key is empty.")
+                                       : "\"" + json + "\" is no settings value: " + QString::fromStdString(error));
+    return {};
   }
-  defaults_.setValue(key.toStdString(), std::move(*value));
+  if (refusesWhileRunning(key)) return {};
+  services_.defaults.setValue(key.toStdString(), std::move(*value));
+  return whenItTakesEffect(key);
 }
 
-void ScriptingService::unsetSetting(const QString& key) { defaults_.removeValue(key.toStdString()); }
+QString ScriptingService::unsetSetting(const QString& key) {
+  if (refusesWhileRunning(key)) return {};
+  services_.defaults.removeValue(key.toStdString());
+  return whenItTakesEffect(key);
+}
+
+QString ScriptingService::whenItTakesEffect(const QString& key) const {
+  return services_.tunables.isFixedForThisRun(key.toStdString()) ? "nextStart" : "now";
+}
+
+// The running program owns the device list and writes it at quit.
+bool ScriptingService::refusesWhileRunning(const QString& key) {
+  if (key != "devices") return false;
+  fail("ReadOnly", "The device list changes only by adding and removing devices while Lanternbud runs: "
+                   "use lanternbud-ctl add <address> and lanternbud-ctl remove <device>.");
+  return true;
+}
 
 } // namespace lb
 

@@ -21,11 +21,15 @@ namespace lb {
 //   /org/lanternbud/Lanternbud              interface org.lanternbud.Lanternbud
 //     Devices (ao): one path per device, in the tray's order
 //     ShowPreferences(), Quit(), FindDevice(s) -> o (by ID, name or address)
-//     GetSetting(s key) -> s json, SetSetting(s key, s json), UnsetSetting(s key)
+//     AddDevice(s address) -> o, RemoveDevice(o)
+//     GetSetting(s key) -> s json, SetSetting(s key, s json) -> s when,
+//     UnsetSetting(s key) -> s when: "now", or "nextStart" for a tunable
+//     that this run has read already
 //   /org/lanternbud/Lanternbud/Device/<ID>  interface org.lanternbud.Lanternbud.Device
 //     Name, ID, Address, BatteryLevel, BatteryLevelString, IconName,
 //     IconData, DisconnectedIconData, ConnectedIconData, Connected (writable),
 //     Status, ConnectionScript, DisconnectionScript
+//     Connect() -> s, Disconnect() -> s, Toggle() -> s: what was done
 //
 // A value that is missing is given as the type's empty value: Address "",
 // BatteryLevel -1, the icon data empty. Changes are announced with
@@ -37,7 +41,7 @@ class ScriptingService final : public QObject, protected QDBusContext {
 public:
   // Exports the objects; the service name is taken by whoever owns the
   // single-instance check.
-  ScriptingService(QDBusConnection bus, AppDelegate& app, UserDefaults& defaults);
+  ScriptingService(QDBusConnection bus, AppDelegate& app, Services& services);
   ~ScriptingService() override;
 
   static QString devicePath(std::int64_t ID);
@@ -50,17 +54,22 @@ public:
   void showPreferences();
   void quit();
   QDBusObjectPath findDevice(const QString& query);
+  QDBusObjectPath addDevice(const QString& address);
+  void removeDevice(const QDBusObjectPath& path);
   QString getSetting(const QString& key);
-  void setSetting(const QString& key, const QString& json);
-  void unsetSetting(const QString& key);
+  QString setSetting(const QString& key, const QString& json);
+  QString unsetSetting(const QString& key);
 
 private:
   void scheduleRefresh();
   void announce(const QString& path, const QString& interface, const QVariantMap& changed);
+  void fail(const char* error, const QString& message);
+  bool refusesWhileRunning(const QString& key);
+  QString whenItTakesEffect(const QString& key) const;
 
   QDBusConnection bus_;
   AppDelegate& app_;
-  UserDefaults& defaults_;
+  Services& services_;
   ScriptingDeviceTree::Objects objects_;
   ScriptingDeviceTree tree_{objects_};
   QList<QDBusObjectPath> shownList_;

@@ -127,9 +127,52 @@ TEST_F(ProgramTest, ConnectingAHeadsetMakesItTheSoundOutput) {
   result = program->ctl({"list"});
   EXPECT_NE(result.output.find("WH Headset"), std::string::npos);
   EXPECT_TRUE(seenAsOutput(1));
+
+  // Once it is not the output, a toggle makes it so again, and a disconnect
+  // disconnects.
+  pulse.pactl("set-default-sink builtin");
+  EXPECT_TRUE(test::waitUntil([&] { return deviceProperty(1, "Status").toString().endsWith("(Not Sound Output)"); }));
+  result = program->ctl({"toggle", "WH Headset"});
+  EXPECT_EQ(result.status, 0) << result.errors;
+  EXPECT_NE(result.output.find("it is now the sound output"), std::string::npos) << result.output;
+  EXPECT_TRUE(test::eventually([&] { return defaultSink() == "wh_headset"; }));
+  EXPECT_TRUE(connected(headsetAddress));
+  pulse.pactl("set-default-sink builtin");
+  EXPECT_TRUE(test::waitUntil([&] { return deviceProperty(1, "Status").toString().endsWith("(Not Sound Output)"); }));
   result = program->ctl({"disconnect", "WH Headset"});
   EXPECT_EQ(result.status, 0) << result.errors;
   EXPECT_FALSE(connected(headsetAddress));
+}
+
+// While the program runs, the device list changes only by adding and
+// removing, which save at once; a removed device takes its scripts along.
+TEST_F(ProgramTest, DevicesAreAddedAndRemovedWhileItRuns) {
+  system.bluez("/", "org.bluez.Mock", "AddDevice", {"hci0", "A0:B1:C2:D3:E4:F5", "Desk Speaker"});
+  system.bluez("/", "org.bluez.Mock", "PairDevice", {"hci0", "A0:B1:C2:D3:E4:F5", 0x240414});
+  ASSERT_TRUE(program->start());
+  EXPECT_EQ(program->ctl({"add", "A0:B1:C2"}).status, 2);
+  auto unknown = program->ctl({"add", "11:22:33:44:55:66"});
+  EXPECT_EQ(unknown.status, 3);
+  EXPECT_NE(unknown.errors.find("pair it first"), std::string::npos) << unknown.errors;
+  EXPECT_EQ(program->ctl({"add", "00-1b-66-aa-bb-cc"}).status, 1);
+
+  auto added = program->ctl({"add", "a0:b1:c2:d3:e4:f5"});
+  EXPECT_EQ(added.status, 0) << added.errors;
+  EXPECT_EQ(added.output, "Added Desk Speaker as device 4.\n");
+  auto saved = [&] { return nlohmann::json::parse(std::ifstream(program->settingsFile()))["devices"].size(); };
+  EXPECT_EQ(saved(), 4u);
+  test::writeFile(program->scriptsFolder() / "4.connected", "#!/bin/sh\n");
+
+  auto refused = program->ctl({"config", "set", "devices", "[]"});
+  EXPECT_EQ(refused.status, 1);
+  EXPECT_NE(refused.errors.find("lanternbud-ctl add"), std::string::npos) << refused.errors;
+  EXPECT_NE(program->ctl({"config", "set", "ConnectionUpdateTimerInterval", "2"}).output.find("starts again"),
+            std::string::npos);
+
+  EXPECT_EQ(program->ctl({"remove", "Desk Speaker"}).status, 0);
+  EXPECT_EQ(saved(), 3u);
+  EXPECT_FALSE(std::filesystem::exists(program->scriptsFolder() / "4.connected"));
+  EXPECT_EQ(program->ctl({"show", "4"}).status, 3);
 }
 
 TEST_F(ProgramTest, ConnectingAKeyboardRunsItsConnectScript) {

@@ -1,27 +1,21 @@
 // lanternbud-ctl: lists and drives the running Lanternbud's devices over its
 // scripting interface on the session bus, and reads and writes its settings.
-#include "foundation/SettingsJson.h"
+#include "app/ctl/ProgramClient.h"
 #include "foundation/JsonSettingsStore.h"
+#include "foundation/SettingsJson.h"
 #include "scripting/BusNames.h"
 
 #include <QCoreApplication>
-#include <QDBusConnection>
-#include <QDBusConnectionInterface>
-#include <QDBusMessage>
-#include <QDBusMetaType>
-#include <QDBusObjectPath>
-#include <QDBusVariant>
-#include <QThread>
 
 #include <nlohmann/json.hpp>
 
-#include <chrono>
 #include <cstdio>
 #include <iostream>
 #include <map>
-#include <thread>
 
 namespace {
+
+using lb::ProgramClient;
 
 // Exit statuses, as --help lists them.
 enum Exit { ok = 0, failed = 1, usageError = 2, noSuchDevice = 3, notRunning = 4 };
@@ -31,10 +25,12 @@ constexpr const char* usage = R"(Usage: lanternbud-ctl <command> [arguments]
 Commands:
   list [--json]                  the devices in the tray's order
   show <device>                  every property of one device
-  connect <device> [--no-wait]   connect it; waits up to 45 s for the connection
+  connect <device> [--no-wait]   connect it; waits until it is connected
   disconnect <device> [--no-wait]
   toggle <device> [--no-wait]    as a click on its tray item does
   battery <device>               its battery level text
+  add <address>                  add a paired device to the tray
+  remove <device>                take a device out of the tray
   config get <Key>               a setting's value, as JSON
   config set <Key> <value>       JSON, YES/NO, or else text
   config unset <Key>             back to the default
@@ -45,8 +41,9 @@ Commands:
 the only writer of the settings file; when it is not running, config writes
 the file directly.
 
-Exit status: 0 done, 1 failed (not connected in time, key not set),
-2 usage error, 3 no such device, 4 Lanternbud is not running.
+Exit status: 0 done, 1 failed (not connected in time, key not set, device
+already added), 2 usage error or malformed address, 3 no such device,
+4 Lanternbud is not running.
 )";
 
 const std::map<std::string, std::string> commandHelp = {
@@ -56,61 +53,31 @@ const std::map<std::string, std::string> commandHelp = {
              "value is null.\n"},
     {"show", "lanternbud-ctl show <device>\n\nEvery property of the device, one per line.\n"},
     {"connect",
-     "lanternbud-ctl connect <device> [--no-wait]\n\nConnects the device as a click does, and (unless --no-wait)\n"
-     "waits up to 45 s until it is connected. Already connected: nothing happens.\n"},
+     "lanternbud-ctl connect <device> [--no-wait]\n\nConnects the device as a click does (a headset becomes the sound\n"
+     "output), and (unless --no-wait) waits until it is connected, at most 75 s, longer than Lanternbud's\n"
+     "own attempt and retry. Already connected: nothing happens.\n"},
     {"disconnect",
      "lanternbud-ctl disconnect <device> [--no-wait]\n\nDisconnects the device, and waits as connect does.\n"},
-    {"toggle",
-     "lanternbud-ctl toggle <device> [--no-wait]\n\nConnects a disconnected device and disconnects a connected one.\n"},
+    {"toggle", "lanternbud-ctl toggle <device> [--no-wait]\n\nAs a click: connects a disconnected device and "
+               "disconnects a connected one,\nbut makes a connected headset that is not the sound output the "
+               "output instead.\n"},
+    {"add", "lanternbud-ctl add <address>\n\nAdds the paired device with this Bluetooth address (bluetoothctl "
+            "devices Paired\nlists them) and prints its ID. Exit status 2: not an address; 3: the system knows no "
+            "such\ndevice; 1: added already.\n"},
+    {"remove", "lanternbud-ctl remove <device>\n\nTakes the device out of the tray, with its scripts and "
+               "shortcut.\n"},
     {"battery", "lanternbud-ctl battery <device>\n\nPrints \"Battery Level: 85%\" or \"Battery Level: Unknown\".\n"},
     {"config",
      "lanternbud-ctl config get <Key>\nlanternbud-ctl config set <Key> <value>\nlanternbud-ctl config unset <Key>\n\n"
      "Values are JSON (2, 0.5, true, \"text\", [\"a\"]); YES and NO are Booleans and any other\n"
-     "word is text. Most tunables are read once per start: restart Lanternbud after setting one.\n"},
+     "word is text. A tunable that the running program has read already takes effect at its\n"
+     "next start; set says so. While it runs, devices are added and removed with add and remove.\n"},
 };
 
 int fail(Exit status, const std::string& message) {
   std::cerr << "lanternbud-ctl: " << message << "\n";
   return status;
 }
-
-class Client {
-public:
-  Client() : bus_(QDBusConnection::sessionBus()) {}
-
-  bool running() { return bus_.isConnected() && bus_.interface()->isServiceRegistered(lb::bus::serviceName).value(); }
-
-  QDBusMessage call(const QString& path, const QString& interface, const QString& method,
-                    const QVariantList& arguments = {}) {
-    auto message = QDBusMessage::createMethodCall(lb::bus::serviceName, path, interface, method);
-    message.setArguments(arguments);
-    return bus_.call(message, QDBus::Block, 10000);
-  }
-  QDBusMessage application(const QString& method, const QVariantList& arguments = {}) {
-    return call(lb::bus::applicationPath, lb::bus::applicationInterface, method, arguments);
-  }
-
-  QVariantMap properties(const QString& path) {
-    auto reply = call(path, "org.freedesktop.DBus.Properties", "GetAll", {lb::bus::deviceInterface});
-    return qdbus_cast<QVariantMap>(reply.arguments().value(0));
-  }
-  QVariant property(const QString& path, const char* name) { return properties(path).value(name); }
-
-  QList<QDBusObjectPath> devices() {
-    auto reply = call(lb::bus::applicationPath, "org.freedesktop.DBus.Properties", "Get",
-                      {lb::bus::applicationInterface, "Devices"});
-    auto value = reply.arguments().value(0).value<QDBusVariant>().variant();
-    return qdbus_cast<QList<QDBusObjectPath>>(value);
-  }
-
-  QDBusMessage setConnected(const QString& path, bool connected) {
-    return call(path, "org.freedesktop.DBus.Properties", "Set",
-                {lb::bus::deviceInterface, "Connected", QVariant::fromValue(QDBusVariant(connected))});
-  }
-
-private:
-  QDBusConnection bus_;
-};
 
 // Every property but the pictures, named in lower camel case ("ID" is
 // "id"). A missing value, which the interface gives as the type's empty
@@ -136,7 +103,7 @@ nlohmann::json asJson(const QVariantMap& device) {
   return json;
 }
 
-int list(Client& client, bool json) {
+int list(ProgramClient& client, bool json) {
   auto all = nlohmann::json::array();
   for (const auto& path : client.devices()) all.push_back(asJson(client.properties(path.path())));
   if (json) {
@@ -157,7 +124,7 @@ int list(Client& client, bool json) {
 }
 
 // Finds the device's path, or says why not.
-std::optional<QString> find(Client& client, const std::string& query, int& status) {
+std::optional<QString> find(ProgramClient& client, const std::string& query, int& status) {
   auto reply = client.application("FindDevice", {QString::fromStdString(query)});
   if (reply.type() == QDBusMessage::ErrorMessage) {
     status = fail(noSuchDevice, reply.errorMessage().toStdString() + " `lanternbud-ctl list` shows the devices.");
@@ -166,7 +133,7 @@ std::optional<QString> find(Client& client, const std::string& query, int& statu
   return reply.arguments().value(0).value<QDBusObjectPath>().path();
 }
 
-int show(Client& client, const QString& path) {
+int show(ProgramClient& client, const QString& path) {
   const auto device = client.properties(path);
   for (auto it = device.begin(); it != device.end(); ++it) {
     auto value = it.value();
@@ -179,28 +146,65 @@ int show(Client& client, const QString& path) {
   return ok;
 }
 
-int changeConnection(Client& client, const QString& path, std::optional<bool> wanted, bool wait) {
+// Asks the device to connect, disconnect or toggle, then (with `wait`)
+// waits for the change that the program announces.
+int request(ProgramClient& client, const QString& path, const std::string& command, bool wait) {
   const auto name = client.property(path, "Name").toString().toStdString();
-  const bool now = client.property(path, "Connected").toBool();
-  const bool target = wanted.value_or(!now);
-  if (now == target) {
-    std::cout << name << " is already " << (now ? "connected" : "disconnected") << ".\n";
+  client.watch(path);
+  const bool before = client.property(path, "Connected").toBool();
+  const QString method = command == "connect" ? "Connect" : command == "disconnect" ? "Disconnect" : "Toggle";
+  auto reply = client.device(path, method);
+  if (reply.type() == QDBusMessage::ErrorMessage) return fail(failed, reply.errorMessage().toStdString());
+  const auto outcome = reply.arguments().value(0).toString();
+  if (outcome == "unchanged") {
+    std::cout << name << " is already " << (before ? "connected" : "disconnected") << ".\n";
     return ok;
   }
-  auto reply = client.setConnected(path, target);
-  if (reply.type() == QDBusMessage::ErrorMessage) return fail(failed, reply.errorMessage().toStdString());
+  if (outcome == "settingOutput") {
+    std::cout << name << " is connected; it is now the sound output (toggle again to disconnect).\n";
+    return ok;
+  }
+  if (outcome == "busy") {
+    return fail(failed, name + " is being connected or disconnected already; try again when that is done.");
+  }
+  if (outcome == "connectionOnly") {
+    return fail(failed, name + " is set to connection-only: Lanternbud does not disconnect it.");
+  }
+  if (outcome == "noDevice") {
+    return fail(failed, "the system has no Bluetooth device at " + name + "'s address; is it still paired?");
+  }
+  const bool target = outcome == "connecting";
   std::cout << (target ? "Connecting " : "Disconnecting ") << name << (wait ? "..." : ".") << std::endl;
   if (!wait) return ok;
-  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(45);
-  while (std::chrono::steady_clock::now() < deadline) {
-    if (client.property(path, "Connected").toBool() == target) {
-      std::cout << name << " is " << (target ? "connected" : "disconnected") << ".\n";
-      return ok;
-    }
-    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+  if (client.waitUntilConnected(target, std::chrono::seconds(75))) {
+    std::cout << name << " is " << (target ? "connected" : "disconnected") << ".\n";
+    return ok;
   }
   return fail(failed, name + " did not " + (target ? "connect" : "disconnect") +
-                          " within 45 s; the journal says why (journalctl -t lanternbud).");
+                          " within 75 s; the journal says why (journalctl -t lanternbud).");
+}
+
+int add(ProgramClient& client, const std::string& address) {
+  auto reply = client.application("AddDevice", {QString::fromStdString(address)});
+  if (reply.type() == QDBusMessage::ErrorMessage) {
+    const auto error = reply.errorName().toStdString();
+    const auto kind = error.substr(error.rfind('.') + 1);
+    const Exit status = kind == "InvalidAddress" ? usageError : kind == "UnknownDevice" ? noSuchDevice : failed;
+    return fail(status, reply.errorMessage().toStdString());
+  }
+  const auto path = reply.arguments().value(0).value<QDBusObjectPath>().path();
+  const auto device = client.properties(path);
+  std::cout << "Added " << device.value("Name").toString().toStdString() << " as device "
+            << device.value("ID").toLongLong() << ".\n";
+  return ok;
+}
+
+int remove(ProgramClient& client, const QString& path) {
+  const auto name = client.property(path, "Name").toString().toStdString();
+  auto reply = client.application("RemoveDevice", {QVariant::fromValue(QDBusObjectPath(path))});
+  if (reply.type() == QDBusMessage::ErrorMessage) return fail(failed, reply.errorMessage().toStdString());
+  std::cout << "Removed " << name << ".\n";
+  return ok;
 }
 
 std::optional<lb::SettingsValue> parseValue(const std::string& text) {
@@ -211,7 +215,7 @@ std::optional<lb::SettingsValue> parseValue(const std::string& text) {
   return lb::SettingsValue(text);
 }
 
-int config(Client& client, const std::vector<std::string>& words) {
+int config(ProgramClient& client, const std::vector<std::string>& words) {
   const auto& action = words.size() > 1 ? words[1] : "";
   const bool wellFormed = (action == "get" && words.size() == 3) || (action == "set" && words.size() == 4) ||
                           (action == "unset" && words.size() == 3);
@@ -227,7 +231,11 @@ int config(Client& client, const std::vector<std::string>& words) {
     }
     if (action == "unset") reply = client.application("UnsetSetting", {QString::fromStdString(key)});
     if (reply.type() == QDBusMessage::ErrorMessage) return fail(failed, reply.errorMessage().toStdString());
-    if (action == "get") std::cout << reply.arguments().value(0).toString().toStdString() << "\n";
+    const auto answer = reply.arguments().value(0).toString().toStdString();
+    if (action == "get") std::cout << answer << "\n";
+    if (answer == "nextStart") {
+      std::cout << key << " is read once per run: the change takes effect when Lanternbud starts again.\n";
+    }
     return ok;
   }
   lb::JsonSettingsStore store(lb::JsonSettingsStore::defaultFile());
@@ -253,7 +261,7 @@ int run(const std::vector<std::string>& words) {
     std::cout << commandHelp.at(command);
     return ok;
   }
-  Client client;
+  ProgramClient client;
   if (command == "config") return config(client, words);
   if (!client.running()) {
     return fail(notRunning, "Lanternbud is not running on this session bus; start it with `lanternbud` "
@@ -268,6 +276,7 @@ int run(const std::vector<std::string>& words) {
   const bool wait = std::erase(arguments, "--no-wait") == 0;
   if (arguments.size() != 1)
     return fail(usageError, "usage: " + commandHelp.at(command).substr(0, commandHelp.at(command).find('\n')));
+  if (command == "add") return add(client, arguments[0]);
   int status = ok;
   auto path = find(client, arguments[0], status);
   if (!path) return status;
@@ -276,10 +285,8 @@ int run(const std::vector<std::string>& words) {
     std::cout << client.property(*path, "BatteryLevelString").toString().toStdString() << "\n";
     return ok;
   }
-  std::optional<bool> wanted;
-  if (command == "connect") wanted = true;
-  if (command == "disconnect") wanted = false;
-  return changeConnection(client, *path, wanted, wait);
+  if (command == "remove") return remove(client, *path);
+  return request(client, *path, command, wait);
 }
 
 } // namespace

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusObjectPath>
+#include <QObject>
+#include <QVariantMap>
+
+#include <chrono>
+
+namespace lb {
+
+// The running Lanternbud as lanternbud-ctl reaches it: calls on its
+// scripting interface on the session bus, and waits for a device's
+// announced changes.
+class ProgramClient final : public QObject {
+  Q_OBJECT
+
+public:
+  ProgramClient();
+
+  bool running();
+
+  QDBusMessage call(const QString& path, const QString& interface, const QString& method,
+                    const QVariantList& arguments = {});
+  QDBusMessage application(const QString& method, const QVariantList& arguments = {});
+  QDBusMessage device(const QString& path, const QString& method);
+
+  QVariantMap properties(const QString& path);
+  QVariant property(const QString& path, const char* name) { return properties(path).value(name); }
+  QList<QDBusObjectPath> devices();
+
+  // Listens to the device's PropertiesChanged from now on, so that a change
+  // that a request causes is not missed.
+  void watch(const QString& path);
+  // Until the watched device's Connected is `connected`, or `limit` passes.
+  bool waitUntilConnected(bool connected, std::chrono::seconds limit);
+
+private slots:
+  void changed(const QDBusMessage& message);
+
+private:
+  QDBusConnection bus_;
+  QString watched_;
+  std::optional<bool> connected_;
+};
+
+} // namespace lb
