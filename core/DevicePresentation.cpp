@@ -8,8 +8,9 @@
 
 namespace lb {
 
-std::optional<SettingsValue::Dictionary> DevicePresentation::deviceCachedInfo() {
-  if (auto cached = deviceInfoCache_.cachedValue(&owner_); cached && cached->isCurrent()) return cached->value;
+std::optional<SettingsValue::Dictionary> DevicePresentation::deviceCachedInfo(BatteryReading reading) {
+  auto cached = deviceInfoCache_.cachedValue(&owner_);
+  if (cached && (cached->isCurrent() || reading == BatteryReading::lastKnown)) return cached->value;
   auto fresh = deviceFreshInfo();
   deviceInfoCache_.setValue(&owner_, fresh);
   return fresh;
@@ -24,8 +25,8 @@ std::optional<SettingsValue::Dictionary> DevicePresentation::deviceFreshInfo() {
   return batteryInfo_.fallbackInfo(*found);
 }
 
-std::optional<int> DevicePresentation::batteryLevel() {
-  auto info = deviceCachedInfo();
+std::optional<int> DevicePresentation::batteryLevel(BatteryReading reading) {
+  auto info = deviceCachedInfo(reading);
   auto type = info ? BatteryType::from(*info) : std::nullopt;
   if (!type) return std::nullopt;
   if (type->kind != BatteryType::Kind::leftRight) return type->level;
@@ -33,8 +34,8 @@ std::optional<int> DevicePresentation::batteryLevel() {
   return std::max(type->level, type->right);
 }
 
-std::optional<std::string> DevicePresentation::batteryLevelFormat() {
-  auto info = deviceCachedInfo();
+std::optional<std::string> DevicePresentation::batteryLevelFormat(BatteryReading reading) {
+  auto info = deviceCachedInfo(reading);
   auto type = info ? BatteryType::from(*info) : std::nullopt;
   if (!type) return std::nullopt;
   if (type->kind != BatteryType::Kind::leftRight) return std::to_string(type->level) + "%%";
@@ -44,11 +45,11 @@ std::optional<std::string> DevicePresentation::batteryLevelFormat() {
   return text;
 }
 
-std::string DevicePresentation::batteryLevelString() {
+std::string DevicePresentation::batteryLevelString(BatteryReading reading) {
   std::string text = localized("Unknown");
   auto found = owner_.device();
   if (found && found->isConnected()) {
-    if (auto format = batteryLevelFormat()) text = *format;
+    if (auto format = batteryLevelFormat(reading)) text = *format;
   }
   return formatted("%@: " + text, localized("Battery Level"));
 }

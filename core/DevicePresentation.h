@@ -12,6 +12,11 @@ namespace lb {
 
 class DeviceSetting;
 
+// How a battery value is had: read afresh once the cached one is stale, or
+// the last one known, read only when none is (for mirrors that must not
+// cause reads of their own).
+enum class BatteryReading { ifStale, lastKnown };
+
 // What the user sees of a device: battery levels, the status texts of the
 // menu, tool tip and scripts, and the choice of the tray picture. Main
 // thread.
@@ -22,14 +27,14 @@ public:
       : owner_(owner), tunables_(tunables), batteryInfo_(batteryInfo), deviceInfoCache_(deviceInfoCache) {}
 
   // The device's information, reused for "DeviceInfoStalenessInterval".
-  std::optional<SettingsValue::Dictionary> deviceCachedInfo();
+  std::optional<SettingsValue::Dictionary> deviceCachedInfo(BatteryReading reading = BatteryReading::ifStale);
   std::optional<SettingsValue::Dictionary> deviceFreshInfo();
   // One level; of two earbuds the lower one that is not zero.
-  std::optional<int> batteryLevel();
+  std::optional<int> batteryLevel(BatteryReading reading = BatteryReading::ifStale);
   // The battery text with its percent signs doubled, "85%%" or "L: 40%% R: 70%%".
-  std::optional<std::string> batteryLevelFormat();
+  std::optional<std::string> batteryLevelFormat(BatteryReading reading = BatteryReading::ifStale);
   // "Battery Level: 85%", or "Battery Level: Unknown"
-  std::string batteryLevelString();
+  std::string batteryLevelString(BatteryReading reading = BatteryReading::ifStale);
   // "Headphones - Connected (Not Sound Output)"
   std::optional<std::string> statusString();
   // The status and, while connected, the battery, on two lines.

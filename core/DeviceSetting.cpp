@@ -117,7 +117,7 @@ void DeviceSetting::removeStatusItem() {
 // Whatever the outside mirrors of the device (the scripting interface) may
 // have changed with the picture.
 void DeviceSetting::updateButtonImage() {
-  if (registry_) registry_->noteChange();
+  if (registry_) registry_->noteChange(this);
   statusItem_.update();
 }
 

@@ -142,7 +142,9 @@ public:
   // Battery levels and status texts, for the tray, its menu and scripts.
   std::optional<int> batteryLevel() { return presentation_.batteryLevel(); }
   std::optional<std::string> batteryLevelFormat() { return presentation_.batteryLevelFormat(); }
-  std::string batteryLevelString() { return presentation_.batteryLevelString(); }
+  std::string batteryLevelString(BatteryReading reading = BatteryReading::ifStale) {
+    return presentation_.batteryLevelString(reading);
+  }
   std::optional<std::string> statusString() { return presentation_.statusString(); }
   std::optional<std::string> toolTipString() { return presentation_.toolTipString(); }
 
@@ -151,7 +153,7 @@ public:
   std::int64_t scriptingID() const { return deviceID(); }
   std::optional<std::string> scriptingAddress() const;
   // Only while connected, even when a level is cached.
-  std::optional<int> scriptingBatteryLevel();
+  std::optional<int> scriptingBatteryLevel(BatteryReading reading = BatteryReading::ifStale);
   std::string scriptingIconName() const { return std::string(rawValue(icon())); }
   bool scriptingIsConnected() const;
   // Setting the other value toggles exactly as a click does; setting the

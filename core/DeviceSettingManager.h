@@ -56,14 +56,16 @@ public:
   // Ends every device's presence in the system and stops listening.
   void unregister();
 
-  // Listeners are told whenever the list or something shown of a device may
-  // have changed (a redraw, a device added or removed): what mirrors the
-  // devices to the outside (the tray, the scripting interface) compares and
-  // shows from there. Destroying the registration ends the listening.
-  std::unique_ptr<NotificationRegistration> addChangeListener(std::function<void()> listener) {
+  // Listeners are told whenever something shown of a device may have
+  // changed (its redraw: the device is given), or the list itself (a device
+  // added or removed, a new order: none is given). What mirrors the devices
+  // to the outside (the scripting interface) compares and shows from there.
+  // Destroying the registration ends the listening.
+  using ChangeListener = std::function<void(const DeviceSetting* changed)>;
+  std::unique_ptr<NotificationRegistration> addChangeListener(ChangeListener listener) {
     return listeners_.add(std::move(listener));
   }
-  void noteChange() const { listeners_.notify(); }
+  void noteChange(const DeviceSetting* changed = nullptr) const { listeners_.notify(changed); }
 
 private:
   void checkMigration();
@@ -76,7 +78,7 @@ private:
   std::int64_t maxDeviceID_ = 1;
   std::unique_ptr<NotificationRegistration> connectionObserver_;
   std::unique_ptr<PXRTimer> statusTimer_;
-  Listeners<> listeners_;
+  Listeners<const DeviceSetting*> listeners_;
   // Connected devices look again when the audio devices change: a headset's
   // sink appears a moment after its link.
   AudioChangeRelay audioChanges_{services_.outputDeviceManager, services_.loop, [this] {

@@ -10,9 +10,9 @@ std::optional<std::string> DeviceSetting::scriptingAddress() const {
   return found->addressString();
 }
 
-std::optional<int> DeviceSetting::scriptingBatteryLevel() {
+std::optional<int> DeviceSetting::scriptingBatteryLevel(BatteryReading reading) {
   if (!scriptingIsConnected()) return std::nullopt;
-  return batteryLevel();
+  return presentation_.batteryLevel(reading);
 }
 
 bool DeviceSetting::scriptingIsConnected() const {

@@ -74,7 +74,9 @@ inline const Tunable<double> NotAudioOutputFraction{"NotAudioOutputFraction", 0.
 inline const Tunable<double> StatusItemLength{"StatusItemLength", 0.0, once};
 inline const Tunable<Seconds> DeviceInfoStalenessInterval{"DeviceInfoStalenessInterval", Seconds(60.0), once};
 inline const Tunable<bool> DisableMontereyBatteryInfo{"DisableMontereyBatteryInfo", false, each};
-inline const Tunable<bool> BatteryInfoUseHelper{"BatteryInfoUseHelper", true, TunableRead::registered};
+// Off: on Linux the battery sources are live mirrors of BlueZ and UPower,
+// never stale, so a helper process would only cost a process a device.
+inline const Tunable<bool> BatteryInfoUseHelper{"BatteryInfoUseHelper", false, TunableRead::registered};
 inline const Tunable<Seconds> BatteryInfoStalenessInterval{"BatteryInfoStalenessInterval", Seconds(600.0),
                                                            TunableRead::registered};
 inline const Tunable<bool> BatteryInfoDisableRegistry{"BatteryInfoDisableRegistry", false, each};

@@ -6,25 +6,30 @@ namespace {
 QVariant text(const std::string& value) { return QString::fromStdString(value); }
 // Pictures come with the tray, which renders them; until then there are
 // none, which the interface gives as empty data.
-QVariant noPicture(DeviceSetting&) { return QByteArray(); }
+QVariant noPicture(DeviceSetting&, BatteryReading) { return QByteArray(); }
 } // namespace
 
 const std::vector<ScriptingProperty>& ScriptingDeviceObject::properties() {
   static const std::vector<ScriptingProperty> all{
-      {"Name", "s", [](DeviceSetting& s) { return text(s.scriptingName()); }},
-      {"ID", "x", [](DeviceSetting& s) { return QVariant(qlonglong(s.scriptingID())); }},
-      {"Address", "s", [](DeviceSetting& s) { return text(s.scriptingAddress().value_or("")); }},
-      {"BatteryLevel", "i", [](DeviceSetting& s) { return QVariant(s.scriptingBatteryLevel().value_or(-1)); }},
-      {"BatteryLevelString", "s", [](DeviceSetting& s) { return text(s.batteryLevelString()); }},
-      {"IconName", "s", [](DeviceSetting& s) { return text(s.scriptingIconName()); }},
+      {"Name", "s", [](DeviceSetting& s, BatteryReading) { return text(s.scriptingName()); }},
+      {"ID", "x", [](DeviceSetting& s, BatteryReading) { return QVariant(qlonglong(s.scriptingID())); }},
+      {"Address", "s", [](DeviceSetting& s, BatteryReading) { return text(s.scriptingAddress().value_or("")); }},
+      {"BatteryLevel", "i",
+       [](DeviceSetting& s, BatteryReading reading) {
+         return QVariant(s.scriptingBatteryLevel(reading).value_or(-1));
+       }},
+      {"BatteryLevelString", "s",
+       [](DeviceSetting& s, BatteryReading reading) { return text(s.batteryLevelString(reading)); }},
+      {"IconName", "s", [](DeviceSetting& s, BatteryReading) { return text(s.scriptingIconName()); }},
       {"IconData", "ay", noPicture},
       {"DisconnectedIconData", "ay", noPicture},
       {"ConnectedIconData", "ay", noPicture},
-      {"Connected", "b", [](DeviceSetting& s) { return QVariant(s.scriptingIsConnected()); },
+      {"Connected", "b", [](DeviceSetting& s, BatteryReading) { return QVariant(s.scriptingIsConnected()); },
        [](DeviceSetting& s, const QVariant& value) { s.setScriptingIsConnected(value.toBool()); }},
-      {"Status", "s", [](DeviceSetting& s) { return text(s.scriptingStatus()); }},
-      {"ConnectionScript", "s", [](DeviceSetting& s) { return text(s.shellScriptAfterConnected()); }},
-      {"DisconnectionScript", "s", [](DeviceSetting& s) { return text(s.shellScriptAfterDisconnected()); }},
+      {"Status", "s", [](DeviceSetting& s, BatteryReading) { return text(s.scriptingStatus()); }},
+      {"ConnectionScript", "s", [](DeviceSetting& s, BatteryReading) { return text(s.shellScriptAfterConnected()); }},
+      {"DisconnectionScript", "s",
+       [](DeviceSetting& s, BatteryReading) { return text(s.shellScriptAfterDisconnected()); }},
   };
   return all;
 }
@@ -72,11 +77,11 @@ std::optional<ConnectionOutcome> ScriptingDeviceObject::call(const ScriptingMeth
   return method.call(*setting);
 }
 
-QVariantMap ScriptingDeviceObject::values() const {
+QVariantMap ScriptingDeviceObject::values(BatteryReading reading) const {
   auto setting = setting_.lock();
   if (!setting) return {};
   QVariantMap values;
-  for (const auto& property : properties()) values.insert(property.name, property.get(*setting));
+  for (const auto& property : properties()) values.insert(property.name, property.get(*setting, reading));
   return values;
 }
 

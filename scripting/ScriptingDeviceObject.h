@@ -16,7 +16,7 @@ namespace lb {
 struct ScriptingProperty {
   const char* name;
   const char* signature;
-  QVariant (*get)(DeviceSetting& setting);
+  QVariant (*get)(DeviceSetting& setting, BatteryReading reading);
   void (*set)(DeviceSetting& setting, const QVariant& value) = nullptr;
 };
 
@@ -42,8 +42,9 @@ public:
   explicit ScriptingDeviceObject(std::weak_ptr<DeviceSetting> setting) : setting_(std::move(setting)) {}
 
   // Every property by its D-Bus name. A missing value is the type's empty
-  // value: Address "", BatteryLevel -1, icon data empty.
-  QVariantMap values() const;
+  // value: Address "", BatteryLevel -1, icon data empty. Battery values
+  // are read as `reading` says.
+  QVariantMap values(BatteryReading reading) const;
   void set(const ScriptingProperty& property, const QVariant& value);
   // None when the device is gone.
   std::optional<ConnectionOutcome> call(const ScriptingMethod& method);

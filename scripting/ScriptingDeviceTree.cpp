@@ -92,7 +92,8 @@ QDBusMessage ScriptingDeviceTree::answer(const QDBusMessage& message, ScriptingD
   if (interface != bus::deviceInterface) {
     return error(message, QDBusError::UnknownInterface, "A device has no interface \"" + interface + "\".");
   }
-  const auto values = device.values();
+  // A client asked: battery values are read if stale.
+  const auto values = device.values(BatteryReading::ifStale);
   const auto member = message.member();
   if (member == "GetAll") return message.createReply(QVariant::fromValue(values));
   const auto name = arguments.value(1).toString();

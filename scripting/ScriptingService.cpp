@@ -45,7 +45,7 @@ ScriptingService::ScriptingService(QDBusConnection bus, AppDelegate& app, Servic
   bus_.registerObject(bus::applicationPath, this, QDBusConnection::ExportAdaptors);
   bus_.registerVirtualObject(bus::deviceRoot, &tree_, QDBusConnection::SubPath);
   if (auto* registry = app_.deviceSettingManager())
-    listening_ = registry->addChangeListener([this] { scheduleRefresh(); });
+    listening_ = registry->addChangeListener([this](const DeviceSetting* changed) { scheduleRefresh(changed); });
   refresh();
 }
 
@@ -67,7 +67,8 @@ QList<QDBusObjectPath> ScriptingService::devices() const {
 }
 
 // A burst of redraws makes one comparison, once the burst is over.
-void ScriptingService::scheduleRefresh() {
+void ScriptingService::scheduleRefresh(const DeviceSetting* changed) {
+  if (changed) changed_.insert(changed->deviceID());
   if (refreshPending_) return;
   refreshPending_ = true;
   QTimer::singleShot(0, this, [this] {
@@ -86,10 +87,11 @@ void ScriptingService::refresh() {
     auto& object = objects_[ID];
     if (!object) {
       object = std::make_unique<ScriptingDeviceObject>(setting);
-      object->shown = object->values();
+      object->shown = object->values(BatteryReading::lastKnown);
       continue;
     }
-    const auto now = object->values();
+    if (!changed_.contains(ID)) continue;
+    const auto now = object->values(BatteryReading::lastKnown);
     QVariantMap changed;
     for (auto value = now.begin(); value != now.end(); ++value) {
       if (object->shown.value(value.key()) != value.value()) changed.insert(value.key(), value.value());
@@ -97,6 +99,7 @@ void ScriptingService::refresh() {
     object->shown = now;
     if (!changed.isEmpty()) announce(devicePath(ID), bus::deviceInterface, changed);
   }
+  changed_.clear();
   auto list = devices();
   if (list != shownList_) {
     shownList_ = list;

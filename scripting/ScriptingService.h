@@ -11,6 +11,7 @@
 #include <QVariantMap>
 
 #include <map>
+#include <set>
 #include <memory>
 
 namespace lb {
@@ -47,7 +48,9 @@ public:
   static QString devicePath(std::int64_t ID);
   QList<QDBusObjectPath> devices() const;
 
-  // Compares what scripts see with what they saw and announces the changes.
+  // Compares what scripts see of the devices noted as changed with what
+  // they saw, and announces the changes. Battery values come from what was
+  // last read: reading afresh is for clients that ask.
   void refresh();
 
   // The application interface's methods (through its adaptor).
@@ -61,7 +64,7 @@ public:
   QString unsetSetting(const QString& key);
 
 private:
-  void scheduleRefresh();
+  void scheduleRefresh(const DeviceSetting* changed);
   void announce(const QString& path, const QString& interface, const QVariantMap& changed);
   void fail(const char* error, const QString& message);
   bool refusesWhileRunning(const QString& key);
@@ -74,6 +77,8 @@ private:
   ScriptingDeviceTree tree_{objects_};
   QList<QDBusObjectPath> shownList_;
   bool refreshPending_ = false;
+  std::set<std::int64_t> changed_; // device IDs
+
   std::unique_ptr<NotificationRegistration> listening_;
 };
 

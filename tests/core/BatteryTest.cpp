@@ -36,7 +36,7 @@ TEST(BatteryType, ReadsTheFirstKeyThatApplies) {
 }
 
 TEST(BatteryInfo, TheHelperIsAskedOnlyOnceTheProgramHasRunTenMinutes) {
-  test::SimulatedDevice d({}, 4, "Headset");
+  test::SimulatedDevice d({{"BatteryInfoUseHelper", true}}, 4, "Headset");
   d.sim.batterySources.helper = [](const std::string&) {
     return SettingsValue(Dictionary{{"BatteryPercentSingle", 42}});
   };

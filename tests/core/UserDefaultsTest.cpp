@@ -86,9 +86,9 @@ TEST(Tunables, DefaultsComeFromTheTableTheRegistrationOrTheCaller) {
   EXPECT_DOUBLE_EQ(tunables(tunable::StatusItemLength, 27.0), 27.0);
   // Registered keys answer through the settings themselves.
   EXPECT_EQ(defaults.object("BatteryInfoStalenessInterval"), SettingsValue(600.0));
-  EXPECT_TRUE(defaults.boolValue("BatteryInfoUseHelper", false));
-  defaults.setValue("BatteryInfoUseHelper", false);
-  EXPECT_FALSE(tunables(tunable::BatteryInfoUseHelper));
+  EXPECT_FALSE(defaults.boolValue("BatteryInfoUseHelper", true)); // off on Linux
+  defaults.setValue("BatteryInfoUseHelper", true);
+  EXPECT_TRUE(tunables(tunable::BatteryInfoUseHelper));
 }
 
 } // namespace lb
