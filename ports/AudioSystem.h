@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
@@ -44,7 +45,22 @@ public:
   // `handler` runs after the devices or a default changed, on whichever
   // thread saw the change; it replaces the one before, and an empty one
   // stops the calls. Once this returns, the old handler is not running.
-  virtual void setChangeHandler(std::function<void()> handler) = 0;
+  void setChangeHandler(std::function<void()> handler) {
+    std::lock_guard lock(handlerMutex_);
+    handler_ = std::move(handler);
+  }
+
+protected:
+  // For the implementation: the devices or defaults changed. Called with
+  // none of its own locks held.
+  void changed() {
+    std::lock_guard lock(handlerMutex_);
+    if (handler_) handler_();
+  }
+
+private:
+  std::mutex handlerMutex_;
+  std::function<void()> handler_;
 };
 
 } // namespace lb

@@ -71,16 +71,6 @@ std::int32_t SimAudioSystem::setDefaultDevice(AudioDirection direction, AudioDev
   return 0;
 }
 
-void SimAudioSystem::setChangeHandler(std::function<void()> handler) {
-  std::lock_guard lock(handlerMutex_);
-  handler_ = std::move(handler);
-}
-
-void SimAudioSystem::changed() {
-  std::lock_guard lock(handlerMutex_);
-  if (handler_) handler_();
-}
-
 AudioDeviceID SimAudioSystem::addDevice(Device device) {
   AudioDeviceID id;
   {

@@ -30,8 +30,6 @@ public:
   AudioRead<bool> hasOutputStreams(AudioDeviceID id) const override;
   std::optional<AudioDeviceID> defaultDevice(AudioDirection direction) const override;
   std::int32_t setDefaultDevice(AudioDirection direction, AudioDeviceID id) override;
-  // Called at once, on the thread that made the change.
-  void setChangeHandler(std::function<void()> handler) override;
 
   // The world's side.
   AudioDeviceID addDevice(Device device);
@@ -45,10 +43,6 @@ public:
   int nameReads() const;
 
 private:
-  void changed();
-
-  std::mutex handlerMutex_;
-  std::function<void()> handler_;
   mutable std::mutex mutex_;
   AudioDeviceID nextID_ = 100;
   std::map<AudioDeviceID, Device> devices_;

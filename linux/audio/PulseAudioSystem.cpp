@@ -191,16 +191,6 @@ void PulseAudioSystem::forget(bool output, std::uint32_t index) {
   if (different) changed();
 }
 
-void PulseAudioSystem::setChangeHandler(std::function<void()> handler) {
-  std::lock_guard lock(handlerMutex_);
-  handler_ = std::move(handler);
-}
-
-void PulseAudioSystem::changed() {
-  std::lock_guard lock(handlerMutex_);
-  if (handler_) handler_();
-}
-
 std::optional<PulseAudioSystem::Device> PulseAudioSystem::device(AudioDeviceID id) const {
   std::lock_guard lock(mutex_);
   auto found = devices_.find(id);

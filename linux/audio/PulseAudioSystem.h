@@ -15,9 +15,10 @@ namespace lb {
 // The audio port over libpulse, which serves PulseAudio and PipeWire (through
 // pipewire-pulse) alike. Sinks are outputs, sources inputs (monitors left
 // out). A mirror of the devices and defaults, kept current from the server's
-// events, answers every query: idle, nothing is asked of the server. Setting
-// a default waits, at most two seconds, for the server to confirm and for
-// the new default to be read back.
+// events, answers every query: idle, nothing is asked of the server. A
+// change of the mirror (not a volume change) is told on libpulse's thread.
+// Setting a default waits, at most two seconds, for the server to confirm
+// and for the new default to be read back.
 //
 // libpulse runs on its own thread (a threaded main loop): the bounded wait of
 // a set needs the loop to keep turning while the caller waits, and the
@@ -40,9 +41,6 @@ public:
   AudioRead<bool> hasOutputStreams(AudioDeviceID id) const override;
   std::optional<AudioDeviceID> defaultDevice(AudioDirection direction) const override;
   std::int32_t setDefaultDevice(AudioDirection direction, AudioDeviceID id) override;
-  // Called on libpulse's thread, only when the mirror changed: a volume
-  // change says nothing.
-  void setChangeHandler(std::function<void()> handler) override;
 
   bool isConnected() const { return ready_; }
   // Every request sent to the server so far, for the idle benchmark.
@@ -78,7 +76,6 @@ private:
                 const void* properties);
   void forget(bool output, std::uint32_t index);
   std::optional<Device> device(AudioDeviceID id) const;
-  void changed();
 
   const std::string server_;
   pa_threaded_mainloop* mainloop_;
@@ -94,9 +91,6 @@ private:
   AudioDeviceID nextID_ = 1;
   std::string defaultSink_;
   std::string defaultSource_;
-
-  std::mutex handlerMutex_;
-  std::function<void()> handler_;
 };
 
 } // namespace lb

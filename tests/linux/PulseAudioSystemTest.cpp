@@ -70,14 +70,26 @@ TEST_F(PulseAudioTest, SettingTheDefaultsIsConfirmedBeforeItReturns) {
   EXPECT_TRUE(test::eventually([&] { return audio->defaultDevice(AudioDirection::output) == find("Built-in"); }));
 }
 
-TEST_F(PulseAudioTest, ADeviceThatComesAndGoesKeepsItsID) {
+// Each change of the mirror is told; a volume change is none.
+TEST_F(PulseAudioTest, ADeviceThatComesAndGoesKeepsItsIDAndIsTold) {
+  std::atomic<int> told = 0;
+  audio->setChangeHandler([&] { ++told; });
   auto headset = *find("WH Headset");
   pulse.pactl("unload-module " + headsetModule); // takes the remapped microphone with it
   EXPECT_TRUE(test::eventually([&] { return !find("WH Headset"); }));
   EXPECT_NE(audio->name(headset).status, 0);
+  EXPECT_TRUE(test::eventually([&] { return told >= 2; }));
 
+  told = 0;
   pulse.loadBluetoothSink("headset", headsetAddress, "WH Headset");
   EXPECT_TRUE(test::eventually([&] { return find("WH Headset") == headset; }));
+  EXPECT_TRUE(test::eventually([&] { return told >= 1; }));
+  std::this_thread::sleep_for(std::chrono::milliseconds(200)); // the load's last events
+  const int beforeVolume = told;
+  pulse.pactl("set-sink-volume builtin 40%");
+  std::this_thread::sleep_for(std::chrono::milliseconds(200));
+  EXPECT_EQ(told, beforeVolume);
+  audio->setChangeHandler({});
 }
 
 TEST_F(PulseAudioTest, AServerRestartIsFollowed) {
