@@ -94,6 +94,19 @@ TEST(AudioReaction, AHeadsetTheSystemAlreadySwitchedToGetsNoSetCall) {
   EXPECT_TRUE(log.contains("No need to set sound output device because it was already set automatically"));
 }
 
+// The window has ended; the fixer, about to close the link, finds the
+// speaker listed and sets it instead.
+TEST(AudioReaction, ASpeakerJustAfterTheWindowIsSetByTheFixerWithoutReconnecting) {
+  test::CapturedLog log({"LogOutputFixer"});
+  Headset h({.delay = 8.5}, {{"ConnectionUpdateUseTimer", false}});
+  h.setting->toggleConnection();
+  h.sim.loop.advance(15);
+  EXPECT_TRUE(h.outputIsHeadset());
+  EXPECT_EQ(h.device->disconnectCalls(), 0);
+  EXPECT_EQ(h.setting->outputFixer().state(), OutputFixer::State::ok());
+  EXPECT_TRUE(log.contains("Setting audio output again because its device is listed now: <DeviceSetting: WH Headset>"));
+}
+
 TEST(AudioReaction, ASpeakerThatNeverAppearsSendsTheFixerThroughItsCycles) {
   test::CapturedLog log;
   Headset h({.delay = 0});
