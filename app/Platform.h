@@ -40,6 +40,8 @@ public:
   Services& services() { return *services_; }
   // The demo's world; none on the real platform.
   DemoWorld* demoWorld() const { return demo_.get(); }
+  // Whether the workers (connects, disconnects) finished within `limit`.
+  bool waitForWorkers(Seconds limit) { return loop_.waitForWorkers(limit); }
   // Requests sent to the sound server so far; none in the demo.
   std::optional<std::uint64_t> soundServerRequests() const;
 

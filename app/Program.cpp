@@ -14,6 +14,7 @@
 #include <QDBusMessage>
 
 #include <cstdio>
+#include <cstdlib>
 #include <iostream>
 #include <stdexcept>
 
@@ -86,6 +87,14 @@ int Program::runApplication(UserDefaults& defaults, Tunables& tunables, bool dem
   if (session.isConnected()) session.unregisterService(bus::serviceName);
   app.applicationWillTerminate();
   PXR_LOG(launchLog(), "Saved the device list; goodbye.");
+  // A worker blocked in a Bluetooth call (a device that does not answer) may
+  // take a minute; a logout will not wait. Everything is saved: leave without
+  // taking down what the worker still uses.
+  if (!platform->waitForWorkers(Seconds(1))) {
+    PXR_LOG(launchLog(), "A Bluetooth call is still under way; leaving without waiting for it.");
+    std::fflush(nullptr);
+    std::_Exit(0);
+  }
   return 0;
 }
 

@@ -60,6 +60,8 @@ std::unique_ptr<ScheduledTimer> QtEventLoop::scheduleTimer(Seconds interval, Sec
 
 void QtEventLoop::runOnWorker(Task work) { workers_.start(std::move(work)); }
 
+bool QtEventLoop::waitForWorkers(Seconds limit) { return workers_.waitForDone(milliseconds(limit)); }
+
 void QtEventLoop::sleepOnWorker(Seconds duration) { std::this_thread::sleep_for(std::max(duration, Seconds::zero())); }
 
 } // namespace lb

@@ -23,6 +23,11 @@ public:
   void runOnWorker(Task work) override;
   void sleepOnWorker(Seconds duration) override;
 
+  // Whether every worker has finished within `limit`. A worker blocked in a
+  // system call may never finish: the caller then must not destroy what it
+  // reaches.
+  bool waitForWorkers(Seconds limit);
+
 private:
   QObject context_;
   QThreadPool workers_;

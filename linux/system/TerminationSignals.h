@@ -8,8 +8,9 @@ class QSocketNotifier;
 
 namespace lb {
 
-// SIGTERM and SIGINT turned into a call on the main thread, so the program
-// ends as a quit request does: saving first. The handler only writes to a
+// SIGTERM, SIGINT and SIGHUP (the terminal or session going away) turned
+// into a call on the main thread, so the program ends as a quit request
+// does: saving first. The handler only writes to a
 // pipe that Qt's event loop watches. One per process.
 class TerminationSignals final : public QObject {
   Q_OBJECT

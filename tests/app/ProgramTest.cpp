@@ -7,10 +7,12 @@
 #include <QDBusArgument>
 #include <QDBusMessage>
 #include <QDBusVariant>
+#include <QElapsedTimer>
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <csignal>
 #include <fstream>
 #include <set>
 
@@ -243,6 +245,25 @@ TEST_F(ProgramTest, ASecondInstanceReopensTheFirstAndSigtermSaves) {
   for (const auto& device : saved["devices"]) names.insert(device.value("deviceName", ""));
   EXPECT_EQ(names, (std::set<std::string>{"K380 Keyboard", "Silent Headset", "WH Headset"}));
   EXPECT_EQ(program->ctl({"list"}).status, 4); // not running
+}
+
+// A device that does not answer keeps a worker in BlueZ's Connect for a
+// minute; quitting (a logout) must not wait for it, nor crash, and saves.
+TEST_F(ProgramTest, QuittingWhileAConnectStallsIsQuickAndSaves) {
+  system.bluez(bluezPath(keyboardAddress), "org.freedesktop.DBus.Mock", "AddMethod",
+               {"org.bluez.Device1", "Connect", "", "", "time.sleep(60)"});
+  ASSERT_TRUE(program->start());
+  EXPECT_EQ(program->ctl({"connect", "K380 Keyboard", "--no-wait"}).status, 0);
+  test::waitUntil([] { return false; }, 0.5); // the worker is in the call
+  std::filesystem::remove(program->settingsFile());
+  QElapsedTimer clock;
+  clock.start();
+  ::kill(static_cast<pid_t>(program->process().processId()), SIGHUP);
+  ASSERT_TRUE(program->process().waitForFinished(10000));
+  EXPECT_LT(clock.elapsed(), 3000);
+  EXPECT_EQ(program->process().exitStatus(), QProcess::NormalExit);
+  EXPECT_EQ(program->process().exitCode(), 0);
+  EXPECT_EQ(nlohmann::json::parse(std::ifstream(program->settingsFile()))["devices"].size(), 3u);
 }
 
 TEST_F(ProgramTest, TheScriptingInterfaceSaysWhatWasWrong) {
