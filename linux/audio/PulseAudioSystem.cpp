@@ -3,6 +3,7 @@
 #include "foundation/BluetoothAddress.h"
 #include "foundation/PXRLog.h"
 
+#include <algorithm>
 #include <cctype>
 
 namespace lb {
@@ -30,6 +31,11 @@ PulseAudioSystem::PulseAudioSystem(std::string server)
 PulseAudioSystem::~PulseAudioSystem() {
   pa_threaded_mainloop_lock(mainloop_);
   stopping_ = true;
+  if (reconnectTimer_) {
+    auto* api = pa_threaded_mainloop_get_api(mainloop_);
+    api->time_free(reconnectTimer_);
+    reconnectTimer_ = nullptr;
+  }
   if (context_) {
     pa_context_disconnect(context_);
     pa_context_unref(context_);
@@ -41,6 +47,7 @@ PulseAudioSystem::~PulseAudioSystem() {
 }
 
 void PulseAudioSystem::connect() {
+  ++attempts_;
   context_ = pa_context_new(pa_threaded_mainloop_get_api(mainloop_), "Lanternbud");
   pa_context_set_state_callback(context_, stateChanged, this);
   pa_context_set_subscribe_callback(context_, eventArrived, this);
@@ -65,6 +72,7 @@ void PulseAudioSystem::stateChanged(pa_context* context, void* userdata) {
   switch (pa_context_get_state(context)) {
   case PA_CONTEXT_READY:
     self->ready_ = true;
+    self->retryMilliseconds_ = 500;
     self->track(pa_context_subscribe(context,
                                      static_cast<pa_subscription_mask_t>(PA_SUBSCRIPTION_MASK_SINK |
                                                                          PA_SUBSCRIPTION_MASK_SOURCE |
@@ -76,6 +84,10 @@ void PulseAudioSystem::stateChanged(pa_context* context, void* userdata) {
   case PA_CONTEXT_TERMINATED:
     if (self->stopping_) break;
     if (self->ready_) pxrLogError("Lost the sound server; no audio devices until it returns.");
+    if (!self->ready_ && self->attempts_ == 1) {
+      pxrLogError("No sound server answers (" + std::string(pa_strerror(pa_context_errno(context))) +
+                  "); no audio devices until one starts.");
+    }
     self->ready_ = false;
     {
       std::lock_guard lock(self->mutex_);
@@ -84,16 +96,28 @@ void PulseAudioSystem::stateChanged(pa_context* context, void* userdata) {
       self->defaultSource_.clear();
     }
     self->changed();
-    // A context cannot be replaced from its own callback.
-    pa_mainloop_api_once(pa_threaded_mainloop_get_api(self->mainloop_), reconnect, self);
+    self->scheduleReconnect();
     break;
   default: break;
   }
   pa_threaded_mainloop_signal(self->mainloop_, 0);
 }
 
-void PulseAudioSystem::reconnect(pa_mainloop_api*, void* userdata) {
+// A context cannot be replaced from its own callback: a timer does it.
+void PulseAudioSystem::scheduleReconnect() {
+  if (reconnectTimer_) return;
+  auto* api = pa_threaded_mainloop_get_api(mainloop_);
+  timeval when{};
+  pa_gettimeofday(&when);
+  pa_timeval_add(&when, static_cast<pa_usec_t>(retryMilliseconds_) * 1000);
+  retryMilliseconds_ = std::min(retryMilliseconds_ * 2, 30'000);
+  reconnectTimer_ = api->time_new(api, &when, reconnect, this);
+}
+
+void PulseAudioSystem::reconnect(pa_mainloop_api* api, pa_time_event* event, const struct timeval*, void* userdata) {
   auto* self = static_cast<PulseAudioSystem*>(userdata);
+  api->time_free(event);
+  self->reconnectTimer_ = nullptr;
   if (self->stopping_) return;
   pa_context_unref(self->context_);
   self->connect();

@@ -45,6 +45,8 @@ public:
   bool isConnected() const { return ready_; }
   // Every request sent to the server so far, for the idle benchmark.
   std::uint64_t requestsSent() const { return requests_; }
+  // Every connection to the server tried so far.
+  std::uint64_t connectionAttempts() const { return attempts_; }
 
 private:
   struct Device {
@@ -64,9 +66,11 @@ private:
   static void sinkInfo(pa_context* context, const pa_sink_info* info, int eol, void* self);
   static void sourceInfo(pa_context* context, const pa_source_info* info, int eol, void* self);
   static void serverInfo(pa_context* context, const pa_server_info* info, void* self);
-  static void reconnect(pa_mainloop_api* api, void* self);
+  static void reconnect(pa_mainloop_api* api, pa_time_event* event, const struct timeval*, void* self);
 
   void connect();
+  // After a growing delay: a server that is away is not asked for in a loop.
+  void scheduleReconnect();
   void requestAll();
   // With the main loop locked: waits until `done` holds or time is up.
   bool waitFor(const std::function<bool()>& done, int milliseconds);
@@ -84,6 +88,10 @@ private:
   std::atomic<bool> stopping_ = false;
   std::uint64_t serverInfos_ = 0; // answers so far, with the main loop locked
   std::atomic<std::uint64_t> requests_ = 0;
+  std::atomic<std::uint64_t> attempts_ = 0;
+  // With the main loop locked:
+  pa_time_event* reconnectTimer_ = nullptr;
+  int retryMilliseconds_ = 500; // doubles to 30 s while the server stays away
 
   mutable std::mutex mutex_; // the mirror
   std::map<AudioDeviceID, Device> devices_;

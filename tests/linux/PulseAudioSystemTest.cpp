@@ -108,6 +108,22 @@ TEST_F(PulseAudioTest, AServerRestartIsFollowed) {
   EXPECT_EQ(audio->setDefaultDevice(AudioDirection::output, *find("Built-in")), 0);
 }
 
+// Whether the server is gone or never was, it is asked for after growing
+// delays, not in a loop, and the program goes on without audio devices.
+TEST(PulseAudioAway, NoServerMeansNoDevicesAndAFewAttempts) {
+  test::CapturedLog log;
+  test::TemporaryDirectory folder;
+  auto started = std::chrono::steady_clock::now();
+  auto audio = std::make_unique<PulseAudioSystem>("unix:" + (folder / "none").string());
+  EXPECT_LT(std::chrono::steady_clock::now() - started, std::chrono::seconds(3));
+  EXPECT_FALSE(audio->isConnected());
+  EXPECT_TRUE(audio->deviceIDs().empty());
+  EXPECT_TRUE(log.contains("No sound server answers"));
+  std::this_thread::sleep_for(std::chrono::seconds(2));
+  EXPECT_LE(audio->connectionAttempts(), 4u); // at 0, 0.5 and 1.5 s
+  audio.reset();                              // while a reconnection waits
+}
+
 TEST_F(PulseAudioTest, QueriesSendTheServerNothing) {
   const auto before = audio->requestsSent();
   for (int i = 0; i < 1000; ++i) {
