@@ -31,9 +31,13 @@ void ConnectionControl::toggle(std::shared_ptr<BluetoothDevice> device) {
       control.inputDeviceManager_.rememberCurrentDevice("about to connect from Lanternbud");
       control.openConnection();
     }
+    // Whatever the attempt's end (BlueZ may say "already connected" of a
+    // link not yet reported), the spinner stops with it, unless a time-out
+    // is still being waited out.
     loop.post([self] {
       self->connection().busy_ = false;
       self->updateConnectionState(ConnectionUpdateReason::toggle());
+      if (!self->connection().judgingTimeout_) self->stopProgress();
     });
   });
 }
@@ -78,6 +82,7 @@ void ConnectionControl::openConnection() {
   } else if (pxrIsPossiblySpuriousBluetoothTimeout(result) && operatingSystem_.hasSpuriousConnectionTimeouts()) {
     pxrLogError("Error " + pxrDescription(result) + " connecting to " + owner_.description() +
                 "; will wait and see if this ends up being spurious.");
+    judgingTimeout_ = true;
     loop_.postAfter(tunables_(tunable::ConnectionWaitInterval), [self = owner_.shared_from_this(), found, result] {
       self->connection().checkForDelayedConnection(found, result);
     });
@@ -89,8 +94,10 @@ void ConnectionControl::openConnection() {
 
 void ConnectionControl::checkForDelayedConnection(const std::shared_ptr<BluetoothDevice>& found,
                                                   const IOReturn& result) {
+  judgingTimeout_ = false;
   if (found->isConnected()) {
     pxrLogError("Error " + pxrDescription(result) + " connecting to " + owner_.description() + " was spurious");
+    owner_.stopProgress();
     return;
   }
   pxrLogError("Error " + pxrDescription(result) + " connecting to " + owner_.description() + " was real");

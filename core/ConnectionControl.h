@@ -57,6 +57,7 @@ private:
   Alerts& alerts_;
   InputDeviceManager& inputDeviceManager_;
   std::atomic<bool> isManuallyInitiatedConnection_ = false;
+  std::atomic<bool> judgingTimeout_ = false; // set on the worker, read on the main thread
   bool busy_ = false;
 };
 

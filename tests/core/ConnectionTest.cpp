@@ -100,6 +100,18 @@ TEST(Connection, AFailedFirstAttemptAndASuccessfulRetryShowNoDialog) {
   EXPECT_TRUE(d.sim.alerts.shown.empty());
 }
 
+// BlueZ may answer "already connected" for a link it has not reported yet.
+TEST(Connection, EveryEndOfAnAttemptStopsTheSpinner) {
+  test::SimulatedDevice d;
+  d.device->setConnectBehaviour(
+      sim::failsAfter(IOReturn::make(IOReturn::Code::kBluetoothHCIErrorACLConnectionAlreadyExists), 1));
+  d.setting->toggleConnection();
+  EXPECT_TRUE(d.item().busy);
+  d.sim.loop.advance(5);
+  EXPECT_FALSE(d.item().busy);
+  EXPECT_EQ(d.setting->isConnected(), false);
+}
+
 TEST(Connection, WithoutTheSynchronousFirstTryTheFirstAttemptPagesLonger) {
   test::SimulatedDevice d({{"TrySyncConnectFirst", false}});
   d.device->setConnectBehaviour(sim::inTurn({sim::pageTimesOut(), sim::succeedsAfter(2)}));
