@@ -3,8 +3,6 @@
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
-#include <fstream>
-#include <sstream>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -29,7 +27,7 @@ bool writeAll(int descriptor, std::string_view content) {
 } // namespace
 
 Result<> AtomicFile::write(const std::filesystem::path& path, std::string_view content, mode_t mode) {
-  std::string temporary = path.string() + ".XXXXXX";
+  std::string temporary = (path.parent_path() / (temporaryPrefix(path.filename().string()) + "XXXXXX")).string();
   int descriptor = mkstemp(temporary.data());
   if (descriptor < 0) return Failure{reason("creating a temporary file", errno)};
 
@@ -60,12 +58,23 @@ Result<> AtomicFile::write(const std::filesystem::path& path, std::string_view c
 }
 
 Result<std::string> AtomicFile::read(const std::filesystem::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  if (!file) return Failure{std::strerror(errno)};
-  std::ostringstream content;
-  content << file.rdbuf();
-  if (file.bad()) return Failure{"reading failed"};
-  return std::move(content).str();
+  int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  if (descriptor < 0) return Failure{std::strerror(errno)};
+  std::string content;
+  char buffer[65536];
+  for (;;) {
+    ssize_t got = ::read(descriptor, buffer, sizeof buffer);
+    if (got == 0) break;
+    if (got < 0) {
+      if (errno == EINTR) continue;
+      int error = errno; // a folder in the file's place says EISDIR here
+      ::close(descriptor);
+      return Failure{std::strerror(error)};
+    }
+    content.append(buffer, static_cast<std::size_t>(got));
+  }
+  ::close(descriptor);
+  return content;
 }
 
 } // namespace lb

@@ -19,6 +19,10 @@ struct AtomicFile {
 
   // The whole file.
   static Result<std::string> read(const std::filesystem::path& path);
+
+  // How the temporary files of `fileName` begin: a writer killed before its
+  // rename leaves one behind, which the next writer may remove.
+  static std::string temporaryPrefix(const std::string& fileName) { return "." + fileName + ".partial-"; }
 };
 
 } // namespace lb

@@ -3,17 +3,29 @@
 #include "foundation/SettingsStore.h"
 
 #include <filesystem>
+#include <functional>
 #include <mutex>
 
 namespace lb {
 
-// The user's settings in one JSON file, mode 0600, replaced atomically on
-// every change. A file that cannot be read as settings is never overwritten:
-// it is moved aside, the error channel says where, and the program starts
-// from its defaults.
+// The user's settings in one JSON file, mode 0600 in a folder of mode 0700,
+// replaced atomically on every change (through a symbolic link, to its
+// target). Every change is a read-modify-write under a lock on
+// "<file>.lock", so that two writers (the program starting, lanternbud-ctl)
+// lose nothing of each other's.
+//
+// What cannot be read or understood is never written over. A file that is
+// not settings is moved aside and the program starts from its defaults; a
+// file that cannot be read at all (its permissions) stays, and nothing is
+// saved this run. Either way the error channel says which and where.
 class JsonSettingsStore final : public SettingsStore {
 public:
-  explicit JsonSettingsStore(std::filesystem::path file);
+  enum class Access {
+    readWrite,
+    readOnly, // a reader changes nothing on disk, not even a bad file
+  };
+
+  explicit JsonSettingsStore(std::filesystem::path file, Access access = Access::readWrite);
 
   // $XDG_CONFIG_HOME/lanternbud/settings.json
   static std::filesystem::path defaultFile();
@@ -23,16 +35,29 @@ public:
   void removeValue(const std::string& key) override;
 
   const std::filesystem::path& file() const { return file_; }
+  // False when changes stay in memory: the file could not be read.
+  bool canSave() const;
 
 private:
+  class FileLock;
+  enum class Read { ok, absent, notSettings, unreadable };
+
+  // With the lock held: the file's settings into `values_`.
+  Read readFile();
   void load();
-  void save(const SettingsValue::Dictionary& values) const;
+  // A read-modify-write of the file under its lock.
+  void change(const std::function<bool(SettingsValue::Dictionary&)>& modify);
+  void save(const SettingsValue::Dictionary& values);
+  void removeLeftovers() const;
 
   const std::filesystem::path file_;
+  const Access access_;
   // Never held while logging to an area: the logger asks the settings which
   // areas are on.
   mutable std::mutex mutex_;
   SettingsValue::Dictionary values_;
+  bool unreadable_ = false;
+  bool toldNotSaving_ = false;
 };
 
 } // namespace lb

@@ -19,6 +19,9 @@ void PXRLog::write(std::string message, std::source_location site) const {
   if (disabled_) return;
   if (auto logger = PXRLogger::sharedLogger()) {
     logger->log(site.file_name(), site.line(), site.function_name(), area_, std::move(message));
+  } else if (!area_) {
+    PXRLogger::keepEarlyLine({std::chrono::system_clock::now(), site.file_name(), site.line(), site.function_name(),
+                              area_, std::move(message)});
   }
 }
 

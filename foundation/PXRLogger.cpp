@@ -6,7 +6,29 @@ std::atomic<std::shared_ptr<PXRLogger>> PXRLogger::shared_;
 
 PXRLogger::PXRLogger(AreaSwitch areaSwitch) : areaSwitch_(std::move(areaSwitch)) {}
 
+namespace {
+std::mutex earlyMutex;
+std::vector<LogLine> earlyLines;
+} // namespace
+
 std::shared_ptr<PXRLogger> PXRLogger::sharedLogger() { return shared_.load(); }
+
+void PXRLogger::keepEarlyLine(LogLine line) {
+  std::lock_guard lock(earlyMutex);
+  if (earlyLines.size() < 100) earlyLines.push_back(std::move(line));
+}
+
+void PXRLogger::replayEarlyLines() {
+  std::vector<LogLine> lines;
+  {
+    std::lock_guard lock(earlyMutex);
+    lines.swap(earlyLines);
+  }
+  std::lock_guard lock(mutex_);
+  for (const auto& line : lines) {
+    for (const auto& sink : sinks_) sink->write(line);
+  }
+}
 
 void PXRLogger::setSharedLogger(std::shared_ptr<PXRLogger> logger) { shared_.store(std::move(logger)); }
 

@@ -32,6 +32,13 @@ public:
 
   void addSink(std::shared_ptr<LogSink> sink);
 
+  // Error lines written while no logger existed (the settings are read
+  // before the logger can ask them which areas are on) wait, up to a
+  // hundred, until the shared logger's sinks are in place and this is
+  // called.
+  static void keepEarlyLine(LogLine line);
+  void replayEarlyLines();
+
   // A log file at least this large is trimmed when it is attached.
   static constexpr std::size_t logFileLimit = 524'288;
 

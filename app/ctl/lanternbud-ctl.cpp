@@ -238,7 +238,12 @@ int config(ProgramClient& client, const std::vector<std::string>& words) {
     }
     return ok;
   }
-  lb::JsonSettingsStore store(lb::JsonSettingsStore::defaultFile());
+  using Access = lb::JsonSettingsStore::Access;
+  lb::JsonSettingsStore store(lb::JsonSettingsStore::defaultFile(),
+                              action == "get" ? Access::readOnly : Access::readWrite);
+  if (action != "get" && !store.canSave()) {
+    return fail(failed, store.file().string() + " cannot be read, so it is not written over; make it readable first.");
+  }
   if (action == "get") {
     auto value = store.value(key);
     if (!value) return fail(failed, "\"" + key + "\" is not set; its default applies.");

@@ -23,9 +23,12 @@ SettingsValue::Dictionary sampleDevice() {
           {"bookmark", SettingsValue::Data{0x00, 0xff, 0x10}}};
 }
 
+// Every file but the writers' lock.
 std::vector<std::filesystem::path> filesIn(const std::filesystem::path& folder) {
   std::vector<std::filesystem::path> files;
-  for (const auto& entry : std::filesystem::directory_iterator(folder)) files.push_back(entry.path());
+  for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+    if (entry.path().extension() != ".lock") files.push_back(entry.path());
+  }
   return files;
 }
 
@@ -139,6 +142,69 @@ TEST(JsonSettingsStore, ANumberThatIsNotFiniteIsRefused) {
   store.setValue("NotAudioOutputFraction", std::numeric_limits<double>::quiet_NaN());
   EXPECT_FALSE(store.value("NotAudioOutputFraction"));
   EXPECT_TRUE(log.contains("not finite"));
+}
+
+} // namespace lb
+
+namespace lb {
+
+// What cannot be read is never written over, and a reader changes nothing.
+TEST(JsonSettingsStore, NothingUnreadableIsWrittenOverAndReadersChangeNothing) {
+  test::CapturedLog log;
+  test::TemporaryDirectory home;
+  auto file = home / "settings.json";
+  test::writeFile(file, "{\"devices\": [1, 2,");
+  JsonSettingsStore reader(file, JsonSettingsStore::Access::readOnly);
+  EXPECT_EQ(test::readFile(file), "{\"devices\": [1, 2,");
+  EXPECT_FALSE(reader.canSave());
+
+  // A file that cannot be read at all (here a folder in its place, as root
+  // reads any file) stays, and changes stay in memory.
+  std::filesystem::remove(file);
+  std::filesystem::create_directory(file);
+  JsonSettingsStore store(file);
+  EXPECT_FALSE(store.canSave());
+  store.setValue("LogConnect", true);
+  EXPECT_EQ(store.value("LogConnect"), SettingsValue(true));
+  EXPECT_TRUE(std::filesystem::is_directory(file));
+  EXPECT_TRUE(log.contains("Not saving the settings: " + file.string()));
+}
+
+// Writers in separate processes lose nothing of each other's; a symbolic
+// link stays one; a killed writer's leftovers go at the next start.
+TEST(JsonSettingsStore, ConcurrentWritersLoseNothingAndLinksAndFoldersAreKept) {
+  test::TemporaryDirectory home;
+  auto file = home / "lanternbud/settings.json";
+  std::vector<pid_t> writers;
+  for (int writer = 0; writer < 4; ++writer) {
+    pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+      for (int i = 0; i < 25; ++i) {
+        JsonSettingsStore(file).setValue("key" + std::to_string(writer) + "-" + std::to_string(i), i);
+      }
+      _exit(0);
+    }
+    writers.push_back(child);
+  }
+  for (pid_t writer : writers) waitpid(writer, nullptr, 0);
+  JsonSettingsStore after(file);
+  for (int writer = 0; writer < 4; ++writer) {
+    for (int i = 0; i < 25; ++i) EXPECT_TRUE(after.value("key" + std::to_string(writer) + "-" + std::to_string(i)));
+  }
+  struct stat info {};
+  ASSERT_EQ(stat(file.parent_path().c_str(), &info), 0);
+  EXPECT_EQ(info.st_mode & 0777, 0700u);
+
+  auto target = home / "lanternbud/real.json";
+  std::filesystem::rename(file, target);
+  std::filesystem::create_symlink("real.json", file);
+  test::writeFile(home / "lanternbud/.real.json.partial-Ab12Cd", "half");
+  JsonSettingsStore linked(file);
+  EXPECT_FALSE(std::filesystem::exists(home / "lanternbud/.real.json.partial-Ab12Cd"));
+  linked.setValue("LogConnect", true);
+  EXPECT_TRUE(std::filesystem::is_symlink(file));
+  EXPECT_EQ(JsonSettingsStore(target).value("LogConnect"), SettingsValue(true));
 }
 
 } // namespace lb
