@@ -20,19 +20,22 @@
 
 namespace lb {
 
-void Program::printBatteryInfo(Tunables& tunables, const std::string& address, const std::string& helperPath) {
+int Program::printBatteryInfo(Tunables& tunables, const std::string& address, const std::string& helperPath) {
   auto system = QDBusConnection::systemBus();
   BluezBluetooth bluetooth(system);
   UPowerRegistry upower(system);
   LinuxBatterySources sources(upower, HelperTool(helperPath));
   QtEventLoop clock;
   BatteryInfo batteryInfo(sources, tunables, clock, clock.now());
-  batteryInfo.mainPrintBatteryInfo(bluetooth, address, [](const SettingsValue::Dictionary& info) {
+  int status = 0;
+  batteryInfo.mainPrintBatteryInfo(bluetooth, address, [&status](const SettingsValue::Dictionary& info) {
     const auto xml = PropertyList::xml(info);
     if (std::fwrite(xml.data(), 1, xml.size(), stdout) != xml.size() || std::fflush(stdout) != 0) {
+      status = 1;
       throw std::runtime_error("cannot write to standard output");
     }
   });
+  return status;
 }
 
 namespace {
@@ -53,6 +56,13 @@ int reopenRunningInstance(QDBusConnection& session) {
 } // namespace
 
 int Program::runApplication(UserDefaults& defaults, Tunables& tunables, bool demo, const std::string& helperPath) {
+  // Before anything can see this instance (its bus name): a SIGTERM from
+  // then on waits in the pipe until the event loop runs, and quits it.
+  AppDelegate* running = nullptr;
+  TerminationSignals termination([&running](int signal) {
+    PXR_LOG(launchLog(), "Quitting on signal", signal);
+    if (running) running->quit();
+  });
   auto session = QDBusConnection::sessionBus();
   if (!session.isConnected()) {
     pxrLogError("No session bus (" + session.lastError().message().toStdString() +
@@ -69,10 +79,7 @@ int Program::runApplication(UserDefaults& defaults, Tunables& tunables, bool dem
 
   std::unique_ptr<ScriptingService> scripting;
   if (session.isConnected()) scripting = std::make_unique<ScriptingService>(session, app, platform->services());
-  TerminationSignals termination([&app](int signal) {
-    PXR_LOG(launchLog(), "Quitting on signal", signal);
-    app.quit();
-  });
+  running = &app;
   auto requests = [&platform] {
     auto count = platform->soundServerRequests();
     return count ? std::to_string(*count) : std::string("no");

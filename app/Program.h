@@ -11,7 +11,8 @@ namespace lb {
 struct Program {
   // Prints the device's battery information as an XML property list on
   // standard output; an unknown address prints nothing.
-  static void printBatteryInfo(Tunables& tunables, const std::string& address, const std::string& helperPath);
+  // The exit status: 0, or 1 when standard output could not take the list.
+  static int printBatteryInfo(Tunables& tunables, const std::string& address, const std::string& helperPath);
   // The application: one instance per session, the devices in the tray,
   // the scripting interface, until a quit request or SIGTERM or SIGINT.
   // The exit status.

@@ -2,6 +2,7 @@
 // LanternbudHelperTool) its battery print mode.
 #include "app/Program.h"
 #include "core/AppDelegate.h"
+#include "foundation/BluetoothAddress.h"
 #include "foundation/JsonSettingsStore.h"
 #include "linux/logging/LinuxLogger.h"
 
@@ -10,6 +11,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <iostream>
+#include <optional>
 
 namespace {
 
@@ -35,6 +37,27 @@ bool has(const std::vector<std::string>& words, const std::string& word) {
   return std::find(words.begin(), words.end(), word) != words.end();
 }
 
+// What makes the command line unusable, said to the user, who gets the usage
+// and exit status 2: a whole program must not start on a mistyped helper call.
+std::optional<std::string> commandLineProblem(const std::vector<std::string>& words,
+                                              const lb::UserDefaults::Arguments& commandLine,
+                                              const std::string& processName) {
+  if (commandLine.contains("devices")) {
+    return "the device list cannot be given on the command line; while Lanternbud runs, use "
+           "lanternbud-ctl add and lanternbud-ctl remove.";
+  }
+  const auto address = commandLine.find("PrintBatteryInfo");
+  if (address == commandLine.end()) {
+    if (has(words, "-PrintBatteryInfo")) return "-PrintBatteryInfo needs a Bluetooth address.";
+    if (processName == "LanternbudHelperTool") return "LanternbudHelperTool needs -PrintBatteryInfo <address>.";
+    return std::nullopt;
+  }
+  if (!lb::BluetoothAddress::parse(address->second)) {
+    return "\"" + address->second + "\" is not a Bluetooth address (six pairs of hexadecimal digits).";
+  }
+  return std::nullopt;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -43,14 +66,19 @@ int main(int argc, char** argv) {
     std::cout << usage;
     return 0;
   }
+  const auto processName = std::filesystem::path(argv[0]).filename().string();
+  const auto commandLine = lb::UserDefaults::argumentDomain(words);
+  if (auto problem = commandLineProblem(words, commandLine, processName)) {
+    std::cerr << "lanternbud: " << *problem << "\n\n" << usage;
+    return 2;
+  }
   QCoreApplication qt(argc, argv);
   const bool demo = has(words, "--demo");
-  const auto processName = std::filesystem::path(argv[0]).filename().string();
   const auto helperPath = QCoreApplication::applicationDirPath().toStdString() + "/LanternbudHelperTool";
 
   const auto settingsFile = lb::JsonSettingsStore::defaultFile();
   lb::JsonSettingsStore store(demo ? settingsFile.parent_path() / "demo-settings.json" : settingsFile);
-  lb::UserDefaults defaults(store, lb::UserDefaults::argumentDomain(words));
+  lb::UserDefaults defaults(store, commandLine);
   // Until the tray exists, its log lines and the start's are what a user sees.
   defaults.registerDefaults({{"LogLaunch", true}, {"LogTray", true}});
   lb::LinuxLogger::install([&defaults](const std::string& area) { return defaults.boolValue(area, false); },
@@ -59,7 +87,8 @@ int main(int argc, char** argv) {
 
   int status = 0;
   lb::AppDelegate::processEntry(
-      defaults, [&](const std::string& address) { lb::Program::printBatteryInfo(tunables, address, helperPath); },
+      commandLine,
+      [&](const std::string& address) { status = lb::Program::printBatteryInfo(tunables, address, helperPath); },
       [&] { status = lb::Program::runApplication(defaults, tunables, demo, helperPath); });
   return status;
 }

@@ -5,11 +5,11 @@
 
 namespace lb {
 
-int AppDelegate::processEntry(const UserDefaults& defaults,
+int AppDelegate::processEntry(const UserDefaults::Arguments& commandLine,
                               const std::function<void(const std::string& address)>& printBatteryInfo,
                               const std::function<void()>& runApplication) {
-  if (auto address = defaults.object("PrintBatteryInfo"); address && address->is<std::string>()) {
-    printBatteryInfo(*address->as<std::string>());
+  if (auto address = commandLine.find("PrintBatteryInfo"); address != commandLine.end()) {
+    printBatteryInfo(address->second);
     return 0;
   }
   runApplication();

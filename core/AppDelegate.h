@@ -15,11 +15,11 @@ class AppDelegate {
 public:
   explicit AppDelegate(Services& services) : services_(services) {}
 
-  // The process entry. With a "PrintBatteryInfo" address in the settings
-  // (normally "-PrintBatteryInfo <address>" on the command line) it prints
-  // that device's battery information and nothing else starts; otherwise it
-  // runs the application. The exit status is 0 either way.
-  static int processEntry(const UserDefaults& defaults,
+  // The process entry. With "-PrintBatteryInfo <address>" on the command
+  // line (never from the stored settings) it prints that device's battery
+  // information and nothing else starts; otherwise it runs the application.
+  // The exit status is 0 either way.
+  static int processEntry(const UserDefaults::Arguments& commandLine,
                           const std::function<void(const std::string& address)>& printBatteryInfo,
                           const std::function<void()>& runApplication);
 

@@ -39,7 +39,10 @@ void DeviceSetting::start() {
 std::shared_ptr<BluetoothDevice> DeviceSetting::device() const {
   auto address = storedAddress();
   if (!address) {
-    PXR_LOG_ERROR("No device address for options: " + SettingsValue(options()).description());
+    // Asked every second by the timers: once is news, the rest noise.
+    if (!toldNoAddress_.exchange(true)) {
+      PXR_LOG_ERROR("No device address for options: " + SettingsValue(options()).description());
+    }
     return nullptr;
   }
   return bluetooth_.deviceWithAddressString(*address);

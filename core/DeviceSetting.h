@@ -13,6 +13,7 @@
 #include "core/OutputFixer.h"
 #include "core/Services.h"
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <mutex>
@@ -180,6 +181,7 @@ private:
   DeviceOptions options_;
   // Worker log lines name the device too.
   mutable std::mutex nameMutex_;
+  mutable std::atomic<bool> toldNoAddress_ = false;
   mutable std::optional<std::string> cachedDeviceName_;
 
   OutputFixer outputFixer_;

@@ -2,6 +2,9 @@
 
 #include "core/LogAreas.h"
 
+#include <algorithm>
+#include <set>
+
 namespace lb {
 
 using namespace std::chrono_literals;
@@ -42,20 +45,53 @@ void DeviceSettingManager::checkMigration() {
 }
 
 // All or nothing: one element that is not a dictionary means the list is not
-// ours to read, and no device is loaded.
+// ours to read, and no device is loaded; the list is kept aside, since the
+// next save writes the devices of this run.
 void DeviceSettingManager::load() {
   auto stored = services_.defaults.object("devices");
   PXR_LOG(dockLog(), "Devices to load:", describe(stored));
-  auto array = stored ? stored->as<SettingsValue::Array>() : nullptr;
-  if (!array) return;
-  for (const auto& element : *array) {
-    if (!element.is<SettingsValue::Dictionary>()) return;
+  if (!stored) return;
+  auto array = stored->as<SettingsValue::Array>();
+  const bool readable = array && std::all_of(array->begin(), array->end(), [](const SettingsValue& element) {
+                          return element.is<SettingsValue::Dictionary>();
+                        });
+  if (!readable) {
+    services_.defaults.setValue(unreadableDevicesKey, *stored);
+    PXR_LOG_ERROR("The saved device list is not a list of devices; it is kept under \"" +
+                  std::string(unreadableDevicesKey) + "\" in the settings, and Lanternbud starts without devices.");
+    return;
   }
-  for (const auto& element : *array) {
-    auto setting = DeviceSetting::make(services_, *element.as<SettingsValue::Dictionary>(), this);
+  std::vector<SettingsValue::Dictionary> entries;
+  for (const auto& element : *array) entries.push_back(*element.as<SettingsValue::Dictionary>());
+  giveValidIDs(entries);
+  for (auto& entry : entries) {
+    auto setting = DeviceSetting::make(services_, std::move(entry), this);
     PXR_LOG(dockLog(), "Loading device setting:", setting->description());
     list_.push_back(setting);
-    if (setting->deviceID() >= maxDeviceID_) maxDeviceID_ = setting->deviceID() + 1;
+  }
+}
+
+// Valid IDs stay as they are; an entry whose ID is missing, repeated, not an
+// integer or out of range gets the next free one, so that no two devices,
+// script files or paths of the scripting interface are confused.
+void DeviceSettingManager::giveValidIDs(std::vector<SettingsValue::Dictionary>& entries) {
+  std::set<std::int64_t> taken;
+  std::vector<SettingsValue::Dictionary*> invalid;
+  for (auto& entry : entries) {
+    auto found = entry.find(deviceOption::deviceID);
+    const auto* ID = found == entry.end() ? nullptr : found->second.as<std::int64_t>();
+    if (ID && *ID >= 1 && *ID <= maximumDeviceID && taken.insert(*ID).second) {
+      maxDeviceID_ = std::max(maxDeviceID_, *ID + 1);
+    } else {
+      invalid.push_back(&entry);
+    }
+  }
+  for (auto* entry : invalid) {
+    const auto old = entry->contains(deviceOption::deviceID) ? entry->at(deviceOption::deviceID).description()
+                                                             : std::string("none");
+    PXR_LOG_ERROR("A saved device had the ID " + old + ", which is missing, repeated or out of range; it is now " +
+                  std::to_string(maxDeviceID_) + ".");
+    entry->insert_or_assign(deviceOption::deviceID, maxDeviceID_++);
   }
 }
 

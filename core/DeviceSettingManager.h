@@ -18,6 +18,10 @@ namespace lb {
 class DeviceSettingManager {
 public:
   static constexpr const char* currentSettingVersion = "2.8.2";
+  // Where a saved list that is not a list of devices is kept.
+  static constexpr const char* unreadableDevicesKey = "devices.unreadable";
+  // IDs run from 1 to this; they name script files and interface paths.
+  static constexpr std::int64_t maximumDeviceID = std::int64_t{1} << 31;
 
   // Loads the saved devices, stamps the setting version, listens for
   // connections and starts the 10-second icon timer.
@@ -70,6 +74,7 @@ public:
 private:
   void checkMigration();
   void load();
+  void giveValidIDs(std::vector<SettingsValue::Dictionary>& entries);
 
   Services& services_;
   ScriptSaver scriptSaver_;

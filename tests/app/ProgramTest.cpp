@@ -309,6 +309,49 @@ TEST_F(ProgramTest, TheScriptingInterfaceSaysWhatWasWrong) {
   EXPECT_TRUE(test::waitUntil([&] { return !std::filesystem::exists(entry); }));
 }
 
+// Bad settings files never stop a start, are never written over, and the
+// log says what happened to them.
+TEST_F(ProgramTest, BadSettingsAreKeptSaidAndNeverStopTheStart) {
+  const auto file = program->settingsFile();
+  test::writeFile(file, "{\"devices\": [1, 2,");
+  ASSERT_TRUE(program->start());
+  EXPECT_NE(program->logText().find("It was moved to " + file.string() + ".unreadable-"), std::string::npos);
+  program->process().terminate();
+  ASSERT_TRUE(program->process().waitForFinished(10000));
+
+  // A list that is no list of devices is kept aside; IDs that cannot name a
+  // device get fresh ones; a stored print request is no command.
+  test::writeFile(file, std::string(R"({"devices": "garbage", "PrintBatteryInfo": ")") + headsetAddress + "\"}");
+  ASSERT_TRUE(program->start());
+  program->process().terminate();
+  ASSERT_TRUE(program->process().waitForFinished(10000));
+  auto saved = nlohmann::json::parse(std::ifstream(file));
+  EXPECT_EQ(saved["devices.unreadable"], "garbage") << saved.dump();
+
+  test::writeFile(file, std::string(R"({"devices": [{"deviceID": -4, "device": ")") + headsetAddress +
+                            R"("}, {"deviceID": 9223372036854775807, "device": ")" + keyboardAddress +
+                            R"("}, {"deviceID": "1", "device": ")" + silentHeadsetAddress + "\"}]}");
+  ASSERT_TRUE(program->start());
+  auto list = program->ctl({"list", "--json"});
+  EXPECT_EQ(list.status, 0) << list.errors;
+  std::set<long long> IDs;
+  for (const auto& device : nlohmann::json::parse(list.output)) IDs.insert(device["id"].get<long long>());
+  EXPECT_EQ(IDs, (std::set<long long>{1, 2, 3}));
+  EXPECT_NE(program->ctl({"show", keyboardAddress}).output.find("Name: K380 Keyboard"), std::string::npos);
+  program->process().terminate();
+  ASSERT_TRUE(program->process().waitForFinished(10000));
+
+  // The device list is no one-run value.
+  EXPECT_EQ(program->run("lanternbud", {"-devices", "[]"}).status, 2);
+  // A file that cannot be read is not written over, by the program or by ctl.
+  std::filesystem::remove(file);
+  std::filesystem::create_directory(file);
+  auto refused = program->ctl({"config", "set", "LogConnect", "YES"});
+  EXPECT_EQ(refused.status, 1);
+  EXPECT_NE(refused.errors.find("cannot be read"), std::string::npos) << refused.errors;
+  EXPECT_TRUE(std::filesystem::is_directory(file));
+}
+
 // The helper tool is the program under another name, printing a device's
 // battery levels from BlueZ or UPower as a property list.
 TEST_F(ProgramTest, ThePrintModeAnswersFromBlueZAndUPower) {

@@ -70,20 +70,23 @@ TEST(AppDelegate, QuittingSavesBeforeAnyTrayItemGoes) {
   EXPECT_EQ(savedCountAtEachRemoval, (std::vector<std::size_t>{3, 3, 3}));
 }
 
-TEST(AppDelegate, PrintModeRunsNothingElseAndExitsZero) {
-  InMemorySettingsStore store;
-  SimulatedPlatform sim(store);
-  UserDefaults printing(store, UserDefaults::argumentDomain({"lanternbud", "-PrintBatteryInfo", "00-11"}));
+// Only the command line asks for it: a stored value (any client of the
+// session bus can store one) must not keep the program from starting.
+TEST(AppDelegate, PrintModeComesFromTheCommandLineOnlyAndRunsNothingElse) {
   std::string printed;
   bool ran = false;
   EXPECT_EQ(AppDelegate::processEntry(
-                printing, [&](const std::string& a) { printed = a; }, [&] { ran = true; }),
+                UserDefaults::argumentDomain({"-PrintBatteryInfo", "00-11"}),
+                [&](const std::string& a) { printed = a; }, [&] { ran = true; }),
             0);
   EXPECT_EQ(printed, "00-11");
   EXPECT_FALSE(ran);
 
+  InMemorySettingsStore store(SettingsValue::Dictionary{{"PrintBatteryInfo", "00-11"}});
+  UserDefaults stored(store);
+  ASSERT_TRUE(stored.object("PrintBatteryInfo"));
   EXPECT_EQ(AppDelegate::processEntry(
-                sim.defaults, [&](const std::string& a) { printed = "again " + a; }, [&] { ran = true; }),
+                {}, [&](const std::string& a) { printed = "again " + a; }, [&] { ran = true; }),
             0);
   EXPECT_TRUE(ran);
   EXPECT_EQ(printed, "00-11");

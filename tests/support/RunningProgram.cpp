@@ -39,8 +39,10 @@ bool RunningProgram::start(const QStringList& arguments) {
   program_.start(LANTERNBUD_BIN_DIR "/lanternbud", arguments);
   if (!program_.waitForStarted(5000)) return false;
   auto bus = const_cast<PrivateBus&>(session_).connect("watcher");
+  // This process's name, not the one an instance that just ended still holds.
+  const auto pid = static_cast<uint>(program_.processId());
   return waitUntil(
-             [&] { return bus.interface()->isServiceRegistered("org.lanternbud.Lanternbud").value() || !running(); },
+             [&] { return bus.interface()->servicePid("org.lanternbud.Lanternbud").value() == pid || !running(); },
              20) &&
          running();
 }
