@@ -15,6 +15,7 @@ std::shared_ptr<PXRLogger> LinuxLogger::install(PXRLogger::AreaSwitch areaSwitch
   PXRLogger::setSharedLogger(logger);
   std::string ignored; // without a file the journal still has every line
   OurLogFile::enable(*logger, processName, ignored);
+  logger->replayEarlyLines();
   return logger;
 }
 
