@@ -62,7 +62,7 @@ bool ScriptingDeviceTree::handleMessage(const QDBusMessage& message, const QDBus
   if (auto* found = device(message.path())) {
     bus.send(answer(message, *found));
   } else {
-    bus.send(error(message, QDBusError::UnknownObject, "No device has the path " + message.path() + "."));
+    bus.send(error(message, QDBusError::UnknownObject, "No device has the path " + message.path().left(100) + "."));
   }
   return true;
 }
@@ -70,8 +70,10 @@ bool ScriptingDeviceTree::handleMessage(const QDBusMessage& message, const QDBus
 ScriptingDeviceObject* ScriptingDeviceTree::device(const QString& path) const {
   const QString prefix = QString(bus::deviceRoot) + "/";
   bool isNumber = false;
-  const auto ID = path.startsWith(prefix) ? path.mid(prefix.size()).toLongLong(&isNumber) : 0;
-  auto found = isNumber ? objects_.find(ID) : objects_.end();
+  const auto tail = path.startsWith(prefix) ? path.mid(prefix.size()) : QString();
+  const auto ID = tail.toLongLong(&isNumber);
+  // One path a device: "/Device/01" is not device 1.
+  auto found = isNumber && QString::number(ID) == tail ? objects_.find(ID) : objects_.end();
   return found == objects_.end() ? nullptr : found->second.get();
 }
 

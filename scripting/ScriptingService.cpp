@@ -120,7 +120,8 @@ void ScriptingService::quit() { app_.quit(); }
 QDBusObjectPath ScriptingService::findDevice(const QString& query) {
   if (auto* registry = app_.deviceSettingManager()) {
     bool isNumber = false;
-    const auto number = query.toLongLong(&isNumber);
+    auto number = query.toLongLong(&isNumber);
+    isNumber = isNumber && QString::number(number) == query; // "+1" and "01" name no device
     for (const auto& setting : registry->deviceSettingList()) {
       const bool matches = (isNumber && setting->deviceID() == number) ||
                            QString::fromStdString(setting->scriptingName()).compare(query, Qt::CaseInsensitive) == 0 ||
@@ -128,9 +129,12 @@ QDBusObjectPath ScriptingService::findDevice(const QString& query) {
       if (matches) return QDBusObjectPath(devicePath(setting->deviceID()));
     }
   }
-  fail("NoSuchDevice", "No device has the ID, name or address \"" + query + "\".");
+  // A query is echoed only so far: a client may send megabytes.
+  fail("NoSuchDevice", "No device has the ID, name or address \"" + quoted(query) + "\".");
   return {};
 }
+
+QString ScriptingService::quoted(const QString& text) { return text.size() <= 100 ? text : text.left(100) + "…"; }
 
 void ScriptingService::fail(const char* error, const QString& message) {
   sendErrorReply(QString(bus::errorPrefix) + error, message);
@@ -146,7 +150,8 @@ QDBusObjectPath ScriptingService::addDevice(const QString& text) {
   }
   if (!address) {
     fail("InvalidAddress",
-         "\"" + text + "\" is not a Bluetooth address: six pairs of hexadecimal digits, as in 00:1B:66:AA:BB:CC.");
+         "\"" + quoted(text) +
+             "\" is not a Bluetooth address: six pairs of hexadecimal digits, as in 00:1B:66:AA:BB:CC.");
     return {};
   }
   const auto written = QString::fromStdString(address->toString());
@@ -177,7 +182,7 @@ void ScriptingService::removeDevice(const QDBusObjectPath& path) {
       return;
     }
   }
-  fail("NoSuchDevice", "No device has the path " + path.path() + ".");
+  fail("NoSuchDevice", "No device has the path " + quoted(path.path()) + ".");
 }
 
 QString ScriptingService::getSetting(const QString& key) {
@@ -193,8 +198,9 @@ QString ScriptingService::setSetting(const QString& key, const QString& json) {
   std::string error;
   auto value = SettingsJson::parse(json.toStdString(), error);
   if (key.isEmpty() || !value) {
-    fail("InvalidValue", key.isEmpty() ? QString("The key is empty.")
-                                       : "\"" + json + "\" is no settings value: " + QString::fromStdString(error));
+    fail("InvalidValue", key.isEmpty()
+                             ? QString("The key is empty.")
+                             : "\"" + quoted(json) + "\" is no settings value: " + QString::fromStdString(error));
     return {};
   }
   if (refusesWhileRunning(key)) return {};

@@ -67,6 +67,8 @@ private:
   void scheduleRefresh(const DeviceSetting* changed);
   void announce(const QString& path, const QString& interface, const QVariantMap& changed);
   void fail(const char* error, const QString& message);
+  // Outside text as error messages quote it: the first 100 characters.
+  static QString quoted(const QString& text);
   bool refusesWhileRunning(const QString& key);
   QString whenItTakesEffect(const QString& key) const;
 

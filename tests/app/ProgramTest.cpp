@@ -271,6 +271,14 @@ TEST_F(ProgramTest, TheScriptingInterfaceSaysWhatWasWrong) {
   auto missing = program->ctl({"show", "Nonesuch"});
   EXPECT_EQ(missing.status, 3);
   EXPECT_NE(missing.errors.find("No device has the ID, name or address \"Nonesuch\""), std::string::npos);
+  // One name a device; echoes of outside text are cut short.
+  EXPECT_EQ(program->ctl({"show", "+1"}).status, 3);
+  EXPECT_LT(program->ctl({"show", std::string(100'000, 'x').c_str()}).errors.size(), 300u);
+  EXPECT_EQ(deviceProperty(1, "ID").toLongLong(), 1);
+  auto aliased = QDBusMessage::createMethodCall("org.lanternbud.Lanternbud", "/org/lanternbud/Lanternbud/Device/01",
+                                                "org.freedesktop.DBus.Properties", "GetAll");
+  aliased << "org.lanternbud.Lanternbud.Device";
+  EXPECT_EQ(scripting.call(aliased, QDBus::Block, 5000).errorName(), "org.freedesktop.DBus.Error.UnknownObject");
   EXPECT_EQ(program->ctl({"connect"}).status, 2);
   EXPECT_EQ(program->ctl({"frobnicate"}).status, 2);
 
