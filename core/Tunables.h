@@ -4,10 +4,14 @@
 #include "foundation/Clock.h"
 
 #include <cstdint>
+#include <limits>
 #include <map>
 #include <mutex>
+#include <optional>
+#include <set>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <variant>
 #include <vector>
 
@@ -20,11 +24,40 @@ enum class TunableRead {
   registered,     // every use, its default placed in the registration domain
 };
 
+// The values a number may take. One outside them, or no number at all, is
+// ignored with a log line when found, and refused when set through the
+// running program: an interval of 0 would spin a core.
+struct TunableRange {
+  double minimum = -std::numeric_limits<double>::infinity();
+  double maximum = std::numeric_limits<double>::infinity();
+  bool contains(double value) const { return value >= minimum && value <= maximum; } // false for NaN
+};
+
+namespace tunable {
+struct Known {
+  bool numeric;
+  TunableRange range;
+};
+// Every tunable by its key, filled as the tunables below are defined.
+std::map<std::string_view, Known>& known();
+// Why `value` cannot be what the tunable `key` is set to; none when it can,
+// or when `key` is no tunable.
+std::optional<std::string> problem(std::string_view key, const SettingsValue& value);
+} // namespace tunable
+
 template <class T>
 struct Tunable {
+  static constexpr bool numeric = std::is_arithmetic_v<T> || std::is_same_v<T, Seconds>;
+
+  Tunable(std::string_view name, T value, TunableRead when, TunableRange valid = {})
+      : key(name), defaultValue(std::move(value)), read(when), range(valid) {
+    tunable::known().insert_or_assign(key, tunable::Known{numeric && !std::is_same_v<T, bool>, range});
+  }
+
   std::string_view key;
   T defaultValue;
   TunableRead read;
+  TunableRange range;
 };
 
 // Every tunable key with its type and compiled-in default. No window shows
@@ -36,12 +69,13 @@ constexpr auto once = TunableRead::oncePerProcess;
 constexpr auto each = TunableRead::eachUse;
 
 inline const Tunable<bool> ConnectionUpdateUseTimer{"ConnectionUpdateUseTimer", true, each};
-inline const Tunable<Seconds> ConnectionUpdateTimerInterval{"ConnectionUpdateTimerInterval", Seconds(1.0), once};
-inline const Tunable<Seconds> ConnectionUpdateFastTimerInterval{"ConnectionUpdateFastTimerInterval", Seconds(0.1),
-                                                                once};
-inline const Tunable<Seconds> ConnectionUpdateFastTimerDuration{"ConnectionUpdateFastTimerDuration", Seconds(10.0),
-                                                                once};
-inline const Tunable<Seconds> ConnectionWaitInterval{"ConnectionWaitInterval", Seconds(1.0), once};
+inline const Tunable<Seconds> ConnectionUpdateTimerInterval{
+    "ConnectionUpdateTimerInterval", Seconds(1.0), once, {0.05, 3600}};
+inline const Tunable<Seconds> ConnectionUpdateFastTimerInterval{
+    "ConnectionUpdateFastTimerInterval", Seconds(0.1), once, {0.02, 60}};
+inline const Tunable<Seconds> ConnectionUpdateFastTimerDuration{
+    "ConnectionUpdateFastTimerDuration", Seconds(10.0), once, {0, 3600}};
+inline const Tunable<Seconds> ConnectionWaitInterval{"ConnectionWaitInterval", Seconds(1.0), once, {0, 600}};
 inline const Tunable<bool> TrySyncConnectFirst{"TrySyncConnectFirst", true, each};
 inline const Tunable<bool> DeviceSettingDisableDisconnectObservation{"DeviceSettingDisableDisconnectObservation", false,
                                                                      each};
@@ -52,33 +86,35 @@ inline const Tunable<bool> RememberAudioInputWhenSettingAudioOutput{"RememberAud
 inline const Tunable<bool> FixAudioInputWhenSettingAudioOutput{"FixAudioInputWhenSettingAudioOutput", true, once};
 inline const Tunable<bool> RunConnectionScriptWhenSettingAudioOutput{"RunConnectionScriptWhenSettingAudioOutput", true,
                                                                      once};
-inline const Tunable<Seconds> ConnectionScriptInterval{"ConnectionScriptInterval", Seconds(4.0), once};
+inline const Tunable<Seconds> ConnectionScriptInterval{"ConnectionScriptInterval", Seconds(4.0), once, {0, 3600}};
 inline const Tunable<bool> OnlySetOutputDeviceIfNecessary{"OnlySetOutputDeviceIfNecessary", false, each};
 inline const Tunable<bool> OnlySetInputDeviceIfNecessary{"OnlySetInputDeviceIfNecessary", true, each};
-inline const Tunable<Seconds> InputDeviceManagerTimerInterval{"InputDeviceManagerTimerInterval", Seconds(10.0), each};
+inline const Tunable<Seconds> InputDeviceManagerTimerInterval{
+    "InputDeviceManagerTimerInterval", Seconds(10.0), each, {0.05, 3600}};
 inline const Tunable<bool> InputDeviceManagerPeriodicUpdates{"InputDeviceManagerPeriodicUpdates", true, each};
-inline const Tunable<Seconds> InputDeviceManagerFinalRestorationDelay{"InputDeviceManagerFinalRestorationDelay",
-                                                                      Seconds(12.0), each};
+inline const Tunable<Seconds> InputDeviceManagerFinalRestorationDelay{
+    "InputDeviceManagerFinalRestorationDelay", Seconds(12.0), each, {0, 3600}};
 // How long a connection the user started waits for its sound output device:
 // Linux's sound server makes it a few seconds after the link.
-inline const Tunable<Seconds> ManualConnectionAudioOutputWindow{"ManualConnectionAudioOutputWindow", Seconds(8.0),
-                                                                once};
+inline const Tunable<Seconds> ManualConnectionAudioOutputWindow{
+    "ManualConnectionAudioOutputWindow", Seconds(8.0), once, {0, 600}};
 inline const Tunable<bool> WorkAroundMissingAudioDevice{"WorkAroundMissingAudioDevice", true, once};
-inline const Tunable<std::int64_t> MissingAudioDeviceTries{"MissingAudioDeviceTries", 5, once};
-inline const Tunable<Seconds> MissingAudioDeviceDisconnectionDelay{"MissingAudioDeviceDisconnectionDelay", Seconds(1.0),
-                                                                   once};
+inline const Tunable<std::int64_t> MissingAudioDeviceTries{"MissingAudioDeviceTries", 5, once, {0, 100}};
+inline const Tunable<Seconds> MissingAudioDeviceDisconnectionDelay{
+    "MissingAudioDeviceDisconnectionDelay", Seconds(1.0), once, {0, 600}};
 inline const Tunable<bool> ChangeIconWhileFixingAudioOutput{"ChangeIconWhileFixingAudioOutput", false, each};
-inline const Tunable<double> NotAudioOutputFraction{"NotAudioOutputFraction", 0.25, once};
+inline const Tunable<double> NotAudioOutputFraction{"NotAudioOutputFraction", 0.25, once, {0, 1}};
 // The default is the tray's icon size plus 5, which only the tray knows: the
 // read passes it in.
-inline const Tunable<double> StatusItemLength{"StatusItemLength", 0.0, once};
-inline const Tunable<Seconds> DeviceInfoStalenessInterval{"DeviceInfoStalenessInterval", Seconds(60.0), once};
+inline const Tunable<double> StatusItemLength{"StatusItemLength", 0.0, once, {0, 1000}};
+inline const Tunable<Seconds> DeviceInfoStalenessInterval{
+    "DeviceInfoStalenessInterval", Seconds(60.0), once, {0, 86400}};
 inline const Tunable<bool> DisableMontereyBatteryInfo{"DisableMontereyBatteryInfo", false, each};
 // Off: on Linux the battery sources are live mirrors of BlueZ and UPower,
 // never stale, so a helper process would only cost a process a device.
 inline const Tunable<bool> BatteryInfoUseHelper{"BatteryInfoUseHelper", false, TunableRead::registered};
-inline const Tunable<Seconds> BatteryInfoStalenessInterval{"BatteryInfoStalenessInterval", Seconds(600.0),
-                                                           TunableRead::registered};
+inline const Tunable<Seconds> BatteryInfoStalenessInterval{
+    "BatteryInfoStalenessInterval", Seconds(600.0), TunableRead::registered, {0, 31536000}};
 inline const Tunable<bool> BatteryInfoDisableRegistry{"BatteryInfoDisableRegistry", false, each};
 // On Linux the battery registry is UPower, whose devices all carry this name.
 inline const Tunable<Names> BatteryInfoRegistryIncludedNames{
@@ -111,27 +147,33 @@ public:
   // With a default that only the caller knows.
   template <class T>
   T operator()(const Tunable<T>& tunable, const T& fallback) const {
-    if (tunable.read != TunableRead::oncePerProcess) return read(tunable.key, fallback);
+    if (tunable.read != TunableRead::oncePerProcess) return read(tunable.key, fallback, tunable.range);
     std::lock_guard lock(mutex_);
     auto found = once_.find(tunable.key);
-    if (found == once_.end()) found = once_.emplace(tunable.key, read(tunable.key, fallback)).first;
+    if (found == once_.end()) found = once_.emplace(tunable.key, read(tunable.key, fallback, tunable.range)).first;
     return std::get<T>(found->second);
   }
 
 private:
   using Value = std::variant<bool, std::int64_t, double, Seconds, std::string, tunable::Names>;
 
-  bool read(std::string_view key, bool fallback) const;
-  std::int64_t read(std::string_view key, std::int64_t fallback) const;
-  double read(std::string_view key, double fallback) const;
+  bool read(std::string_view key, bool fallback, const TunableRange&) const;
+  std::int64_t read(std::string_view key, std::int64_t fallback, const TunableRange& range) const;
+  double read(std::string_view key, double fallback, const TunableRange& range) const;
   // Durations are stored as numbers of seconds.
-  Seconds read(std::string_view key, Seconds fallback) const { return Seconds(read(key, fallback.count())); }
-  std::string read(std::string_view key, const std::string& fallback) const;
-  tunable::Names read(std::string_view key, const tunable::Names& fallback) const;
+  Seconds read(std::string_view key, Seconds fallback, const TunableRange& range) const {
+    return Seconds(read(key, fallback.count(), range));
+  }
+  // Whether the value is in range; one that is not is said once a key.
+  bool usable(std::string_view key, double value, const TunableRange& range) const;
+  std::string read(std::string_view key, const std::string& fallback, const TunableRange&) const;
+  tunable::Names read(std::string_view key, const tunable::Names& fallback, const TunableRange&) const;
 
   UserDefaults& defaults_;
   mutable std::mutex mutex_;
   mutable std::map<std::string_view, Value> once_;
+  mutable std::mutex reportedMutex_;
+  mutable std::set<std::string, std::less<>> reported_;
 };
 
 } // namespace lb

@@ -1,5 +1,6 @@
 #include "scripting/ScriptingService.h"
 
+#include "core/SettingKeys.h"
 #include "foundation/BluetoothAddress.h"
 #include "foundation/SettingsJson.h"
 #include "scripting/ScriptingDeviceObject.h"
@@ -204,6 +205,16 @@ QString ScriptingService::setSetting(const QString& key, const QString& json) {
     return {};
   }
   if (refusesWhileRunning(key)) return {};
+  if (!SettingKeys::isKnown(key.toStdString())) {
+    auto nearest = SettingKeys::nearest(key.toStdString());
+    fail("UnknownKey", "No setting is called \"" + quoted(key) + "\"" +
+                           (nearest ? "; did you mean " + QString::fromStdString(*nearest) + "?" : QString(".")));
+    return {};
+  }
+  if (auto problem = tunable::problem(key.toStdString(), *value)) {
+    fail("InvalidValue", QString::fromStdString(*problem));
+    return {};
+  }
   services_.defaults.setValue(key.toStdString(), std::move(*value));
   return whenItTakesEffect(key);
 }

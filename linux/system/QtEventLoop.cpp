@@ -5,6 +5,7 @@
 #include <QThread>
 #include <QTimer>
 
+#include <algorithm>
 #include <thread>
 
 namespace lb {
@@ -25,7 +26,13 @@ private:
   QPointer<QTimer> timer_;
 };
 
-int milliseconds(Seconds duration) { return static_cast<int>(std::max(duration.count(), 0.0) * 1000.0 + 0.5); }
+// Qt counts in int milliseconds: a day at most, and nothing undefined for
+// NaN or a huge number.
+int milliseconds(Seconds duration) {
+  const double count = duration.count();
+  if (!(count > 0)) return 0;
+  return static_cast<int>(std::min(count, 86'400.0) * 1000.0 + 0.5);
+}
 
 } // namespace
 

@@ -308,6 +308,12 @@ TEST_F(ProgramTest, TheScriptingInterfaceSaysWhatWasWrong) {
   EXPECT_NE(nlohmann::json::parse(std::ifstream(program->settingsFile()))["LogConnect"], nullptr);
   EXPECT_EQ(program->ctl({"config", "unset", "LogConnect"}).status, 0);
   EXPECT_EQ(program->ctl({"config", "get", "LogConnect"}).status, 1);
+  auto mistyped = program->ctl({"config", "set", "LogConect", "YES"});
+  EXPECT_EQ(mistyped.status, 1);
+  EXPECT_NE(mistyped.errors.find("did you mean LogConnect?"), std::string::npos) << mistyped.errors;
+  auto spinning = program->ctl({"config", "set", "ConnectionUpdateTimerInterval", "0"});
+  EXPECT_EQ(spinning.status, 1);
+  EXPECT_NE(spinning.errors.find("takes a number from 0.05 to 3600"), std::string::npos) << spinning.errors;
 
   // Starting at login follows the choice at once.
   const auto entry = program->settingsFile().parent_path().parent_path() / "autostart" / "lanternbud.desktop";

@@ -1,3 +1,4 @@
+#include "core/SettingKeys.h"
 #include "core/Tunables.h"
 #include "core/UserDefaults.h"
 #include "sim/InMemorySettingsStore.h"
@@ -89,6 +90,36 @@ TEST(Tunables, DefaultsComeFromTheTableTheRegistrationOrTheCaller) {
   EXPECT_FALSE(defaults.boolValue("BatteryInfoUseHelper", true)); // off on Linux
   defaults.setValue("BatteryInfoUseHelper", true);
   EXPECT_TRUE(tunables(tunable::BatteryInfoUseHelper));
+}
+
+// A number out of its tunable's range (0 s would spin a core, NaN is no
+// time at all) is ignored once said; setting one is refused; an unknown key
+// is told from its nearest known one.
+TEST(Tunables, OutOfRangeValuesAreIgnoredAndUnknownKeysHaveNeighbours) {
+  test::CapturedLog log;
+  InMemorySettingsStore store(SettingsValue::Dictionary{{"ConnectionUpdateTimerInterval", 0.0}});
+  UserDefaults defaults(store, UserDefaults::argumentDomain({"-NotAudioOutputFraction", "nan"}));
+  Tunables tunables(defaults);
+  EXPECT_EQ(tunables(tunable::ConnectionUpdateTimerInterval), Seconds(1.0));
+  EXPECT_DOUBLE_EQ(tunables(tunable::NotAudioOutputFraction), 0.25);
+  EXPECT_DOUBLE_EQ(tunables(tunable::NotAudioOutputFraction), 0.25);
+  int told = 0;
+  for (const auto& message : log.messages()) told += message.starts_with("Ignoring the setting NotAudioOutputFraction");
+  EXPECT_EQ(told, 1);
+
+  EXPECT_TRUE(tunable::problem("ConnectionUpdateTimerInterval", SettingsValue(0.0)));
+  EXPECT_TRUE(tunable::problem("MissingAudioDeviceTries", SettingsValue(1e308)));
+  EXPECT_FALSE(tunable::problem("ConnectionUpdateTimerInterval", SettingsValue(std::int64_t{2})));
+  EXPECT_FALSE(tunable::problem("LogConnect", SettingsValue(true)));
+
+  EXPECT_TRUE(SettingKeys::isKnown("LogConnect"));
+  EXPECT_TRUE(SettingKeys::isKnown("ManualConnectionAudioOutputWindow"));
+  EXPECT_TRUE(SettingKeys::isKnown("shortcutDictForDevice12"));
+  EXPECT_FALSE(SettingKeys::isKnown("shortcutDictForDevice"));
+  EXPECT_FALSE(SettingKeys::isKnown("LogConect"));
+  EXPECT_EQ(SettingKeys::nearest("LogConect"), "LogConnect");
+  EXPECT_EQ(SettingKeys::nearest("launchatlogin"), "launchAtLogin");
+  EXPECT_EQ(SettingKeys::nearest("Frobnicate"), std::nullopt);
 }
 
 } // namespace lb

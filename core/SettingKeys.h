@@ -1,0 +1,19 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace lb {
+
+// The settings the program reads: every tunable, every log area, the
+// options of the program ("launchAtLogin", ...) and the devices' shortcut
+// keys. A key outside them does nothing, so a client that sets one has most
+// likely mistyped it.
+struct SettingKeys {
+  static bool isKnown(std::string_view key);
+  // The known key that `key` is likely a misspelling of, if one is close.
+  static std::optional<std::string> nearest(std::string_view key);
+};
+
+} // namespace lb
