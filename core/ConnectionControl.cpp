@@ -144,7 +144,10 @@ Alert ConnectionControl::connectionErrorAlert(const IOReturn& result) const {
             ? localized("Please make sure that Bluetooth is enabled in the Bluetooth pane in System Settings.")
             : localized("Please make sure that Bluetooth is On in the Bluetooth pane in System Preferences.");
   } else {
-    alert.informativeText = formatted(localized("Bluetooth reported error %@."), pxrDescription(result));
+    // What the Bluetooth service said, where it said something; the code
+    // means something only to a developer, and stays in the log.
+    alert.informativeText = formatted(localized("Bluetooth reported error %@."),
+                                      result.detail.empty() ? pxrDescription(result) : result.detail);
   }
   return alert;
 }

@@ -7,7 +7,9 @@ namespace lb {
 
 IOReturn bluezResult(const std::string& errorName, const std::string& message) {
   using Code = IOReturn::Code;
-  const std::string detail = message.empty() ? errorName : errorName + ": " + message;
+  // A service's message is cut short: it reaches log lines and dialogs.
+  const std::string shortMessage = message.size() <= 200 ? message : message.substr(0, 200) + "…";
+  const std::string detail = message.empty() ? errorName : errorName + ": " + shortMessage;
   auto is = [&](const char* name) { return errorName == name; };
   auto mentions = [&](const char* text) { return message.find(text) != std::string::npos; };
 

@@ -148,6 +148,7 @@ TEST_F(BluezTest, BluezErrorsBecomeResultCodes) {
 
   EXPECT_EQ(bluezResult("org.freedesktop.DBus.Error.NoReply", "Did not receive a reply").code(), 726);
   EXPECT_EQ(bluezResult("org.freedesktop.DBus.Error.UnknownObject", "").code(), 704);
+  EXPECT_LT(bluezResult("org.bluez.Error.Failed", std::string(5000, 'x')).detail.size(), 250u);
   EXPECT_EQ(BluezDevice::callTimeoutMilliseconds(20000), 32'500);
   EXPECT_EQ(BluezDevice::callTimeoutMilliseconds(std::nullopt), 25'120);
 }
