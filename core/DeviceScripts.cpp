@@ -45,13 +45,14 @@ void DeviceScripts::run(ScriptType type) {
   }
   const auto who = owner_.description(); // the script may end after this device setting is gone
   scriptLog()([&] { return "Starting to run script " + who + ": " + path; });
-  auto started = runner_.start(path, [who, path](const ScriptRunner::Outcome& outcome) {
-    if (outcome.success) {
-      scriptLog()([&] { return "Successfully ran script " + who + ": " + path; });
-    } else {
-      pxrLogError("Error running script " + who + ": " + outcome.description);
-    }
-  });
+  auto started = runner_.start(path, tunables_(tunable::ScriptTimeLimit),
+                               [who, path](const ScriptRunner::Outcome& outcome) {
+                                 if (outcome.success) {
+                                   scriptLog()([&] { return "Successfully ran script " + who + ": " + path; });
+                                 } else {
+                                   pxrLogError("Error running script " + who + ": " + outcome.description);
+                                 }
+                               });
   if (!started) pxrLogError("Error creating script: " + started.failure().reason);
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/Tunables.h"
 #include "core/DeviceOptions.h"
 #include "core/ScriptSaver.h"
 #include "core/ScriptType.h"
@@ -20,8 +21,9 @@ public:
   static constexpr const char* defaultScript = "#!/bin/sh\n";
 
   DeviceScripts(const DeviceSetting& owner, DeviceOptions& options, ScriptsFolder& folder, ScriptRunner& runner,
-                UserDefaults& defaults)
-      : owner_(owner), options_(options), folder_(folder), runner_(runner), saver_(folder, defaults) {}
+                UserDefaults& defaults, const Tunables& tunables)
+      : owner_(owner), options_(options), folder_(folder), runner_(runner), tunables_(tunables),
+        saver_(folder, defaults) {}
 
   // The files are the truth about the scripts: whatever the saved options
   // say is replaced by the files' texts, or removed.
@@ -44,6 +46,7 @@ private:
   DeviceOptions& options_;
   ScriptsFolder& folder_;
   ScriptRunner& runner_;
+  const Tunables& tunables_;
   ScriptSaver saver_;
 };
 

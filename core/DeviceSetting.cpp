@@ -7,7 +7,7 @@ namespace lb {
 
 DeviceSetting::DeviceSetting(Services& services, SettingsValue::Dictionary options, DeviceSettingManager* registry)
     : bluetooth_(services.bluetooth), registry_(registry), options_(std::move(options)), outputFixer_(*this, services),
-      scripts_(*this, options_, services.scriptsFolder, services.scriptRunner, services.defaults),
+      scripts_(*this, options_, services.scriptsFolder, services.scriptRunner, services.defaults, services.tunables),
       connection_(*this, services.loop, services.tunables, services.operatingSystem, services.alerts,
                   services.inputDeviceManager),
       tracker_(*this, services.loop, services.tunables, services.bluetooth, services.outputDeviceManager,

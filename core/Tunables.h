@@ -102,6 +102,9 @@ inline const Tunable<bool> WorkAroundMissingAudioDevice{"WorkAroundMissingAudioD
 inline const Tunable<std::int64_t> MissingAudioDeviceTries{"MissingAudioDeviceTries", 5, once, {0, 100}};
 inline const Tunable<Seconds> MissingAudioDeviceDisconnectionDelay{
     "MissingAudioDeviceDisconnectionDelay", Seconds(1.0), once, {0, 600}};
+// A connect or disconnect script still running after this is ended, with
+// whatever it started.
+inline const Tunable<Seconds> ScriptTimeLimit{"ScriptTimeLimit", Seconds(300.0), each, {0.1, 86400}};
 inline const Tunable<bool> ChangeIconWhileFixingAudioOutput{"ChangeIconWhileFixingAudioOutput", false, each};
 inline const Tunable<double> NotAudioOutputFraction{"NotAudioOutputFraction", 0.25, once, {0, 1}};
 // The default is the tray's icon size plus 5, which only the tray knows: the

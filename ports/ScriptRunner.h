@@ -1,5 +1,6 @@
 #pragma once
 
+#include "foundation/Clock.h"
 #include "foundation/Result.h"
 
 #include <functional>
@@ -8,8 +9,8 @@
 
 namespace lb {
 
-// Starts user scripts. A script runs on its own: nothing waits for it,
-// limits it, feeds it or reads it.
+// Starts user scripts. A script runs on its own: nothing feeds it or reads
+// it, and it has a time limit.
 class ScriptRunner {
 public:
   struct Outcome {
@@ -20,8 +21,9 @@ public:
   virtual ~ScriptRunner() = default;
 
   // Starts the file at `path`. Once started, `finished` is called once, on
-  // some other thread, when it ends.
-  virtual Result<> start(const std::string& path, std::function<void(const Outcome&)> finished) = 0;
+  // the main thread, when it ends. One still running after `timeLimit` is
+  // ended with all it started, and its outcome says so.
+  virtual Result<> start(const std::string& path, Seconds timeLimit, std::function<void(const Outcome&)> finished) = 0;
 };
 
 } // namespace lb

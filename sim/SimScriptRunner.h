@@ -11,12 +11,13 @@ class SimScriptRunner final : public ScriptRunner {
 public:
   struct Run {
     std::string path;
+    Seconds timeLimit;
     std::function<void(const Outcome&)> finished;
   };
 
-  Result<> start(const std::string& path, std::function<void(const Outcome&)> finished) override {
+  Result<> start(const std::string& path, Seconds timeLimit, std::function<void(const Outcome&)> finished) override {
     if (refusal) return Failure{*refusal};
-    runs.push_back({path, std::move(finished)});
+    runs.push_back({path, timeLimit, std::move(finished)});
     return {};
   }
 

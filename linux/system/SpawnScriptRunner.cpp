@@ -1,12 +1,21 @@
 #include "linux/system/SpawnScriptRunner.h"
 
+#include "foundation/Printing.h"
+
 #include <cerrno>
 #include <csignal>
 #include <cstring>
 #include <fcntl.h>
 #include <spawn.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
-#include <thread>
+#include <unistd.h>
+
+#include <QSocketNotifier>
+#include <QTimer>
+
+#include <algorithm>
+#include <memory>
 
 extern char** environ;
 
@@ -21,7 +30,8 @@ ScriptRunner::Outcome SpawnScriptRunner::outcome(int status) {
   return {false, "ended with wait status " + std::to_string(status)};
 }
 
-Result<> SpawnScriptRunner::start(const std::string& path, std::function<void(const Outcome&)> finished) {
+Result<> SpawnScriptRunner::start(const std::string& path, Seconds timeLimit,
+                                  std::function<void(const Outcome&)> finished) {
   posix_spawn_file_actions_t actions;
   posix_spawn_file_actions_init(&actions);
   for (int descriptor : {0, 1, 2}) {
@@ -45,16 +55,38 @@ Result<> SpawnScriptRunner::start(const std::string& path, std::function<void(co
   posix_spawnattr_destroy(&attributes);
   if (error != 0) return Failure{std::strerror(error)};
 
-  std::thread([pid, finished = std::move(finished)] {
-    int status = 0;
-    while (waitpid(pid, &status, 0) < 0) {
-      if (errno != EINTR) {
-        finished({false, std::string("could not wait for it: ") + std::strerror(errno)});
-        return;
-      }
-    }
-    finished(outcome(status));
-  }).detach();
+  const int pidfd = static_cast<int>(::syscall(SYS_pidfd_open, pid, 0));
+  if (pidfd < 0) {
+    const int openError = errno;
+    ::kill(-pid, SIGKILL);
+    ::waitpid(pid, nullptr, 0);
+    return Failure{std::string("cannot watch it: ") + std::strerror(openError)};
+  }
+  // The notifier owns the timers; whichever way the script ends, it goes.
+  auto* watch = new QSocketNotifier(pidfd, QSocketNotifier::Read, &context_);
+  auto timedOut = std::make_shared<bool>(false);
+  auto* limit = new QTimer(watch);
+  limit->setSingleShot(true);
+  QObject::connect(limit, &QTimer::timeout, watch, [watch, pid, timedOut] {
+    *timedOut = true;
+    ::kill(-pid, SIGTERM);
+    QTimer::singleShot(5000, watch, [pid] { ::kill(-pid, SIGKILL); });
+  });
+  QObject::connect(watch, &QSocketNotifier::activated, watch,
+                   [watch, pid, pidfd, timedOut, timeLimit, finished = std::move(finished)] {
+                     int status = 0;
+                     if (::waitpid(pid, &status, WNOHANG) != pid) return;
+                     watch->setEnabled(false);
+                     ::close(pidfd);
+                     watch->deleteLater();
+                     auto result = outcome(status);
+                     if (*timedOut) {
+                       result.description = "ended after running longer than " + pxrDescribeDouble(timeLimit.count()) +
+                                            " s (" + result.description + ")";
+                     }
+                     finished(result);
+                   });
+  limit->start(static_cast<int>(std::min(timeLimit.count(), 86'400.0) * 1000));
   return {};
 }
 

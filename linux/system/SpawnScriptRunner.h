@@ -2,19 +2,26 @@
 
 #include "ports/ScriptRunner.h"
 
+#include <QObject>
+
 namespace lb {
 
 // Runs a script file directly with posix_spawn, never through a shell
 // command line: the kernel reads its first line. Standard input, output and
 // error are /dev/null, and the script has a process group of its own, so a
-// signal meant for Lanternbud's terminal does not reach it. A thread waits
-// for its end; nothing waits for that thread, and no script is killed.
+// signal meant for Lanternbud's terminal does not reach it. Its end is
+// watched through a pidfd on Qt's event loop (no thread a script, and no
+// reaping of other children); at its time limit its process group gets
+// SIGTERM, and SIGKILL five seconds later. Main thread.
 class SpawnScriptRunner final : public ScriptRunner {
 public:
-  Result<> start(const std::string& path, std::function<void(const Outcome&)> finished) override;
+  Result<> start(const std::string& path, Seconds timeLimit, std::function<void(const Outcome&)> finished) override;
 
   // "exited with status 3", "killed by signal 9"
   static Outcome outcome(int waitStatus);
+
+private:
+  QObject context_;
 };
 
 } // namespace lb

@@ -3,6 +3,7 @@
 #include "linux/xdg/XdgScriptsFolder.h"
 #include "tests/support/SimulatedPlatform.h"
 #include "tests/support/CapturedLog.h"
+#include "tests/support/PrivateBus.h"
 #include "tests/support/TemporaryDirectory.h"
 
 #include <gtest/gtest.h>
@@ -40,14 +41,10 @@ struct RealScripts {
   }
 };
 
-// Waits, within a bound, for a line that a script's end writes from the
-// runner's thread.
+// Waits, within a bound, for a line that a script's end writes, delivering
+// Qt's events (the runner watches scripts on the event loop).
 bool eventually(const test::CapturedLog& log, const std::string& text) {
-  for (int i = 0; i < 500; ++i) {
-    if (log.contains(text)) return true;
-    std::this_thread::sleep_for(std::chrono::milliseconds(10));
-  }
-  return false;
+  return test::waitUntil([&] { return log.contains(text); }, 10);
 }
 
 } // namespace
@@ -114,6 +111,28 @@ TEST(ScriptsOnLinux, AScriptThatKeepsRunningHoldsNothingUp) {
   EXPECT_EQ(getpgid(pid), pid); // a process group of its own
   kill(pid, SIGKILL);
   EXPECT_TRUE(eventually(log, "Starting to run script"));
+}
+
+TEST(ScriptsOnLinux, AScriptPastItsTimeLimitIsEndedWithWhatItStarted) {
+  test::CapturedLog log;
+  RealScripts r;
+  r.sim.defaults.setValue("ScriptTimeLimit", 0.5);
+  auto pidFile = r.home / "pid";
+  // A child of the script's own, which must end with it.
+  r.writeScript("1.connected", "#!/bin/sh\nsleep 60 &\necho $! > '" + pidFile.string() + "'\nwait\n",
+                std::filesystem::perms::owner_all);
+  r.setting->setRunShellScriptAfterConnected(true);
+  r.setting->runScript(ScriptType::connected);
+  EXPECT_TRUE(eventually(log, "Error running script <DeviceSetting: Keyboard>: ended after running longer than 0.5 s "
+                              "(killed by signal 15)"));
+  // Gone, or a zombie that its new parent has yet to reap.
+  const auto stat = "/proc/" + test::readFile(pidFile).substr(0, test::readFile(pidFile).find('\n')) + "/stat";
+  EXPECT_TRUE(test::waitUntil(
+      [&] {
+        auto text = test::readFile(stat);
+        return text.empty() || text.find(") Z ") != std::string::npos;
+      },
+      10));
 }
 
 TEST(ScriptsOnLinux, SavedScriptsAreOwnerOnlyWithLineFeeds) {
