@@ -259,8 +259,8 @@ TEST_F(ProgramTest, QuittingWhileAConnectStallsIsQuickAndSaves) {
   QElapsedTimer clock;
   clock.start();
   ::kill(static_cast<pid_t>(program->process().processId()), SIGHUP);
-  ASSERT_TRUE(program->process().waitForFinished(10000));
-  EXPECT_LT(clock.elapsed(), 3000);
+  ASSERT_TRUE(program->process().waitForFinished(20000));
+  EXPECT_LT(clock.elapsed(), 10000); // not the minute the call would take
   EXPECT_EQ(program->process().exitStatus(), QProcess::NormalExit);
   EXPECT_EQ(program->process().exitCode(), 0);
   EXPECT_EQ(nlohmann::json::parse(std::ifstream(program->settingsFile()))["devices"].size(), 3u);

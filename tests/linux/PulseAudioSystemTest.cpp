@@ -84,10 +84,14 @@ TEST_F(PulseAudioTest, ADeviceThatComesAndGoesKeepsItsIDAndIsTold) {
   pulse.loadBluetoothSink("headset", headsetAddress, "WH Headset");
   EXPECT_TRUE(test::eventually([&] { return find("WH Headset") == headset; }));
   EXPECT_TRUE(test::eventually([&] { return told >= 1; }));
-  std::this_thread::sleep_for(std::chrono::milliseconds(200)); // the load's last events
+  // The load's last events, however slow the machine: until a quiet spell.
+  for (int before = -1, spells = 0; before != told && spells < 20; ++spells) {
+    before = told;
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+  }
   const int beforeVolume = told;
   pulse.pactl("set-sink-volume builtin 40%");
-  std::this_thread::sleep_for(std::chrono::milliseconds(200));
+  std::this_thread::sleep_for(std::chrono::milliseconds(300));
   EXPECT_EQ(told, beforeVolume);
   audio->setChangeHandler({});
 }
@@ -115,7 +119,7 @@ TEST(PulseAudioAway, NoServerMeansNoDevicesAndAFewAttempts) {
   test::TemporaryDirectory folder;
   auto started = std::chrono::steady_clock::now();
   auto audio = std::make_unique<PulseAudioSystem>("unix:" + (folder / "none").string());
-  EXPECT_LT(std::chrono::steady_clock::now() - started, std::chrono::seconds(3));
+  EXPECT_LT(std::chrono::steady_clock::now() - started, std::chrono::seconds(10)); // it ends at all
   EXPECT_FALSE(audio->isConnected());
   EXPECT_TRUE(audio->deviceIDs().empty());
   EXPECT_TRUE(log.contains("No sound server answers"));
