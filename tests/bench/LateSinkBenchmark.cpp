@@ -4,8 +4,7 @@
 // client of the same server sees it, from the sink's arrival to it becoming
 // the default (target under 50 ms).   late_sink_benchmark [rounds]   (default 10)
 #include "linux/audio/PulseAudioSystem.h"
-#include "tests/support/PrivateBus.h"
-#include "tests/support/PulseServer.h"
+#include "tests/bench/ProgramServices.h"
 #include "tests/support/RunningProgram.h"
 
 #include <QCoreApplication>
@@ -31,17 +30,9 @@ std::optional<AudioDeviceID> sinkOf(const PulseAudioSystem& audio) {
 int main(int argc, char** argv) {
   QCoreApplication application(argc, argv);
   const int rounds = argc > 1 ? std::atoi(argv[1]) : 10;
-  test::PrivateBus system;
-  test::PrivateBus session(test::PrivateBus::Kind::session);
-  test::PulseServer pulse;
-  if (system.skipReason().empty()) system.startBluez();
-  for (const auto* reason : {&system.skipReason(), &session.skipReason(), &pulse.skipReason()}) {
-    if (!reason->empty()) {
-      std::fprintf(stderr, "cannot run: %s\n", reason->c_str());
-      return 1;
-    }
-  }
-  system.bluez("/", "org.bluez.Mock", "AddAdapter", {"hci0", "benchmark"});
+  test::ProgramServices services;
+  if (!services.ready()) return 1;
+  auto& [system, session, pulse] = services;
   system.bluez("/", "org.bluez.Mock", "AddDevice", {"hci0", address, "Headset"});
   system.bluez("/", "org.bluez.Mock", "PairDevice", {"hci0", address, 0x240404});
   pulse.pactl("set-default-sink builtin"); // the user's choice, which the server keeps

@@ -4,8 +4,7 @@
 // start, and while idle the D-Bus messages it sends and its requests to the
 // sound server. Prints the figures; the targets are 0, 0 and under 15 MB.
 //   program_idle_benchmark [seconds]   (default 60)
-#include "tests/support/PrivateBus.h"
-#include "tests/support/PulseServer.h"
+#include "tests/bench/ProgramServices.h"
 #include "tests/support/RunningProgram.h"
 
 #include <QCoreApplication>
@@ -50,20 +49,9 @@ long loggedRequests(const std::string& log, const std::string& before) {
 int main(int argc, char** argv) {
   QCoreApplication application(argc, argv);
   const double seconds = argc > 1 ? std::atof(argv[1]) : 60;
-  test::PrivateBus system;
-  test::PrivateBus session(test::PrivateBus::Kind::session);
-  test::PulseServer pulse;
-  for (const auto* reason : {&system.skipReason(), &session.skipReason(), &pulse.skipReason()}) {
-    if (!reason->empty()) {
-      std::fprintf(stderr, "cannot run: %s\n", reason->c_str());
-      return 1;
-    }
-  }
-  if (!system.startBluez()) {
-    std::fprintf(stderr, "cannot run: %s\n", system.skipReason().c_str());
-    return 1;
-  }
-  system.bluez("/", "org.bluez.Mock", "AddAdapter", {"hci0", "benchmark"});
+  test::ProgramServices services;
+  if (!services.ready()) return 1;
+  auto& [system, session, pulse] = services;
   std::string devices;
   for (int i = 0; i < 10; ++i) {
     auto address = QString("00:11:22:33:44:%1").arg(i, 2, 10, QChar('0'));
