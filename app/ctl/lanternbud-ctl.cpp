@@ -151,13 +151,12 @@ int show(ProgramClient& client, const QString& path) {
 int request(ProgramClient& client, const QString& path, const std::string& command, bool wait) {
   const auto name = client.property(path, "Name").toString().toStdString();
   client.watch(path);
-  const bool before = client.property(path, "Connected").toBool();
   const QString method = command == "connect" ? "Connect" : command == "disconnect" ? "Disconnect" : "Toggle";
   auto reply = client.device(path, method);
   if (reply.type() == QDBusMessage::ErrorMessage) return fail(failed, reply.errorMessage().toStdString());
   const auto outcome = reply.arguments().value(0).toString();
-  if (outcome == "unchanged") {
-    std::cout << name << " is already " << (before ? "connected" : "disconnected") << ".\n";
+  if (outcome == "unchanged") { // only a connect or a disconnect finds nothing to do
+    std::cout << name << " is already " << (command == "connect" ? "connected" : "disconnected") << ".\n";
     return ok;
   }
   if (outcome == "settingOutput") {
