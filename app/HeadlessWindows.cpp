@@ -1,6 +1,7 @@
 #include "app/HeadlessWindows.h"
 
 #include "core/LogAreas.h"
+#include "ports/StatusBar.h"
 
 #include <QCoreApplication>
 #include <QMetaObject>
@@ -10,6 +11,11 @@ namespace lb {
 bool HeadlessWindows::showPreferences() {
   PXR_LOG(trayLog(), "The preferences window would open here; lanternbud-ctl lists and drives the devices.");
   return false;
+}
+
+bool HeadlessWindows::showLandingPopover(StatusItem& item) {
+  return item.showMessage("Lanternbud is in your tray",
+                          "Click a device's icon to connect or disconnect it. Right-click it for its menu.");
 }
 
 // Queued: the caller finishes its work before the loop ends.

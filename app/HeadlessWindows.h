@@ -4,12 +4,14 @@
 
 namespace lb {
 
-// Windows until there is a window toolkit: the preferences cannot be shown,
-// and a termination request ends Qt's event loop.
+// Windows until the preferences window exists: it cannot be shown, and a
+// termination request ends Qt's event loop.
 class HeadlessWindows final : public Windows {
 public:
   bool showPreferences() override;
-  bool showLandingPopover(StatusItem&) override { return false; }
+  // The welcome is a message from the first item, which most trays show as
+  // a desktop notification.
+  bool showLandingPopover(StatusItem& item) override;
   void setActivationPolicy(ActivationPolicy) override {}
   void terminate() override;
 };

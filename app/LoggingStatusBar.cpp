@@ -16,23 +16,32 @@ public:
   void setAccessibilityLabel(const std::optional<std::string>& label) override {
     if (label) name_ = "Tray item \"" + *label + "\"";
   }
-  void setAppearance(const StatusItemAppearance& appearance) override {
-    if (shown_ == appearance) return;
-    shown_ = appearance;
-    PXR_LOG(trayLog(), name_, "shows", appearance.iconName, appearance.connected ? "connected" : "disconnected");
+  void setImage(std::shared_ptr<Image> image) override { image_ = std::move(image); }
+  std::shared_ptr<Image> image() const override { return image_; }
+  // The tool tip says what the picture shows.
+  void setToolTip(const std::optional<std::string>& text) override {
+    if (toolTip_ == text) return;
+    toolTip_ = text;
+    PXR_LOG(trayLog(), name_, "shows", text.value_or("nothing"));
   }
   void setBusy(bool busy) override {
     if (busy_ == busy) return;
     busy_ = busy;
     PXR_LOG(trayLog(), name_, busy ? "spins" : "stops spinning");
   }
+  void setMenu(std::vector<StatusMenuEntry>) override {}
   void popUpMenu() override { PXR_LOG(trayLog(), name_, "opens its menu"); }
   // Nobody can click an item that is only written to the log.
   void setClickHandler(ClickHandler) override {}
+  bool showMessage(const std::string& title, const std::string& text) override {
+    PXR_LOG(trayLog(), name_, "says", title + ":", text);
+    return true;
+  }
 
 private:
   std::string name_;
-  std::optional<StatusItemAppearance> shown_;
+  std::shared_ptr<Image> image_;
+  std::optional<std::string> toolTip_;
   bool busy_ = false;
 };
 

@@ -1,5 +1,10 @@
 #include "app/Platform.h"
 
+#include "app/LoggingAlerts.h"
+#include "app/LoggingStatusBar.h"
+#include "ui/DialogAlerts.h"
+#include "ui/TrayStatusBar.h"
+
 #include "linux/bluez/BluezBluetooth.h"
 #include "linux/battery/LinuxBatterySources.h"
 #include "linux/audio/PulseAudioSystem.h"
@@ -12,18 +17,31 @@
 namespace lb {
 
 namespace {
-const std::string helpFolder = LANTERNBUD_HELP_DIR;
+// Installed beside the program, else in the source tree it was built from.
+std::vector<std::filesystem::path> helpFolders() {
+  const std::filesystem::path program = QCoreApplication::applicationDirPath().toStdString();
+  return {program.parent_path() / "share/lanternbud/help", LANTERNBUD_HELP_DIR};
 }
+} // namespace
 
-Platform::Platform(UserDefaults& defaults, Tunables& tunables, std::string backend, std::filesystem::path scriptsFolder)
-    : defaults_(defaults), tunables_(tunables), backend_(std::move(backend)), alerts_(helpFolder),
-      scriptsFolder_(std::move(scriptsFolder)) {}
+Platform::Platform(UserDefaults& defaults, Tunables& tunables, std::string backend, std::filesystem::path scriptsFolder,
+                   bool tray)
+    : defaults_(defaults), tunables_(tunables), backend_(std::move(backend)), scriptsFolder_(std::move(scriptsFolder)) {
+  if (tray) {
+    statusBar_ = std::make_unique<TrayStatusBar>([&tunables] { return tunables(tunable::TrayIconColor); });
+    alerts_ = std::make_unique<DialogAlerts>(helpFolders());
+  } else {
+    statusBar_ = std::make_unique<LoggingStatusBar>();
+    alerts_ = std::make_unique<LoggingAlerts>(helpFolders().back().string());
+  }
+}
 
 Platform::~Platform() = default;
 
-std::unique_ptr<Platform> Platform::real(UserDefaults& defaults, Tunables& tunables, const std::string& helperPath) {
+std::unique_ptr<Platform> Platform::real(UserDefaults& defaults, Tunables& tunables, const std::string& helperPath,
+                                         bool tray) {
   std::unique_ptr<Platform> platform(
-      new Platform(defaults, tunables, "Using BlueZ on the system bus", XdgScriptsFolder::defaultFolder()));
+      new Platform(defaults, tunables, "Using BlueZ on the system bus", XdgScriptsFolder::defaultFolder(), tray));
   auto system = QDBusConnection::systemBus();
   auto bluez = std::make_unique<BluezBluetooth>(system);
   auto& bluetooth = *bluez;
@@ -37,9 +55,9 @@ std::unique_ptr<Platform> Platform::real(UserDefaults& defaults, Tunables& tunab
   return platform;
 }
 
-std::unique_ptr<Platform> Platform::demo(UserDefaults& defaults, Tunables& tunables) {
+std::unique_ptr<Platform> Platform::demo(UserDefaults& defaults, Tunables& tunables, bool tray) {
   std::unique_ptr<Platform> platform(new Platform(defaults, tunables, "Using simulated devices",
-                                                  XdgDirectories::dataHome() / "lanternbud/Demo Scripts"));
+                                                  XdgDirectories::dataHome() / "lanternbud/Demo Scripts", tray));
   platform->demo_ = std::make_unique<DemoWorld>(platform->loop_);
   platform->loginItems_ = std::make_unique<SimLoginItems>();
   auto& demo = *platform->demo_;
@@ -58,10 +76,10 @@ void Platform::wire(Bluetooth& bluetooth, AudioSystem& audio, BatterySources& ba
   inputDeviceManager_ = std::make_unique<InputDeviceManager>(*audioHardware_, tunables_, loop_);
   batteryInfo_ = std::make_unique<BatteryInfo>(batterySources, tunables_, loop_, loop_.now());
   deviceInfoCache_ = std::make_unique<DeviceInfoCache>(loop_, 1000, tunables_(tunable::DeviceInfoStalenessInterval));
-  services_ = std::make_unique<Services>(Services{loop_, bluetooth, statusBar_, windows_, shortcuts_, loginItems,
-                                                  scriptsFolder_, scriptRunner_, collator_, alerts_, operatingSystem_,
-                                                  defaults_, tunables_, *outputDeviceManager_, *inputDeviceManager_,
-                                                  *batteryInfo_, *deviceInfoCache_});
+  services_ = std::make_unique<Services>(Services{loop_, bluetooth, *statusBar_, images_, windows_, shortcuts_,
+                                                  loginItems, scriptsFolder_, scriptRunner_, collator_, *alerts_,
+                                                  operatingSystem_, defaults_, tunables_, *outputDeviceManager_,
+                                                  *inputDeviceManager_, *batteryInfo_, *deviceInfoCache_});
 }
 
 } // namespace lb

@@ -2,8 +2,6 @@
 
 #include "app/DemoWorld.h"
 #include "app/HeadlessWindows.h"
-#include "app/LoggingAlerts.h"
-#include "app/LoggingStatusBar.h"
 #include "app/UnboundShortcuts.h"
 #include "core/Services.h"
 #include "linux/system/IcuNameCollator.h"
@@ -12,6 +10,7 @@
 #include "linux/system/SpawnScriptRunner.h"
 #include "linux/battery/UPowerRegistry.h"
 #include "linux/xdg/XdgScriptsFolder.h"
+#include "ui/SvgImages.h"
 
 #include <memory>
 #include <string>
@@ -25,11 +24,14 @@ class PulseAudioSystem;
 // way the event loop is Qt's and scripts are real files and processes.
 class Platform {
 public:
+  // With `tray`, the devices show in the desktop's tray and alerts are
+  // dialogs; without, both only go to the log.
   // BlueZ on the system bus, UPower, libpulse, the XDG autostart entry.
-  static std::unique_ptr<Platform> real(UserDefaults& defaults, Tunables& tunables, const std::string& helperPath);
+  static std::unique_ptr<Platform> real(UserDefaults& defaults, Tunables& tunables, const std::string& helperPath,
+                                        bool tray);
   // Simulated devices; scripts live in a folder of their own and start at
   // login is never touched.
-  static std::unique_ptr<Platform> demo(UserDefaults& defaults, Tunables& tunables);
+  static std::unique_ptr<Platform> demo(UserDefaults& defaults, Tunables& tunables, bool tray);
 
   Platform(const Platform&) = delete;
   Platform& operator=(const Platform&) = delete;
@@ -46,17 +48,19 @@ public:
   std::optional<std::uint64_t> soundServerRequests() const;
 
 private:
-  Platform(UserDefaults& defaults, Tunables& tunables, std::string backend, std::filesystem::path scriptsFolder);
+  Platform(UserDefaults& defaults, Tunables& tunables, std::string backend, std::filesystem::path scriptsFolder,
+           bool tray);
   void wire(Bluetooth& bluetooth, AudioSystem& audio, BatterySources& batterySources, LoginItems& loginItems);
 
   UserDefaults& defaults_;
   Tunables& tunables_;
   std::string backend_;
   QtEventLoop loop_;
-  LoggingStatusBar statusBar_;
+  std::unique_ptr<StatusBar> statusBar_;
+  SvgImages images_;
   HeadlessWindows windows_;
   UnboundShortcuts shortcuts_;
-  LoggingAlerts alerts_;
+  std::unique_ptr<Alerts> alerts_;
   IcuNameCollator collator_;
   LinuxOperatingSystem operatingSystem_;
   XdgScriptsFolder scriptsFolder_;

@@ -8,8 +8,11 @@
 #include "linux/battery/PropertyList.h"
 #include "scripting/ScriptingService.h"
 #include "linux/system/TerminationSignals.h"
+#include "ui/DesktopNotification.h"
+#include "ui/TrayHost.h"
 
 #include <QCoreApplication>
+#include <QGuiApplication>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 
@@ -53,6 +56,21 @@ int reopenRunningInstance(QDBusConnection& session) {
   return 0;
 }
 
+// The tray the desktop offers, said in the log; without one, said to the
+// user in every way left.
+bool findTray(const QDBusConnection& session, Tunables& tunables) {
+  const bool display = qobject_cast<QGuiApplication*>(QCoreApplication::instance()) != nullptr &&
+                       QGuiApplication::platformName() != "offscreen";
+  const auto host = display ? TrayHost::find(session, tunables(tunable::TrayHostWaitInterval)) : TrayHost::Kind::none;
+  PXR_LOG(launchLog(), "Tray:", TrayHost::describe(host));
+  if (host != TrayHost::Kind::none) return true;
+  const auto advice = TrayHost::missingAdvice(display);
+  pxrLogError(advice);
+  std::cerr << "lanternbud: " << advice << "\n";
+  if (session.isConnected()) sendDesktopNotification(session, "Lanternbud has no tray icons", advice);
+  return false;
+}
+
 } // namespace
 
 int Program::runApplication(UserDefaults& defaults, Tunables& tunables, bool demo, const std::string& helperPath) {
@@ -71,7 +89,9 @@ int Program::runApplication(UserDefaults& defaults, Tunables& tunables, bool dem
     return reopenRunningInstance(session);
   }
 
-  auto platform = demo ? Platform::demo(defaults, tunables) : Platform::real(defaults, tunables, helperPath);
+  const bool tray = findTray(session, tunables);
+  auto platform = demo ? Platform::demo(defaults, tunables, tray)
+                       : Platform::real(defaults, tunables, helperPath, tray);
   PXR_LOG(launchLog(), platform->backend());
   AppDelegate app(platform->services());
   app.applicationDidFinishLaunching();

@@ -6,11 +6,12 @@
 #include "foundation/JsonSettingsStore.h"
 #include "linux/logging/LinuxLogger.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 
 #include <algorithm>
 #include <filesystem>
 #include <iostream>
+#include <memory>
 #include <optional>
 
 namespace {
@@ -72,8 +73,22 @@ int main(int argc, char** argv) {
     std::cerr << "lanternbud: " << *problem << "\n\n" << usage;
     return 2;
   }
-  QCoreApplication qt(argc, argv);
   const bool demo = has(words, "--demo");
+  // The tray needs a display; without one (a service, a test) the program
+  // runs all the same, its tray only in the log.
+  const bool display = !commandLine.contains("PrintBatteryInfo") &&
+                       (!qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"));
+  std::unique_ptr<QCoreApplication> qt;
+  if (display) {
+    // A display that cannot be reached leaves the program without a tray,
+    // not aborted.
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "xcb;wayland;offscreen");
+    auto application = std::make_unique<QApplication>(argc, argv);
+    application->setQuitOnLastWindowClosed(false); // a closed dialog does not end a tray program
+    qt = std::move(application);
+  } else {
+    qt = std::make_unique<QCoreApplication>(argc, argv);
+  }
   const auto helperPath = QCoreApplication::applicationDirPath().toStdString() + "/LanternbudHelperTool";
 
   const auto settingsFile = lb::JsonSettingsStore::defaultFile();

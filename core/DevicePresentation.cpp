@@ -78,25 +78,31 @@ std::optional<std::string> DevicePresentation::toolTipString() {
   return text;
 }
 
-std::optional<StatusItemAppearance> DevicePresentation::appearance() {
-  const auto connected = owner_.isConnected();
-  if (!connected) return std::nullopt;
-  StatusItemAppearance shown;
-  shown.iconName = std::string(rawValue(owner_.icon()));
-  shown.toolTip = toolTipString();
+std::shared_ptr<Image> DevicePresentation::image(bool connected) {
   const double fraction = tunables_(tunable::NotAudioOutputFraction);
-  const bool fixing = owner_.outputFixer().isRetrying();
-  if (fixing && tunables_(tunable::ChangeIconWhileFixingAudioOutput)) {
-    shown.refreshSymbol = true;
-    shown.connected = *connected;
-    return shown;
+  if (owner_.outputFixer().isRetrying()) {
+    if (!tunables_(tunable::ChangeIconWhileFixingAudioOutput)) return buttonImage(fraction);
+    auto symbol = images_.named(connected ? "refresh-freestanding" : "refresh");
+    if (symbol) symbol->setTemplate(true);
+    return symbol;
   }
-  if (!fixing && !*connected) return shown; // the outline picture
-  // The connected picture, also while fixing, dimmed unless it is the output.
-  shown.connected = true;
-  if (fixing || isNotTheOutput(true)) shown.opacity = fraction;
-  if (owner_.showBatteryLevel()) shown.batteryLevel = batteryLevel();
-  return shown;
+  if (!connected) return disconnectedImage();
+  return buttonImage(isNotTheOutput(true) ? fraction : 1.0);
 }
+
+std::shared_ptr<Image> DevicePresentation::buttonImage(double fraction) {
+  if (owner_.showBatteryLevel()) {
+    if (auto level = batteryLevel()) return lb::image(images_, owner_.icon(), *level, fraction);
+  }
+  return lb::connectedImage(images_, owner_.icon(), fraction);
+}
+
+std::shared_ptr<Image> DevicePresentation::disconnectedImage() {
+  auto outline = images_.named(std::string(rawValue(owner_.icon())));
+  if (outline) outline->setTemplate(true);
+  return outline;
+}
+
+std::shared_ptr<Image> DevicePresentation::connectedImage() { return lb::connectedImage(images_, owner_.icon()); }
 
 } // namespace lb

@@ -1,9 +1,10 @@
 #pragma once
 
 #include "core/BatteryInfo.h"
+#include "core/MenuBarIconOption.h"
 #include "core/Services.h"
 #include "core/Tunables.h"
-#include "ports/StatusBar.h"
+#include "ports/Images.h"
 
 #include <optional>
 #include <string>
@@ -23,8 +24,9 @@ enum class BatteryReading { ifStale, lastKnown };
 class DevicePresentation {
 public:
   DevicePresentation(DeviceSetting& owner, const Tunables& tunables, BatteryInfo& batteryInfo,
-                     DeviceInfoCache& deviceInfoCache)
-      : owner_(owner), tunables_(tunables), batteryInfo_(batteryInfo), deviceInfoCache_(deviceInfoCache) {}
+                     DeviceInfoCache& deviceInfoCache, Images& images)
+      : owner_(owner), tunables_(tunables), batteryInfo_(batteryInfo), deviceInfoCache_(deviceInfoCache),
+        images_(images) {}
 
   // The device's information, reused for "DeviceInfoStalenessInterval".
   std::optional<SettingsValue::Dictionary> deviceCachedInfo(BatteryReading reading = BatteryReading::ifStale);
@@ -40,9 +42,16 @@ public:
   // The status and, while connected, the battery, on two lines.
   std::optional<std::string> toolTipString();
 
-  // The tray picture for the observed state; none while the connection is
-  // not yet known.
-  std::optional<StatusItemAppearance> appearance();
+  // The tray picture for a device known to be connected or not: the
+  // outline while disconnected; the filled one, dimmed while it is not the
+  // sound output, with the battery gauge when asked for; while the output
+  // is being fixed, dimmed or the refresh symbol. None for missing artwork.
+  std::shared_ptr<Image> image(bool connected);
+  // The filled picture at that opacity, with the gauge when asked for.
+  std::shared_ptr<Image> buttonImage(double fraction);
+  // The outline picture, and the filled one.
+  std::shared_ptr<Image> disconnectedImage();
+  std::shared_ptr<Image> connectedImage();
 
 private:
   // Connected but could be, and is not, the sound output.
@@ -52,6 +61,7 @@ private:
   const Tunables& tunables_;
   BatteryInfo& batteryInfo_;
   DeviceInfoCache& deviceInfoCache_;
+  Images& images_;
 };
 
 } // namespace lb

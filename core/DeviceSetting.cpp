@@ -12,8 +12,8 @@ DeviceSetting::DeviceSetting(Services& services, SettingsValue::Dictionary optio
                   services.inputDeviceManager),
       tracker_(*this, services.loop, services.tunables, services.bluetooth, services.outputDeviceManager,
                services.inputDeviceManager, services.deviceInfoCache),
-      presentation_(*this, services.tunables, services.batteryInfo, services.deviceInfoCache),
-      statusItem_(*this, services.statusBar, services.shortcuts, services.tunables) {}
+      presentation_(*this, services.tunables, services.batteryInfo, services.deviceInfoCache, services.images),
+      statusItem_(*this, services.statusBar, services.windows, services.shortcuts, services.tunables) {}
 
 std::shared_ptr<DeviceSetting> DeviceSetting::make(Services& services, SettingsValue::Dictionary options,
                                                    DeviceSettingManager* registry) {

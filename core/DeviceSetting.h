@@ -161,6 +161,11 @@ public:
   // current value does nothing. The change itself follows later.
   void setScriptingIsConnected(bool connected);
   std::string scriptingStatus() { return statusString().value_or(""); }
+  // PNG data, empty when missing: the picture the tray item shows now, the
+  // outline picture and the filled one.
+  std::vector<unsigned char> scriptingIconData() const;
+  std::vector<unsigned char> scriptingDisconnectedIconData() { return pngOf(presentation_.disconnectedImage()); }
+  std::vector<unsigned char> scriptingConnectedIconData() { return pngOf(presentation_.connectedImage()); }
 
   OutputFixer& outputFixer() { return outputFixer_; }
   ConnectionControl& connection() { return connection_; }
@@ -174,6 +179,9 @@ private:
   void start();
   // `wanted` none: the other state.
   ConnectionOutcome request(std::optional<bool> wanted, const std::optional<StatusItemClick>& click = std::nullopt);
+  static std::vector<unsigned char> pngOf(const std::shared_ptr<Image>& image) {
+    return image ? image->png() : std::vector<unsigned char>{};
+  }
   std::optional<std::string> storedAddress() const { return options_.value<std::string>(deviceOption::device); }
 
   Bluetooth& bluetooth_;

@@ -20,6 +20,10 @@ bool DeviceSetting::scriptingIsConnected() const {
   return found && found->isConnected();
 }
 
+std::vector<unsigned char> DeviceSetting::scriptingIconData() const {
+  return statusItem() ? pngOf(statusItem()->image()) : std::vector<unsigned char>{};
+}
+
 void DeviceSetting::setScriptingIsConnected(bool connected) {
   if (scriptingIsConnected() != connected) toggleConnection();
 }

@@ -2,6 +2,7 @@
 
 #include "core/DeviceSetting.h"
 #include "core/LogAreas.h"
+#include "core/Texts.h"
 
 namespace lb {
 
@@ -9,6 +10,7 @@ void DeviceStatusItem::create() {
   const double length = tunables_(tunable::StatusItemLength, statusBar_.thickness() + 5.0);
   item_ = statusBar_.createStatusItem(length);
   item_->setAccessibilityLabel(owner_.deviceName());
+  item_->setMenu(deviceMenu());
   item_->setClickHandler([weak = owner_.weak_from_this()](const StatusItemClick& click) {
     if (auto self = weak.lock()) self->toggleConnection(click);
   });
@@ -34,13 +36,14 @@ void DeviceStatusItem::update() {
     PXR_LOG(iconLog(), "Showing progress instead:", owner_.description());
     return;
   }
-  auto appearance = owner_.presentation().appearance();
-  if (!appearance) {
+  const auto connected = owner_.isConnected();
+  if (!connected) {
     PXR_LOG(iconLog(), "isConnected is nil:", owner_.description());
     return;
   }
-  iconLog()([&] { return "Drawing isConnected " + pxrDescribe(owner_.isConnected()) + ": " + owner_.description(); });
-  item_->setAppearance(*appearance);
+  iconLog()([&] { return "Drawing isConnected " + pxrDescribe(*connected) + ": " + owner_.description(); });
+  item_->setImage(owner_.presentation().image(*connected));
+  item_->setToolTip(owner_.toolTipString());
 }
 
 void DeviceStatusItem::startProgress() {
@@ -64,6 +67,23 @@ bool DeviceStatusItem::shouldShowMenu(const StatusItemClick& click) const {
   if (connected != true) return false;
   if (output != false) return true;
   return potential != true;
+}
+
+std::vector<StatusMenuEntry> DeviceStatusItem::deviceMenu() {
+  // The texts are read as the menu opens, by then perhaps after the device.
+  auto weak = owner_.weak_from_this();
+  auto status = [weak] {
+    auto self = weak.lock();
+    return self ? self->statusString().value_or(self->deviceNameOrUnknown()) : std::string();
+  };
+  auto battery = [weak] {
+    auto self = weak.lock();
+    return self ? self->batteryLevelString() : std::string();
+  };
+  auto text = [](const char* key) { return [title = localized(key)] { return title; }; };
+  return {{status, {}}, {battery, {}},
+          {},           {text("Settings…"), [&windows = windows_] { windows.showPreferences(); }},
+          {},           {text("Quit"), [&windows = windows_] { windows.terminate(); }}};
 }
 
 void DeviceStatusItem::popUpMenu() {

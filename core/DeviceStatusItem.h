@@ -3,6 +3,7 @@
 #include "core/Tunables.h"
 #include "ports/ShortcutBinder.h"
 #include "ports/StatusBar.h"
+#include "ports/Windows.h"
 
 #include <memory>
 
@@ -10,19 +11,20 @@ namespace lb {
 
 class DeviceSetting;
 
-// A device's item in the tray and its keyboard shortcut: creating and
-// removing them, drawing the picture core chose, the spinner while a
-// connection is made, and which clicks open the menu. Main thread.
+// A device's item in the tray, its menu and its keyboard shortcut:
+// creating and removing them, showing the picture core chose, the spinner
+// while a connection is made, and which clicks open the menu. Main thread.
 class DeviceStatusItem {
 public:
-  DeviceStatusItem(DeviceSetting& owner, StatusBar& statusBar, ShortcutBinder& shortcuts, const Tunables& tunables)
-      : owner_(owner), statusBar_(statusBar), shortcuts_(shortcuts), tunables_(tunables) {}
+  DeviceStatusItem(DeviceSetting& owner, StatusBar& statusBar, Windows& windows, ShortcutBinder& shortcuts,
+                   const Tunables& tunables)
+      : owner_(owner), statusBar_(statusBar), windows_(windows), shortcuts_(shortcuts), tunables_(tunables) {}
 
   StatusItem* item() const { return item_.get(); }
   bool showsProgress() const { return showsProgress_; }
 
-  // Creates the item and binds the shortcut. Clicks and shortcut presses
-  // enter the device setting's toggle.
+  // Creates the item with its menu and binds the shortcut. Clicks and
+  // shortcut presses enter the device setting's toggle.
   void create();
   void remove();
 
@@ -39,8 +41,12 @@ public:
   void popUpMenu();
 
 private:
+  // The status line, the battery line, "Settings…" and "Quit".
+  std::vector<StatusMenuEntry> deviceMenu();
+
   DeviceSetting& owner_;
   StatusBar& statusBar_;
+  Windows& windows_;
   ShortcutBinder& shortcuts_;
   const Tunables& tunables_;
   std::unique_ptr<StatusItem> item_;

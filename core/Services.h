@@ -9,6 +9,7 @@
 #include "ports/Alerts.h"
 #include "ports/Bluetooth.h"
 #include "ports/EventLoop.h"
+#include "ports/Images.h"
 #include "ports/LoginItems.h"
 #include "ports/NameCollator.h"
 #include "ports/OperatingSystem.h"
@@ -30,6 +31,7 @@ struct Services {
   EventLoop& loop;
   Bluetooth& bluetooth;
   StatusBar& statusBar;
+  Images& images;
   Windows& windows;
   ShortcutBinder& shortcuts;
   LoginItems& loginItems;

@@ -110,6 +110,11 @@ inline const Tunable<double> NotAudioOutputFraction{"NotAudioOutputFraction", 0.
 // The default is the tray's icon size plus 5, which only the tray knows: the
 // read passes it in.
 inline const Tunable<double> StatusItemLength{"StatusItemLength", 0.0, once, {0, 1000}};
+// The colour of the tray's pictures ("white", "#303030"); empty follows the
+// desktop theme's text colour, which a tray host does not tell.
+inline const Tunable<std::string> TrayIconColor{"TrayIconColor", "", each};
+// How long a program started with the session waits for the panel's tray.
+inline const Tunable<Seconds> TrayHostWaitInterval{"TrayHostWaitInterval", Seconds(5.0), once, {0, 120}};
 inline const Tunable<Seconds> DeviceInfoStalenessInterval{
     "DeviceInfoStalenessInterval", Seconds(60.0), once, {0, 86400}};
 inline const Tunable<bool> DisableMontereyBatteryInfo{"DisableMontereyBatteryInfo", false, each};

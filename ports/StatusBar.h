@@ -1,36 +1,28 @@
 #pragma once
 
+#include "ports/Images.h"
+
 #include <functional>
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace lb {
-
-// What a device's tray item shows. Core decides it; the tray draws it.
-struct StatusItemAppearance {
-  std::string iconName; // the icon option's raw value
-  // The connected (filled) picture, else the outline one; with the refresh
-  // symbol, which of its two forms.
-  bool connected = false;
-  // Below 1 while connected but not the sound output, and while the output
-  // is being fixed.
-  double opacity = 1.0;
-  // The battery gauge beside the picture, when the user asked for it and a
-  // level is known.
-  std::optional<int> batteryLevel;
-  // A refresh symbol in place of the picture while the output is being fixed.
-  bool refreshSymbol = false;
-  std::optional<std::string> toolTip;
-
-  bool operator==(const StatusItemAppearance&) const = default;
-};
 
 // A click on a tray item: which button, and whether Control was held.
 struct StatusItemClick {
   enum class Button { left, right, middle };
   Button button = Button::left;
   bool control = false;
+};
+
+// An entry of a tray item's menu.
+struct StatusMenuEntry {
+  // Read each time the menu opens; an entry without one is a separator.
+  std::function<std::string()> title;
+  // What choosing the entry does; without one the entry is a line of text.
+  std::function<void()> action;
 };
 
 // One device's item in the tray; destroying it removes it from the tray.
@@ -40,13 +32,20 @@ public:
 
   virtual ~StatusItem() = default;
   virtual void setAccessibilityLabel(const std::optional<std::string>& label) = 0;
-  virtual void setAppearance(const StatusItemAppearance& appearance) = 0;
-  // While busy the item shows a spinner and takes no clicks.
+  // The picture core chose; none clears it.
+  virtual void setImage(std::shared_ptr<Image> image) = 0;
+  virtual std::shared_ptr<Image> image() const = 0;
+  virtual void setToolTip(const std::optional<std::string>& text) = 0;
+  // While busy the item shows a spinner in place of its picture.
   virtual void setBusy(bool busy) = 0;
-  // Opens the device's menu from the item.
+  // The menu the item opens; the tray host shows it on a right click.
+  virtual void setMenu(std::vector<StatusMenuEntry> entries) = 0;
+  // Opens the menu from the item, where the platform can place it.
   virtual void popUpMenu() = 0;
   // Where the item reports clicks; main thread.
   virtual void setClickHandler(ClickHandler handler) = 0;
+  // A passing message from the item; false when it cannot be shown.
+  virtual bool showMessage(const std::string& title, const std::string& text) = 0;
 };
 
 class StatusBar {

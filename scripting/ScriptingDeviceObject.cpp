@@ -4,9 +4,9 @@ namespace lb {
 
 namespace {
 QVariant text(const std::string& value) { return QString::fromStdString(value); }
-// Pictures come with the tray, which renders them; until then there are
-// none, which the interface gives as empty data.
-QVariant noPicture(DeviceSetting&, BatteryReading) { return QByteArray(); }
+QVariant bytes(const std::vector<unsigned char>& data) {
+  return QByteArray(reinterpret_cast<const char*>(data.data()), qsizetype(data.size()));
+}
 } // namespace
 
 const std::vector<ScriptingProperty>& ScriptingDeviceObject::properties() {
@@ -21,9 +21,11 @@ const std::vector<ScriptingProperty>& ScriptingDeviceObject::properties() {
       {"BatteryLevelString", "s",
        [](DeviceSetting& s, BatteryReading reading) { return text(s.batteryLevelString(reading)); }},
       {"IconName", "s", [](DeviceSetting& s, BatteryReading) { return text(s.scriptingIconName()); }},
-      {"IconData", "ay", noPicture},
-      {"DisconnectedIconData", "ay", noPicture},
-      {"ConnectedIconData", "ay", noPicture},
+      {"IconData", "ay", [](DeviceSetting& s, BatteryReading) { return bytes(s.scriptingIconData()); }},
+      {"DisconnectedIconData", "ay",
+       [](DeviceSetting& s, BatteryReading) { return bytes(s.scriptingDisconnectedIconData()); }},
+      {"ConnectedIconData", "ay",
+       [](DeviceSetting& s, BatteryReading) { return bytes(s.scriptingConnectedIconData()); }},
       {"Connected", "b", [](DeviceSetting& s, BatteryReading) { return QVariant(s.scriptingIsConnected()); },
        [](DeviceSetting& s, const QVariant& value) { s.setScriptingIsConnected(value.toBool()); }},
       {"Status", "s", [](DeviceSetting& s, BatteryReading) { return text(s.scriptingStatus()); }},

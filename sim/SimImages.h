@@ -3,6 +3,7 @@
 #include "ports/Images.h"
 
 #include <map>
+#include <sstream>
 
 namespace lb {
 
@@ -18,6 +19,7 @@ public:
     ImageSize size() const override { return dimensions; }
     void setTemplate(bool value) override { isTemplateImage = value; }
     bool isTemplate() const override { return isTemplateImage; }
+    std::vector<unsigned char> png() const override { return {}; } // no pixels here
   };
 
   std::shared_ptr<Image> named(const std::string& name) override {
@@ -33,6 +35,21 @@ public:
     image->dimensions = size;
     image->layers = layers;
     return image;
+  }
+
+  // What a picture is made of, for a test to compare: "keyboard", or for
+  // a composed one its layers, "headphones-fill@0.25+battery-8@0.25".
+  static std::string describe(const std::shared_ptr<Image>& image) {
+    auto sim = std::dynamic_pointer_cast<SimImage>(image);
+    if (!sim) return image ? "?" : "none";
+    if (!sim->name.empty()) return sim->name;
+    std::string text;
+    for (const auto& layer : sim->layers) {
+      std::ostringstream opacity;
+      opacity << layer.opacity;
+      text += (text.empty() ? "" : "+") + describe(layer.image) + "@" + opacity.str();
+    }
+    return text;
   }
 
   std::map<std::string, ImageSize> artwork;

@@ -14,10 +14,13 @@ public:
     SimStatusBar& bar;
     double length;
     std::optional<std::string> label;
-    std::optional<StatusItemAppearance> appearance;
+    std::shared_ptr<Image> shownImage;
+    std::optional<std::string> toolTip;
     int redraws = 0;
     bool busy = false;
+    std::vector<StatusMenuEntry> menu;
     int menuPopUps = 0;
+    std::vector<std::string> messages;
 
     Item(SimStatusBar& owner, double itemLength) : bar(owner), length(itemLength) {}
     ~Item() override {
@@ -25,13 +28,33 @@ public:
       if (bar.onRemove) bar.onRemove(*this);
     }
     void setAccessibilityLabel(const std::optional<std::string>& text) override { label = text; }
-    void setAppearance(const StatusItemAppearance& shown) override {
-      appearance = shown;
+    void setImage(std::shared_ptr<Image> image) override {
+      shownImage = std::move(image);
       ++redraws;
     }
+    std::shared_ptr<Image> image() const override { return shownImage; }
+    void setToolTip(const std::optional<std::string>& text) override { toolTip = text; }
     void setBusy(bool value) override { busy = value; }
+    void setMenu(std::vector<StatusMenuEntry> entries) override { menu = std::move(entries); }
     void popUpMenu() override { ++menuPopUps; }
     void setClickHandler(ClickHandler handler) override { onClick = std::move(handler); }
+    bool showMessage(const std::string& title, const std::string& text) override {
+      messages.push_back(title + ": " + text);
+      return true;
+    }
+
+    // The menu's titles as it opens, a separator as "-".
+    std::vector<std::string> openMenu() const {
+      std::vector<std::string> titles;
+      for (const auto& entry : menu) titles.push_back(entry.title ? entry.title() : "-");
+      return titles;
+    }
+    // Chooses the menu's entry with that title.
+    void choose(const std::string& title) const {
+      for (const auto& entry : menu) {
+        if (entry.title && entry.action && entry.title() == title) entry.action();
+      }
+    }
 
     // Plays a click on the item, as the user makes it.
     void click(StatusItemClick::Button button = StatusItemClick::Button::left, bool control = false) {

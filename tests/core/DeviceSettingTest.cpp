@@ -126,10 +126,20 @@ TEST_F(DeviceSettingTest, StatusItemSetUpAndRemoval) {
   EXPECT_EQ(item->label, "Keyboard");
   EXPECT_TRUE(sim.shortcuts.isBound("shortcutDictForDevice3"));
   EXPECT_EQ(sim.world.subscriptionCount(), 1u); // its disconnect notification
-  ASSERT_TRUE(item->appearance);
-  EXPECT_EQ(item->appearance->iconName, "keyboard");
-  EXPECT_FALSE(item->appearance->connected);
-  EXPECT_EQ(item->appearance->toolTip, "Keyboard - Disconnected.");
+  EXPECT_EQ(SimImages::describe(item->image()), "keyboard");
+  EXPECT_TRUE(item->image()->isTemplate());
+  EXPECT_EQ(item->toolTip, "Keyboard - Disconnected.");
+
+  // The menu's two lines are read as it opens.
+  using Lines = std::vector<std::string>;
+  EXPECT_EQ(item->openMenu(),
+            (Lines{"Keyboard - Disconnected", "Battery Level: Unknown", "-", "Settings…", "-", "Quit"}));
+  sim.world.setConnected("aa", true);
+  EXPECT_EQ(item->openMenu()[0], "Keyboard - Connected");
+  item->choose("Settings…");
+  EXPECT_EQ(sim.windows.preferencesShown, 1);
+  item->choose("Quit");
+  EXPECT_TRUE(sim.windows.terminationRequested);
 
   int redraws = item->redraws;
   setting->setIcon(MenuBarIconOption::keyboard);

@@ -3,6 +3,7 @@
 #include <QCoreApplication>
 #include <QDBusConnectionInterface>
 #include <QDBusReply>
+#include <QDBusVariant>
 #include <QElapsedTimer>
 #include <QVariantMap>
 
@@ -61,13 +62,10 @@ PrivateBus::PrivateBus(Kind kind) {
 
 PrivateBus::~PrivateBus() {
   killBluez();
-  if (upower_) {
-    upower_->kill();
-    upower_->waitForFinished(5000);
-  }
-  if (daemon_) {
-    daemon_->kill();
-    daemon_->waitForFinished(5000);
+  for (auto* process : {upower_.get(), watcher_.get(), daemon_.get()}) {
+    if (!process) continue;
+    process->kill();
+    process->waitForFinished(5000);
   }
 }
 
@@ -77,7 +75,7 @@ QDBusConnection PrivateBus::connect(const QString& name) {
   return QDBusConnection::connectToBus(QString::fromStdString(address_), name + "@" + QString::fromStdString(address_));
 }
 
-std::unique_ptr<QProcess> PrivateBus::startModel(const QStringList& template_, const QString& service,
+std::unique_ptr<QProcess> PrivateBus::startModel(const QStringList& arguments, const QString& service,
                                                  const std::string& what) {
   if (!std::filesystem::exists("/usr/lib/python3/dist-packages/dbusmock")) {
     skipReason_ = "python3-dbusmock is not installed (scripts/install-deps installs it)";
@@ -86,10 +84,12 @@ std::unique_ptr<QProcess> PrivateBus::startModel(const QStringList& template_, c
   auto model = std::make_unique<QProcess>();
   auto environment = QProcessEnvironment::systemEnvironment();
   environment.insert("DBUS_SYSTEM_BUS_ADDRESS", QString::fromStdString(address_));
+  environment.insert("DBUS_SESSION_BUS_ADDRESS", QString::fromStdString(address_));
   model->setProcessEnvironment(environment);
   model->setStandardOutputFile(QProcess::nullDevice());
-  // Debian's python3 with its dbusmock, whatever python3 comes first on PATH.
-  model->start("/usr/bin/python3", QStringList{"-m", "dbusmock", "--system", "--template"} + template_);
+  // Debian's python3 with its D-Bus modules, whatever python3 comes first on
+  // PATH.
+  model->start("/usr/bin/python3", arguments);
   if (!model->waitForStarted(5000) ||
       !waitUntil([&] { return control_->interface()->isServiceRegistered(service).value(); }, 30)) {
     skipReason_ = "python3-dbusmock's " + what + " model did not start";
@@ -99,12 +99,20 @@ std::unique_ptr<QProcess> PrivateBus::startModel(const QStringList& template_, c
 }
 
 bool PrivateBus::startBluez() {
-  bluez_ = startModel({LANTERNBUD_TEST_SUPPORT_DIR "/bluez_mock_template.py"}, "org.bluez", "BlueZ");
+  bluez_ = startModel(
+      {"-m", "dbusmock", "--system", "--template", LANTERNBUD_TEST_SUPPORT_DIR "/bluez_mock_template.py"}, "org.bluez",
+      "BlueZ");
   return bluez_ != nullptr;
 }
 
+bool PrivateBus::startStatusNotifierWatcher() {
+  watcher_ = startModel({LANTERNBUD_TEST_SUPPORT_DIR "/status_notifier_watcher.py"}, "org.kde.StatusNotifierWatcher",
+                        "StatusNotifierWatcher");
+  return watcher_ != nullptr;
+}
+
 bool PrivateBus::startUPower() {
-  upower_ = startModel({"upower"}, "org.freedesktop.UPower", "UPower");
+  upower_ = startModel({"-m", "dbusmock", "--system", "--template", "upower"}, "org.freedesktop.UPower", "UPower");
   return upower_ != nullptr;
 }
 
@@ -112,6 +120,15 @@ QDBusMessage PrivateBus::upower(const QString& method, const QVariantList& argum
   auto message = QDBusMessage::createMethodCall("org.freedesktop.UPower", path, "org.freedesktop.DBus.Mock", method);
   message.setArguments(arguments);
   return control_->call(message, QDBus::Block, 10000);
+}
+
+QStringList PrivateBus::statusNotifierItems() {
+  auto get = QDBusMessage::createMethodCall("org.kde.StatusNotifierWatcher", "/StatusNotifierWatcher",
+                                            "org.freedesktop.DBus.Properties", "Get");
+  get << "org.kde.StatusNotifierWatcher"
+      << "RegisteredStatusNotifierItems";
+  auto reply = control_->call(get, QDBus::Block, 5000);
+  return reply.arguments().value(0).value<QDBusVariant>().variant().toStringList();
 }
 
 void PrivateBus::killBluez() {

@@ -43,6 +43,11 @@ public:
   QDBusMessage bluez(const QString& path, const QString& interface, const QString& method,
                      const QVariantList& arguments = {});
 
+  // Starts a tray's StatusNotifierWatcher of our own, on a session bus.
+  bool startStatusNotifierWatcher();
+  // The tray items registered with it: each a bus name.
+  QStringList statusNotifierItems();
+
   // Starts python3-dbusmock's UPower model and waits for its name.
   bool startUPower();
   // A method of the UPower model's mock interface (AddDischargingBattery,
@@ -74,10 +79,12 @@ private:
   std::string address_;
   std::string skipReason_;
   std::unique_ptr<QProcess> daemon_;
-  std::unique_ptr<QProcess> startModel(const QStringList& template_, const QString& service, const std::string& what);
+  // Debian's python3 with these arguments, serving `service` on this bus.
+  std::unique_ptr<QProcess> startModel(const QStringList& arguments, const QString& service, const std::string& what);
 
   std::unique_ptr<QProcess> bluez_;
   std::unique_ptr<QProcess> upower_;
+  std::unique_ptr<QProcess> watcher_;
   std::unique_ptr<QDBusConnection> control_;
 };
 

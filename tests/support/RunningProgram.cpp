@@ -17,9 +17,16 @@ RunningProgram::RunningProgram(const PrivateBus* system, const PrivateBus& sessi
     environment_.insert(QString("XDG_%1_HOME").arg(QString(kind).toUpper()),
                         QString::fromStdString((home_ / kind).string()));
   }
+  environment_.remove("DISPLAY");
+  environment_.remove("WAYLAND_DISPLAY");
   program_.setProcessEnvironment(environment_);
   program_.setStandardOutputFile(QProcess::nullDevice());
   program_.setStandardErrorFile(QProcess::nullDevice());
+}
+
+void RunningProgram::setVariable(const QString& name, const QString& value) {
+  environment_.insert(name, value);
+  program_.setProcessEnvironment(environment_);
 }
 
 RunningProgram::~RunningProgram() {

@@ -24,6 +24,10 @@ public:
   RunningProgram(const PrivateBus* system, const PrivateBus& session, const std::string& pulseServer);
   ~RunningProgram();
 
+  // Sets a variable of the programs' environment; they run without a
+  // display unless given one.
+  void setVariable(const QString& name, const QString& value);
+
   std::filesystem::path settingsFile() const { return home_ / "config/lanternbud/settings.json"; }
   std::filesystem::path scriptsFolder() const { return home_ / "data/lanternbud/Scripts"; }
   std::filesystem::path stateFolder() const { return home_ / "state/lanternbud"; }

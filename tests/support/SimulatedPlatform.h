@@ -1,11 +1,13 @@
 #pragma once
 
+#include "core/MenuBarIconOption.h"
 #include "core/Services.h"
 #include "sim/InMemorySettingsStore.h"
 #include "sim/SimAlerts.h"
 #include "sim/SimAudioSystem.h"
 #include "sim/SimBatterySources.h"
 #include "sim/SimBluetooth.h"
+#include "sim/SimImages.h"
 #include "sim/SimLoginItems.h"
 #include "sim/SimOperatingSystem.h"
 #include "sim/SimScriptRunner.h"
@@ -23,7 +25,14 @@ namespace lb {
 // can use a real settings file.
 struct SimulatedPlatform {
   explicit SimulatedPlatform(SettingsStore& store, UserDefaults::Arguments arguments = {})
-      : defaults(store, std::move(arguments)), tunables(defaults) {}
+      : defaults(store, std::move(arguments)), tunables(defaults) {
+    for (const auto& each : allMenuBarIconOptions()) {
+      const std::string name(each.rawValue);
+      images.artwork[name] = images.artwork[name + "-fill"] = {22, 22};
+    }
+    for (int step = 0; step <= 10; ++step) images.artwork["battery-" + std::to_string(step)] = {8, 22};
+    images.artwork["refresh"] = images.artwork["refresh-freestanding"] = {22, 22};
+  }
 
   SimulatedPlatform(const SimulatedPlatform&) = delete;
   SimulatedPlatform& operator=(const SimulatedPlatform&) = delete;
@@ -41,6 +50,7 @@ struct SimulatedPlatform {
     return Services{real.loop ? *real.loop : loop,
                     real.bluetooth ? *real.bluetooth : bluetooth,
                     statusBar,
+                    images,
                     windows,
                     shortcuts,
                     loginItems,
@@ -63,6 +73,7 @@ struct SimulatedPlatform {
   SimBluetoothWorld world{loop};
   SimBluetooth bluetooth{world};
   SimStatusBar statusBar;
+  SimImages images; // every picture of the artwork, 22 points tall
   SimWindows windows;
   SimShortcutBinder shortcuts;
   SimLoginItems loginItems;

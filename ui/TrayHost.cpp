@@ -1,0 +1,78 @@
+#include "ui/TrayHost.h"
+
+#include <QDBusConnectionInterface>
+#include <QDBusServiceWatcher>
+#include <QEventLoop>
+#include <QGuiApplication>
+#include <QSystemTrayIcon>
+#include <QTimer>
+
+#include <xcb/xcb.h>
+
+#include <memory>
+
+namespace lb {
+
+namespace {
+
+const QString watcherName = "org.kde.StatusNotifierWatcher";
+
+bool hasWatcher(const QDBusConnection& session) {
+  return session.isConnected() && session.interface()->isServiceRegistered(watcherName);
+}
+
+// Whether an XEmbed tray owns its selection on the X display, asked of the
+// X server directly: asking Qt would fix its StatusNotifierItem choice now.
+bool hasXembedTray() {
+  auto* x11 = qGuiApp ? qGuiApp->nativeInterface<QNativeInterface::QX11Application>() : nullptr;
+  if (!x11) return false;
+  auto* connection = x11->connection();
+  const char name[] = "_NET_SYSTEM_TRAY_S0";
+  std::unique_ptr<xcb_intern_atom_reply_t, decltype(&free)> atom(
+      xcb_intern_atom_reply(connection, xcb_intern_atom(connection, 1, sizeof name - 1, name), nullptr), &free);
+  if (!atom || atom->atom == XCB_NONE) return false;
+  std::unique_ptr<xcb_get_selection_owner_reply_t, decltype(&free)> owner(
+      xcb_get_selection_owner_reply(connection, xcb_get_selection_owner(connection, atom->atom), nullptr), &free);
+  return owner && owner->owner != XCB_NONE;
+}
+
+bool awaitWatcher(const QDBusConnection& session, Seconds wait) {
+  if (!session.isConnected() || wait.count() <= 0) return false;
+  QDBusServiceWatcher watcher(watcherName, session, QDBusServiceWatcher::WatchForRegistration);
+  QEventLoop loop;
+  QObject::connect(&watcher, &QDBusServiceWatcher::serviceRegistered, &loop, &QEventLoop::quit);
+  QTimer::singleShot(int(wait.count() * 1000), &loop, &QEventLoop::quit);
+  if (hasWatcher(session)) return true; // came between the first look and the watch
+  loop.exec();
+  return hasWatcher(session);
+}
+
+} // namespace
+
+TrayHost::Kind TrayHost::find(const QDBusConnection& session, Seconds wait) {
+  if (!qobject_cast<QGuiApplication*>(QCoreApplication::instance())) return Kind::none;
+  if (hasWatcher(session)) return Kind::statusNotifierItem;
+  if (!hasXembedTray() && awaitWatcher(session, wait)) return Kind::statusNotifierItem;
+  return QSystemTrayIcon::isSystemTrayAvailable() ? Kind::xembed : Kind::none;
+}
+
+std::string TrayHost::describe(Kind kind) {
+  switch (kind) {
+  case Kind::statusNotifierItem: return "StatusNotifierItem over D-Bus";
+  case Kind::xembed: return "XEmbed system tray";
+  case Kind::none: return "no tray";
+  }
+  return "no tray";
+}
+
+std::string TrayHost::missingAdvice(bool hasDisplay) {
+  const std::string how =
+      " Lanternbud keeps running: lanternbud-ctl lists, connects and disconnects the devices meanwhile.";
+  if (!hasDisplay) return "There is no display, so the devices get no tray icons." + how;
+  return "The desktop shows no tray, so the devices get no icons. On GNOME, install and enable the AppIndicator "
+         "extension (the Debian package gnome-shell-extension-appindicator), then log in again; other desktops "
+         "need a panel with a system tray." +
+         how;
+}
+
+} // namespace lb

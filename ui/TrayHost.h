@@ -1,0 +1,25 @@
+#pragma once
+
+#include "foundation/Clock.h"
+
+#include <QDBusConnection>
+
+#include <string>
+
+namespace lb {
+
+// Which tray the desktop offers. Qt decides once per process whether to
+// speak StatusNotifierItem, at the first tray item; a program started with
+// the session may come before the panel, so a missing watcher is awaited a
+// while, unless an XEmbed tray is already there.
+struct TrayHost {
+  enum class Kind { statusNotifierItem, xembed, none };
+
+  static Kind find(const QDBusConnection& session, Seconds wait);
+  // "StatusNotifierItem over D-Bus", "XEmbed system tray", "no tray"
+  static std::string describe(Kind kind);
+  // Why there are no tray icons and how to get them, for the user.
+  static std::string missingAdvice(bool hasDisplay);
+};
+
+} // namespace lb

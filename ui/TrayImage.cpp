@@ -1,0 +1,93 @@
+#include "ui/TrayImage.h"
+
+#include <QBuffer>
+#include <QFile>
+#include <QPainter>
+#include <QSvgRenderer>
+
+#include <cmath>
+#include <map>
+
+namespace lb {
+
+namespace {
+
+QString resourceOf(const QString& name) { return ":/artwork/" + name + ".svg"; }
+
+// Parsed once per run; the tray draws the same few pictures again and again.
+QSvgRenderer* rendererOf(const QString& name) {
+  static std::map<QString, std::unique_ptr<QSvgRenderer>> renderers;
+  auto& renderer = renderers[name];
+  if (!renderer) renderer = std::make_unique<QSvgRenderer>(resourceOf(name));
+  return renderer->isValid() ? renderer.get() : nullptr;
+}
+
+} // namespace
+
+std::shared_ptr<TrayImage> TrayImage::artwork(const QString& name) {
+  if (!QFile::exists(resourceOf(name))) return nullptr;
+  auto* renderer = rendererOf(name);
+  if (!renderer) return nullptr;
+  const auto box = renderer->viewBoxF();
+  std::shared_ptr<TrayImage> image(new TrayImage({box.width(), box.height()}, name));
+  image->artworkName_ = name;
+  return image;
+}
+
+std::shared_ptr<TrayImage> TrayImage::composed(ImageSize size, std::vector<Layer> layers) {
+  QString key = "[";
+  for (const auto& layer : layers) {
+    key += QString("%1@%2,%3,%4 ")
+               .arg(layer.image->key())
+               .arg(layer.x, 0, 'f', 2)
+               .arg(layer.y, 0, 'f', 2)
+               .arg(layer.opacity, 0, 'f', 3);
+  }
+  key += QString("%1x%2]").arg(size.width).arg(size.height);
+  std::shared_ptr<TrayImage> image(new TrayImage(size, key));
+  image->layers_ = std::move(layers);
+  return image;
+}
+
+void TrayImage::paint(QImage& target, double scale) const {
+  QPainter painter(&target);
+  painter.setRenderHint(QPainter::Antialiasing);
+  if (!artworkName_.isEmpty()) {
+    if (auto* renderer = rendererOf(artworkName_)) renderer->render(&painter, QRectF(QPointF(0, 0), target.size()));
+    return;
+  }
+  for (const auto& layer : layers_) {
+    const auto layerSize = layer.image->size();
+    QImage drawn(QSize(int(std::lround(layerSize.width * scale)), int(std::lround(layerSize.height * scale))),
+                 QImage::Format_ARGB32_Premultiplied);
+    drawn.fill(Qt::transparent);
+    layer.image->paint(drawn, scale);
+    painter.setOpacity(layer.opacity);
+    // The layers' origin is the bottom left, as the pictures were composed.
+    painter.drawImage(QPointF(layer.x * scale, (size_.height - layer.y - layerSize.height) * scale), drawn);
+  }
+}
+
+QImage TrayImage::render(double scale, const QColor& colour) const {
+  QImage image(QSize(int(std::lround(size_.width * scale)), int(std::lround(size_.height * scale))),
+               QImage::Format_ARGB32_Premultiplied);
+  image.fill(Qt::transparent);
+  paint(image, scale);
+  if (template_) {
+    // A template keeps only its coverage: the colour is the panel's.
+    QPainter tint(&image);
+    tint.setCompositionMode(QPainter::CompositionMode_SourceIn);
+    tint.fillRect(image.rect(), colour);
+  }
+  return image;
+}
+
+std::vector<unsigned char> TrayImage::png() const {
+  QByteArray data;
+  QBuffer buffer(&data);
+  buffer.open(QIODevice::WriteOnly);
+  if (!render(2.0, Qt::black).save(&buffer, "PNG")) return {};
+  return {data.begin(), data.end()};
+}
+
+} // namespace lb

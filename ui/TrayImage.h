@@ -1,0 +1,52 @@
+#pragma once
+
+#include "ports/Images.h"
+
+#include <QColor>
+#include <QImage>
+#include <QString>
+
+#include <memory>
+#include <vector>
+
+namespace lb {
+
+// A picture as a recipe: one piece of artwork, or layers of other pictures.
+// Drawn only when asked, at the pixel scale and colour of the moment, so it
+// stays sharp at every size; its key names the recipe, so that an unchanged
+// picture is known without drawing it.
+class TrayImage final : public Image {
+public:
+  struct Layer {
+    std::shared_ptr<const TrayImage> image;
+    double x; // points from the left edge
+    double y; // points from the bottom edge
+    double opacity;
+  };
+
+  // The artwork of that name among the program's resources, if any.
+  static std::shared_ptr<TrayImage> artwork(const QString& name);
+  static std::shared_ptr<TrayImage> composed(ImageSize size, std::vector<Layer> layers);
+
+  ImageSize size() const override { return size_; }
+  void setTemplate(bool isTemplate) override { template_ = isTemplate; }
+  bool isTemplate() const override { return template_; }
+  std::vector<unsigned char> png() const override;
+
+  // "headphones-fill", or "[headphones-fill@1.00,0.00,0.25 battery-8@…]".
+  const QString& key() const { return key_; }
+  // The picture `scale` pixels per point; a template picture in `colour`.
+  QImage render(double scale, const QColor& colour) const;
+
+private:
+  TrayImage(ImageSize size, QString key) : size_(size), key_(std::move(key)) {}
+  void paint(QImage& target, double scale) const;
+
+  ImageSize size_;
+  QString key_;
+  QString artworkName_; // empty for a composed picture
+  std::vector<Layer> layers_;
+  bool template_ = false;
+};
+
+} // namespace lb
