@@ -15,7 +15,9 @@ public:
     PXR_LOG_ERROR("Alert:", alert.message, alert.informativeText);
     return 0;
   }
-  void openHelpPage(const std::string& page) override { PXR_LOG(trayLog(), "Help:", helpFolder_ + "/" + page + ".md"); }
+  void openHelpPage(const std::string& page) override {
+    PXR_LOG(trayLog(), "Help:", helpFolder_ + "/" + page + ".html");
+  }
 
 private:
   std::string helpFolder_;

@@ -94,7 +94,8 @@ int main(int argc, char** argv) {
   const auto settingsFile = lb::JsonSettingsStore::defaultFile();
   lb::JsonSettingsStore store(demo ? settingsFile.parent_path() / "demo-settings.json" : settingsFile);
   lb::UserDefaults defaults(store, commandLine);
-  // Until the tray exists, its log lines and the start's are what a user sees.
+  // The start's lines, and without a tray what its items would show, are
+  // what a user sees at a terminal.
   defaults.registerDefaults({{"LogLaunch", true}, {"LogTray", true}});
   lb::LinuxLogger::install([&defaults](const std::string& area) { return defaults.boolValue(area, false); },
                            processName);

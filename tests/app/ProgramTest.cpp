@@ -44,11 +44,6 @@ private:
   QDBusConnection bus_;
 };
 
-QString bluezPath(std::string address) {
-  std::replace(address.begin(), address.end(), ':', '_');
-  return QString::fromStdString("/org/bluez/hci0/dev_" + address);
-}
-
 // The whole program on real services: BlueZ's model on a private system
 // bus, a PulseAudio server with a built-in sink and the headset's sink, and
 // a private session bus for the scripting interface.
@@ -78,11 +73,6 @@ protected:
                                                  R"("}]})");
   }
 
-  bool connected(const char* address) {
-    auto reply = system.bluez(bluezPath(address), "org.freedesktop.DBus.Properties", "Get",
-                              {"org.bluez.Device1", "Connected"});
-    return reply.arguments().value(0).value<QDBusVariant>().variant().toBool();
-  }
   // A property of a device through the scripting interface.
   QVariant deviceProperty(int ID, const char* name) {
     auto get = QDBusMessage::createMethodCall("org.lanternbud.Lanternbud",
@@ -118,7 +108,7 @@ TEST_F(ProgramTest, ConnectingAHeadsetMakesItTheSoundOutput) {
   auto result = program->ctl({"connect", headsetAddress});
   EXPECT_EQ(result.status, 0) << result.errors;
   EXPECT_NE(result.output.find("WH Headset is connected."), std::string::npos) << result.output;
-  EXPECT_TRUE(connected(headsetAddress));
+  EXPECT_TRUE(system.bluezConnected(headsetAddress));
   EXPECT_TRUE(test::eventually([&] { return defaultSink() == "wh_headset"; }));
   EXPECT_TRUE(test::waitUntil([&] {
     return std::any_of(listener.changes.begin(), listener.changes.end(), [](const auto& change) {
@@ -138,12 +128,12 @@ TEST_F(ProgramTest, ConnectingAHeadsetMakesItTheSoundOutput) {
   EXPECT_EQ(result.status, 0) << result.errors;
   EXPECT_NE(result.output.find("it is now the sound output"), std::string::npos) << result.output;
   EXPECT_TRUE(test::eventually([&] { return defaultSink() == "wh_headset"; }));
-  EXPECT_TRUE(connected(headsetAddress));
+  EXPECT_TRUE(system.bluezConnected(headsetAddress));
   pulse.pactl("set-default-sink builtin");
   EXPECT_TRUE(test::waitUntil([&] { return deviceProperty(1, "Status").toString().endsWith("(Not Sound Output)"); }));
   result = program->ctl({"disconnect", "WH Headset"});
   EXPECT_EQ(result.status, 0) << result.errors;
-  EXPECT_FALSE(connected(headsetAddress));
+  EXPECT_FALSE(system.bluezConnected(headsetAddress));
 }
 
 // While the program runs, the device list changes only by adding and
@@ -223,7 +213,7 @@ TEST_F(ProgramTest, AHeadsetWhoseSinkIsGoneIsReopenedThenGivenUpOn) {
   const auto log = program->logText();
   EXPECT_NE(log.find("Closing connection to try to fix audio output"), std::string::npos);
   EXPECT_NE(log.find("Re-opening connection to try to fix audio output"), std::string::npos);
-  EXPECT_TRUE(connected(silentHeadsetAddress)); // reopened, and left so
+  EXPECT_TRUE(system.bluezConnected(silentHeadsetAddress)); // reopened, and left so
 }
 
 TEST_F(ProgramTest, ASecondInstanceReopensTheFirstAndSigtermSaves) {
@@ -250,7 +240,7 @@ TEST_F(ProgramTest, ASecondInstanceReopensTheFirstAndSigtermSaves) {
 // A device that does not answer keeps a worker in BlueZ's Connect for a
 // minute; quitting (a logout) must not wait for it, nor crash, and saves.
 TEST_F(ProgramTest, QuittingWhileAConnectStallsIsQuickAndSaves) {
-  system.bluez(bluezPath(keyboardAddress), "org.freedesktop.DBus.Mock", "AddMethod",
+  system.bluez(test::PrivateBus::bluezDevicePath(keyboardAddress), "org.freedesktop.DBus.Mock", "AddMethod",
                {"org.bluez.Device1", "Connect", "", "", "time.sleep(60)"});
   ASSERT_TRUE(program->start());
   EXPECT_EQ(program->ctl({"connect", "K380 Keyboard", "--no-wait"}).status, 0);
@@ -300,7 +290,7 @@ TEST_F(ProgramTest, TheScriptingInterfaceSaysWhatWasWrong) {
   EXPECT_TRUE(introspect("/org/lanternbud/Lanternbud/Device").contains("<node name=\"3\"/>"));
   EXPECT_TRUE(introspect("/org/lanternbud/Lanternbud/Device/1")
                   .contains(R"(<property name="Connected" type="b" access="readwrite"/>)"));
-  EXPECT_FALSE(connected(headsetAddress));
+  EXPECT_FALSE(system.bluezConnected(headsetAddress));
 
   // Settings go through the running program, which writes the file.
   EXPECT_EQ(program->ctl({"config", "set", "LogConnect", "YES"}).status, 0);
@@ -370,7 +360,7 @@ TEST_F(ProgramTest, BadSettingsAreKeptSaidAndNeverStopTheStart) {
 // battery levels from BlueZ or UPower as a property list.
 TEST_F(ProgramTest, ThePrintModeAnswersFromBlueZAndUPower) {
   ASSERT_TRUE(system.startUPower());
-  system.bluez(bluezPath(headsetAddress), "org.freedesktop.DBus.Mock", "AddProperty",
+  system.bluez(test::PrivateBus::bluezDevicePath(headsetAddress), "org.freedesktop.DBus.Mock", "AddProperty",
                {"org.bluez.Battery1", "Percentage", QVariant::fromValue(QDBusVariant(QVariant::fromValue(uchar(73))))});
   auto keyboard = system.upower("AddDischargingBattery", {"hid_keyboard", "K380", 64.0, qlonglong(0)})
                       .arguments()

@@ -19,11 +19,6 @@ constexpr const char* headsetAddress = "00:1B:66:AA:BB:CC";
 constexpr const char* keyboardAddress = "F0:99:B6:44:55:66";
 constexpr const char* stallingAddress = "00:1B:66:00:00:02";
 
-QString bluezPath(std::string address) {
-  std::replace(address.begin(), address.end(), ':', '_');
-  return QString::fromStdString("/org/bluez/hci0/dev_" + address);
-}
-
 // The program under Xvfb, its items read and clicked as a panel would:
 // over StatusNotifierItem and dbusmenu on a session bus with a watcher.
 class TrayTest : public ::testing::Test {
@@ -66,14 +61,16 @@ protected:
     QString iconName, title, description;
     argument.beginStructure();
     argument >> iconName;
-    skipPixmaps(argument);
+    readPixmaps(argument);
     argument >> title >> description;
     argument.endStructure();
     return title;
   }
   // Every size of the picture, one after the other.
   QByteArray pixmaps(const QString& item) {
-    const auto argument = itemProperty(item, "IconPixmap").value<QDBusArgument>();
+    return readPixmaps(itemProperty(item, "IconPixmap").value<QDBusArgument>());
+  }
+  static QByteArray readPixmaps(const QDBusArgument& argument) {
     QByteArray all;
     argument.beginArray();
     while (!argument.atEnd()) {
@@ -87,17 +84,6 @@ protected:
     argument.endArray();
     return all;
   }
-  static void skipPixmaps(const QDBusArgument& argument) {
-    argument.beginArray();
-    while (!argument.atEnd()) {
-      int width = 0, height = 0;
-      QByteArray bytes;
-      argument.beginStructure();
-      argument >> width >> height >> bytes;
-      argument.endStructure();
-    }
-    argument.endArray();
-  }
   void activate(const QString& item) {
     auto call = QDBusMessage::createMethodCall(item, "/StatusNotifierItem", "org.kde.StatusNotifierItem", "Activate");
     call << 0 << 0;
@@ -109,11 +95,6 @@ protected:
       if (toolTip(item).startsWith(name)) return item;
     }
     return {};
-  }
-  bool connected(const char* address) {
-    auto reply = system.bluez(bluezPath(address), "org.freedesktop.DBus.Properties", "Get",
-                              {"org.bluez.Device1", "Connected"});
-    return reply.arguments().value(0).value<QDBusVariant>().variant().toBool();
   }
 
   test::XServer display;
@@ -128,7 +109,7 @@ protected:
 
 TEST_F(TrayTest, EachActiveDeviceHasAnItemThatShowsItsStateAndTakesClicks) {
   // A connection attempt that hangs a while, for the spinner.
-  system.bluez(bluezPath(stallingAddress), "org.freedesktop.DBus.Mock", "AddMethod",
+  system.bluez(test::PrivateBus::bluezDevicePath(stallingAddress), "org.freedesktop.DBus.Mock", "AddMethod",
                {"org.bluez.Device1", "Connect", "", "", "time.sleep(3)"});
   ASSERT_TRUE(program->start());
   QString headset, stalling;
@@ -169,7 +150,7 @@ TEST_F(TrayTest, EachActiveDeviceHasAnItemThatShowsItsStateAndTakesClicks) {
   // device is the sound output.
   const auto disconnected = pixmaps(headset);
   activate(headset);
-  EXPECT_TRUE(test::waitUntil([&] { return connected(headsetAddress); }));
+  EXPECT_TRUE(test::waitUntil([&] { return system.bluezConnected(headsetAddress); }));
   EXPECT_TRUE(test::waitUntil([&] { return toolTip(headset).startsWith("WH Headset - Connected.\n"); }))
       << toolTip(headset).toStdString();
   const auto output = pixmaps(headset);

@@ -1,11 +1,15 @@
 // The whole lanternbud with 10 paired devices, on a private system bus with
 // the BlueZ model, a private session bus and a private PulseAudio server:
 // how long until the first device is registered, its resident memory after
-// start, and while idle the D-Bus messages it sends and its requests to the
-// sound server. Prints the figures; the targets are 0, 0 and under 15 MB.
-//   program_idle_benchmark [seconds]   (default 60)
+// start, and while idle the D-Bus messages it sends, its wakeups and its
+// requests to the sound server. With --tray it runs on a virtual display
+// with a tray (a StatusNotifierWatcher), each device an item.
+// Prints the figures; the targets are 0 messages, 0 requests, and under 15 MB
+// (30 MB with the tray).
+//   program_idle_benchmark [seconds] [--tray]   (default 60)
 #include "tests/bench/ProgramServices.h"
 #include "tests/support/RunningProgram.h"
+#include "tests/support/XServer.h"
 
 #include <QCoreApplication>
 #include <QDBusArgument>
@@ -20,12 +24,27 @@ using namespace lb;
 
 namespace {
 
-// The unique name of the process's connection to the bus.
-QString connectionOf(QDBusConnection& bus, qint64 pid) {
+// The unique names of the process's connections to the bus (a tray item
+// has one of its own).
+QStringList connectionsOf(QDBusConnection& bus, qint64 pid) {
+  QStringList names;
   for (const auto& name : bus.interface()->registeredServiceNames().value()) {
-    if (name.startsWith(':') && bus.interface()->servicePid(name).value() == pid) return name;
+    if (name.startsWith(':') && bus.interface()->servicePid(name).value() == pid) names << name;
   }
-  return {};
+  return names;
+}
+
+// Times the process was switched to, all its threads together: a wakeup
+// each, near enough.
+long contextSwitches(qint64 pid) {
+  long total = 0;
+  for (const auto& task : std::filesystem::directory_iterator("/proc/" + std::to_string(pid) + "/task")) {
+    std::ifstream status(task.path() / "status");
+    for (std::string line; std::getline(status, line);) {
+      if (line.find("ctxt_switches:") != std::string::npos) total += std::atol(line.c_str() + line.find(':') + 1);
+    }
+  }
+  return total;
 }
 
 // A figure of /proc/<pid>/status in MB, such as "VmRSS" or "RssAnon".
@@ -49,9 +68,20 @@ long loggedRequests(const std::string& log, const std::string& before) {
 int main(int argc, char** argv) {
   QCoreApplication application(argc, argv);
   const double seconds = argc > 1 ? std::atof(argv[1]) : 60;
+  const bool tray = argc > 2 && std::string(argv[2]) == "--tray";
   test::ProgramServices services;
   if (!services.ready()) return 1;
   auto& [system, session, pulse] = services;
+  std::unique_ptr<test::XServer> display;
+  if (tray) {
+    display = std::make_unique<test::XServer>();
+    if (!display->skipReason().empty() || !session.startStatusNotifierWatcher()) {
+      std::fprintf(stderr, "cannot run: %s\n",
+                   display->skipReason().empty() ? "the StatusNotifierWatcher did not start"
+                                                 : display->skipReason().c_str());
+      return 1;
+    }
+  }
   std::string devices;
   for (int i = 0; i < 10; ++i) {
     auto address = QString("00:11:22:33:44:%1").arg(i, 2, 10, QChar('0'));
@@ -61,6 +91,7 @@ int main(int argc, char** argv) {
                address.toStdString() + "\"}";
   }
   test::RunningProgram program(&system, session, pulse.server());
+  if (display) program.setVariable("DISPLAY", display->display());
   std::filesystem::create_directories(program.settingsFile().parent_path());
   test::writeFile(program.settingsFile(), R"({"devices": [)" + devices + "]}");
 
@@ -83,22 +114,33 @@ int main(int argc, char** argv) {
       },
       20);
   const auto firstDevice = clock.elapsed();
+  if (tray) test::waitUntil([&] { return session.statusNotifierItems().size() == 10; }, 20);
 
   const auto pid = program.process().processId();
   auto systemWatcher = system.connect("benchmark");
-  const auto onSystemName = connectionOf(systemWatcher, pid), onSessionName = connectionOf(watcher, pid);
-  if (onSystemName.isEmpty() || onSessionName.isEmpty()) {
+  const auto onSystemNames = connectionsOf(systemWatcher, pid), onSessionNames = connectionsOf(watcher, pid);
+  if (onSystemNames.isEmpty() || onSessionNames.isEmpty()) {
     std::fprintf(stderr, "cannot run: lanternbud's connections are not on both buses\n");
     return 1;
   }
-  test::PrivateBus::MessageCounter onSystem(system, onSystemName);
-  test::PrivateBus::MessageCounter onSession(session, onSessionName);
+  std::vector<std::unique_ptr<test::PrivateBus::MessageCounter>> onSystem, onSession;
+  for (const auto& name : onSystemNames)
+    onSystem.push_back(std::make_unique<test::PrivateBus::MessageCounter>(system, name));
+  for (const auto& name : onSessionNames)
+    onSession.push_back(std::make_unique<test::PrivateBus::MessageCounter>(session, name));
+  auto sent = [](auto& counters) {
+    int total = 0;
+    for (auto& counter : counters) total += counter->count();
+    return total;
+  };
   test::waitUntil([] { return false; }, 2);
   const double resident = statusMegabytes(pid, "VmRSS"), anonymous = statusMegabytes(pid, "RssAnon"),
                files = statusMegabytes(pid, "RssFile");
-  const int systemBefore = onSystem.count(), sessionBefore = onSession.count();
+  const int systemBefore = sent(onSystem), sessionBefore = sent(onSession);
+  const long switchesBefore = contextSwitches(pid);
   test::waitUntil([] { return false; }, seconds);
-  const int systemSent = onSystem.count() - systemBefore, sessionSent = onSession.count() - sessionBefore;
+  const long wakeups = contextSwitches(pid) - switchesBefore;
+  const int systemSent = sent(onSystem) - systemBefore, sessionSent = sent(onSession) - sessionBefore;
 
   program.process().terminate();
   program.process().waitForFinished(10000);
@@ -106,14 +148,15 @@ int main(int argc, char** argv) {
   const long requests = loggedRequests(log, "sound-server requests in all") -
                         loggedRequests(log, "sound-server requests so far");
 
-  std::printf("lanternbud with 10 paired devices:\n");
+  std::printf("lanternbud with 10 paired devices%s:\n", tray ? ", each an item in a StatusNotifierItem tray" : "");
   std::printf("  start to first device registered: %lld ms\n", static_cast<long long>(firstDevice));
-  std::printf("  resident memory after start: %.1f MB (target under 15 MB): %.1f MB of the program's own, "
+  std::printf("  resident memory after start: %.1f MB (target under %d MB): %.1f MB of the program's own, "
               "%.1f MB of mapped files (mostly Qt, ICU and the C++ library, shared with other programs)\n",
-              resident, anonymous, files);
-  std::printf(
-      "  idle for %.0f s: %d D-Bus messages from %s on the system bus, %d from %s on the session bus (target 0)\n",
-      seconds, systemSent, qPrintable(onSystemName), sessionSent, qPrintable(onSessionName));
+              resident, tray ? 30 : 15, anonymous, files);
+  std::printf("  idle for %.0f s: %d D-Bus messages on the system bus, %d on the session bus from its %lld "
+              "connections (target 0); %ld wakeups\n",
+              seconds, systemSent, sessionSent, static_cast<long long>(onSessionNames.size()), wakeups);
+
   std::printf("  idle for %.0f s and quitting: %ld requests to the sound server (target 0)\n", seconds, requests);
   return 0;
 }

@@ -7,6 +7,7 @@
 #include <QElapsedTimer>
 #include <QVariantMap>
 
+#include <algorithm>
 #include <filesystem>
 
 namespace lb::test {
@@ -120,6 +121,17 @@ QDBusMessage PrivateBus::upower(const QString& method, const QVariantList& argum
   auto message = QDBusMessage::createMethodCall("org.freedesktop.UPower", path, "org.freedesktop.DBus.Mock", method);
   message.setArguments(arguments);
   return control_->call(message, QDBus::Block, 10000);
+}
+
+QString PrivateBus::bluezDevicePath(std::string address) {
+  std::replace(address.begin(), address.end(), ':', '_');
+  return QString::fromStdString("/org/bluez/hci0/dev_" + address);
+}
+
+bool PrivateBus::bluezConnected(const std::string& address) {
+  auto reply = bluez(bluezDevicePath(address), "org.freedesktop.DBus.Properties", "Get",
+                     {"org.bluez.Device1", "Connected"});
+  return reply.arguments().value(0).value<QDBusVariant>().variant().toBool();
 }
 
 QStringList PrivateBus::statusNotifierItems() {

@@ -36,6 +36,10 @@ public:
 
   // Starts bluetoothd's stand-in (our BlueZ template) and waits for its name.
   bool startBluez();
+  // The BlueZ model's object of a device, "/org/bluez/hci0/dev_00_1B_…".
+  static QString bluezDevicePath(std::string address);
+  // Whether the BlueZ model has the device connected.
+  bool bluezConnected(const std::string& address);
   // Kills it, as a crash of bluetoothd would.
   void killBluez();
 
