@@ -24,7 +24,7 @@ bool hasWatcher(const QDBusConnection& session) {
 // Whether an XEmbed tray owns its selection on the X display, asked of the
 // X server directly: asking Qt would fix its StatusNotifierItem choice now.
 bool hasXembedTray() {
-  auto* x11 = qGuiApp ? qGuiApp->nativeInterface<QNativeInterface::QX11Application>() : nullptr;
+  auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
   if (!x11) return false;
   auto* connection = x11->connection();
   const char name[] = "_NET_SYSTEM_TRAY_S0";
@@ -50,7 +50,6 @@ bool awaitWatcher(const QDBusConnection& session, Seconds wait) {
 } // namespace
 
 TrayHost::Kind TrayHost::find(const QDBusConnection& session, Seconds wait) {
-  if (!qobject_cast<QGuiApplication*>(QCoreApplication::instance())) return Kind::none;
   if (hasWatcher(session)) return Kind::statusNotifierItem;
   if (!hasXembedTray() && awaitWatcher(session, wait)) return Kind::statusNotifierItem;
   return QSystemTrayIcon::isSystemTrayAvailable() ? Kind::xembed : Kind::none;

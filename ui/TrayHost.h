@@ -15,6 +15,8 @@ namespace lb {
 struct TrayHost {
   enum class Kind { statusNotifierItem, xembed, none };
 
+  // Asked of a GUI application on a display; the caller knows whether it
+  // has one.
   static Kind find(const QDBusConnection& session, Seconds wait);
   // "StatusNotifierItem over D-Bus", "XEmbed system tray", "no tray"
   static std::string describe(Kind kind);
