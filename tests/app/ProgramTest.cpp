@@ -263,7 +263,9 @@ TEST_F(ProgramTest, TheScriptingInterfaceSaysWhatWasWrong) {
   EXPECT_NE(missing.errors.find("No device has the ID, name or address \"Nonesuch\""), std::string::npos);
   // One name a device; echoes of outside text are cut short.
   EXPECT_EQ(program->ctl({"show", "+1"}).status, 3);
-  EXPECT_LT(program->ctl({"show", std::string(100'000, 'x').c_str()}).errors.size(), 300u);
+  auto longName = program->ctl({"show", std::string(100'000, 'x').c_str()});
+  EXPECT_NE(longName.errors.find(std::string(100, 'x') + "…\""), std::string::npos) << longName.errors;
+  EXPECT_EQ(longName.errors.find(std::string(101, 'x')), std::string::npos) << longName.errors.substr(0, 400);
   EXPECT_EQ(deviceProperty(1, "ID").toLongLong(), 1);
   auto aliased = QDBusMessage::createMethodCall("org.lanternbud.Lanternbud", "/org/lanternbud/Lanternbud/Device/01",
                                                 "org.freedesktop.DBus.Properties", "GetAll");
