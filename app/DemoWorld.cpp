@@ -2,6 +2,8 @@
 
 #include "sim/SimBehaviours.h"
 
+#include <algorithm>
+
 namespace lb {
 
 DemoWorld::DemoWorld(EventLoop& loop) : world(loop) {
@@ -40,12 +42,19 @@ DemoWorld::DemoWorld(EventLoop& loop) : world(loop) {
                                                         SimHeadsetAudio::Options{.delay = 0.5}));
 }
 
-void DemoWorld::addTo(DeviceSettingManager& registry) {
-  if (!registry.deviceSettingList().empty()) return;
-  for (const auto& paired : world.pairedDevices()) {
-    auto device = world.device(paired.address);
-    if (auto setting = device ? registry.add(*device) : nullptr) setting->setIcon(icons_.at(paired.address));
+void DemoWorld::seed(UserDefaults& defaults) const {
+  if (defaults.object("devices")) return;
+  auto paired = world.pairedDevices();
+  std::ranges::sort(paired, {}, &PairedDevice::name); // as the registry would sort them
+  SettingsValue::Array devices;
+  for (const auto& each : paired) {
+    devices.emplace_back(SettingsValue::Dictionary{
+        {deviceOption::deviceID, static_cast<std::int64_t>(devices.size() + 1)},
+        {deviceOption::device, each.address},
+        {deviceOption::icon, std::string(rawValue(icons_.at(each.address)))},
+    });
   }
+  defaults.setValue("devices", std::move(devices));
 }
 
 } // namespace lb

@@ -20,8 +20,9 @@ class DemoWorld {
 public:
   explicit DemoWorld(EventLoop& loop);
 
-  // A first demo run adds every demo device to the tray.
-  void addTo(DeviceSettingManager& registry);
+  // A first demo run starts with every demo device saved, so that it opens
+  // in the tray, not in the settings window.
+  void seed(UserDefaults& defaults) const;
 
   SimBluetoothWorld world;
   SimBluetooth bluetooth{world};

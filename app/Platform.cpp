@@ -25,13 +25,17 @@ std::vector<std::filesystem::path> helpFolders() {
 } // namespace
 
 Platform::Platform(UserDefaults& defaults, Tunables& tunables, std::string backend, std::filesystem::path scriptsFolder,
-                   bool tray)
-    : defaults_(defaults), tunables_(tunables), backend_(std::move(backend)), scriptsFolder_(std::move(scriptsFolder)) {
-  if (tray) {
+                   Desktop desktop)
+    : defaults_(defaults), tunables_(tunables), backend_(std::move(backend)), windows_(desktop.display),
+      scriptsFolder_(std::move(scriptsFolder)) {
+  if (desktop.tray) {
     statusBar_ = std::make_unique<TrayStatusBar>([&tunables] { return tunables(tunable::TrayIconColor); });
-    alerts_ = std::make_unique<DialogAlerts>(helpFolders());
   } else {
     statusBar_ = std::make_unique<LoggingStatusBar>();
+  }
+  if (desktop.display) {
+    alerts_ = std::make_unique<DialogAlerts>(helpFolders());
+  } else {
     alerts_ = std::make_unique<LoggingAlerts>(helpFolders().back().string());
   }
 }
@@ -39,9 +43,9 @@ Platform::Platform(UserDefaults& defaults, Tunables& tunables, std::string backe
 Platform::~Platform() = default;
 
 std::unique_ptr<Platform> Platform::real(UserDefaults& defaults, Tunables& tunables, const std::string& helperPath,
-                                         bool tray) {
+                                         Desktop desktop) {
   std::unique_ptr<Platform> platform(
-      new Platform(defaults, tunables, "Using BlueZ on the system bus", XdgScriptsFolder::defaultFolder(), tray));
+      new Platform(defaults, tunables, "Using BlueZ on the system bus", XdgScriptsFolder::defaultFolder(), desktop));
   auto system = QDBusConnection::systemBus();
   auto bluez = std::make_unique<BluezBluetooth>(system);
   auto& bluetooth = *bluez;
@@ -55,9 +59,9 @@ std::unique_ptr<Platform> Platform::real(UserDefaults& defaults, Tunables& tunab
   return platform;
 }
 
-std::unique_ptr<Platform> Platform::demo(UserDefaults& defaults, Tunables& tunables, bool tray) {
+std::unique_ptr<Platform> Platform::demo(UserDefaults& defaults, Tunables& tunables, Desktop desktop) {
   std::unique_ptr<Platform> platform(new Platform(defaults, tunables, "Using simulated devices",
-                                                  XdgDirectories::dataHome() / "lanternbud/Demo Scripts", tray));
+                                                  XdgDirectories::dataHome() / "lanternbud/Demo Scripts", desktop));
   platform->demo_ = std::make_unique<DemoWorld>(platform->loop_);
   platform->loginItems_ = std::make_unique<SimLoginItems>();
   auto& demo = *platform->demo_;

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "app/DemoWorld.h"
-#include "app/HeadlessWindows.h"
 #include "app/UnboundShortcuts.h"
 #include "core/Services.h"
 #include "linux/system/IcuNameCollator.h"
@@ -10,6 +9,7 @@
 #include "linux/system/SpawnScriptRunner.h"
 #include "linux/battery/UPowerRegistry.h"
 #include "linux/xdg/XdgScriptsFolder.h"
+#include "ui/DesktopWindows.h"
 #include "ui/SvgImages.h"
 
 #include <memory>
@@ -24,14 +24,19 @@ class PulseAudioSystem;
 // way the event loop is Qt's and scripts are real files and processes.
 class Platform {
 public:
-  // With `tray`, the devices show in the desktop's tray and alerts are
-  // dialogs; without, both only go to the log.
+  // What the desktop offers: a display for windows and dialogs, a tray for
+  // the devices. Without a tray the devices only go to the log; without a
+  // display, alerts do too.
+  struct Desktop {
+    bool display;
+    bool tray;
+  };
   // BlueZ on the system bus, UPower, libpulse, the XDG autostart entry.
   static std::unique_ptr<Platform> real(UserDefaults& defaults, Tunables& tunables, const std::string& helperPath,
-                                        bool tray);
+                                        Desktop desktop);
   // Simulated devices; scripts live in a folder of their own and start at
   // login is never touched.
-  static std::unique_ptr<Platform> demo(UserDefaults& defaults, Tunables& tunables, bool tray);
+  static std::unique_ptr<Platform> demo(UserDefaults& defaults, Tunables& tunables, Desktop desktop);
 
   Platform(const Platform&) = delete;
   Platform& operator=(const Platform&) = delete;
@@ -40,6 +45,7 @@ public:
   // "Using BlueZ on the system bus" or "Using simulated devices"
   const std::string& backend() const { return backend_; }
   Services& services() { return *services_; }
+  DesktopWindows& windows() { return windows_; }
   // The demo's world; none on the real platform.
   DemoWorld* demoWorld() const { return demo_.get(); }
   // Whether the workers (connects, disconnects) finished within `limit`.
@@ -49,7 +55,7 @@ public:
 
 private:
   Platform(UserDefaults& defaults, Tunables& tunables, std::string backend, std::filesystem::path scriptsFolder,
-           bool tray);
+           Desktop desktop);
   void wire(Bluetooth& bluetooth, AudioSystem& audio, BatterySources& batterySources, LoginItems& loginItems);
 
   UserDefaults& defaults_;
@@ -58,7 +64,7 @@ private:
   QtEventLoop loop_;
   std::unique_ptr<StatusBar> statusBar_;
   SvgImages images_;
-  HeadlessWindows windows_;
+  DesktopWindows windows_;
   UnboundShortcuts shortcuts_;
   std::unique_ptr<Alerts> alerts_;
   IcuNameCollator collator_;

@@ -56,11 +56,14 @@ int reopenRunningInstance(QDBusConnection& session) {
   return 0;
 }
 
+bool hasDisplay() {
+  return qobject_cast<QGuiApplication*>(QCoreApplication::instance()) != nullptr &&
+         QGuiApplication::platformName() != "offscreen";
+}
+
 // The tray the desktop offers, said in the log; without one, said to the
 // user in every way left.
-bool findTray(const QDBusConnection& session, Tunables& tunables) {
-  const bool display = qobject_cast<QGuiApplication*>(QCoreApplication::instance()) != nullptr &&
-                       QGuiApplication::platformName() != "offscreen";
+bool findTray(const QDBusConnection& session, Tunables& tunables, bool display) {
   const auto host = display ? TrayHost::find(session, tunables(tunable::TrayHostWaitInterval)) : TrayHost::Kind::none;
   PXR_LOG(launchLog(), "Tray:", TrayHost::describe(host));
   if (host != TrayHost::Kind::none) return true;
@@ -89,13 +92,15 @@ int Program::runApplication(UserDefaults& defaults, Tunables& tunables, bool dem
     return reopenRunningInstance(session);
   }
 
-  const bool tray = findTray(session, tunables);
-  auto platform = demo ? Platform::demo(defaults, tunables, tray)
-                       : Platform::real(defaults, tunables, helperPath, tray);
+  const bool display = hasDisplay();
+  const Platform::Desktop desktop{display, findTray(session, tunables, display)};
+  auto platform = demo ? Platform::demo(defaults, tunables, desktop)
+                       : Platform::real(defaults, tunables, helperPath, desktop);
   PXR_LOG(launchLog(), platform->backend());
+  if (auto* world = platform->demoWorld()) world->seed(defaults);
   AppDelegate app(platform->services());
+  platform->windows().attach(app, platform->services());
   app.applicationDidFinishLaunching();
-  if (auto* world = platform->demoWorld()) world->addTo(*app.deviceSettingManager());
 
   std::unique_ptr<ScriptingService> scripting;
   if (session.isConnected()) scripting = std::make_unique<ScriptingService>(session, app, platform->services());
@@ -111,6 +116,7 @@ int Program::runApplication(UserDefaults& defaults, Tunables& tunables, bool dem
 
   // Nothing outside may reach the devices while they are taken down.
   scripting.reset();
+  platform->windows().detach();
   if (session.isConnected()) session.unregisterService(bus::serviceName);
   app.applicationWillTerminate();
   PXR_LOG(launchLog(), "Saved the device list; goodbye.");

@@ -49,6 +49,6 @@ void AppDelegate::applicationWillTerminate() {
   deviceSettingManager_->unregister();
 }
 
-void AppDelegate::showPreference() { services_.windows.showPreferences(); }
+void AppDelegate::showPreference() { services_.windows.showPreferences(std::nullopt); }
 
 } // namespace lb

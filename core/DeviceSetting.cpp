@@ -24,7 +24,12 @@ std::shared_ptr<DeviceSetting> DeviceSetting::make(Services& services, SettingsV
 
 std::shared_ptr<DeviceSetting> DeviceSetting::make(Services& services, const BluetoothDevice& device, std::int64_t ID,
                                                    DeviceSettingManager* registry) {
-  std::shared_ptr<DeviceSetting> setting(new DeviceSetting(services, {{deviceOption::deviceID, ID}}, registry));
+  SettingsValue::Dictionary options{{deviceOption::deviceID, ID}};
+  // The picture that fits the kind of device; without one, the default.
+  if (auto icon = iconForClassOfDevice(device.classOfDevice()); icon != MenuBarIconOption::wand) {
+    options.emplace(deviceOption::icon, std::string(rawValue(icon)));
+  }
+  std::shared_ptr<DeviceSetting> setting(new DeviceSetting(services, std::move(options), registry));
   setting->setDevice(&device);
   setting->start();
   return setting;
@@ -101,6 +106,17 @@ void DeviceSetting::setIcon(MenuBarIconOption newIcon) {
 void DeviceSetting::setShowBatteryLevel(bool value) {
   options_.set(deviceOption::showBatteryLevel, value);
   updateButtonImage();
+}
+
+void DeviceSetting::setActive(bool active) {
+  if (active == isActive()) return;
+  options_.set(deviceOption::isActive, active);
+  if (active) {
+    setupStatusItem();
+  } else {
+    removeStatusItem();
+  }
+  if (registry_) registry_->noteChange(this);
 }
 
 void DeviceSetting::setupStatusItem() {

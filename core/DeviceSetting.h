@@ -65,6 +65,8 @@ public:
   MenuBarIconOption icon() const;
   void setIcon(MenuBarIconOption icon);
   bool isActive() const { return options_.option(deviceOption::isActive, true); }
+  // An inactive device has no tray item and no shortcut.
+  void setActive(bool active);
   bool connectionOnlyMode() const { return options_.option(deviceOption::connectOnlyMode, false); }
   void setConnectionOnlyMode(bool value) { options_.set(deviceOption::connectOnlyMode, value); }
   bool keepDefaultAudioInput() const { return options_.option(deviceOption::keepDefaultAudioInput, false); }

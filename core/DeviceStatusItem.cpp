@@ -82,7 +82,7 @@ std::vector<StatusMenuEntry> DeviceStatusItem::deviceMenu() {
   };
   auto text = [](const char* key) { return [title = localized(key)] { return title; }; };
   return {{status, {}}, {battery, {}},
-          {},           {text("Settings…"), [&windows = windows_] { windows.showPreferences(); }},
+          {},           {text("Settings…"), [this] { windows_.showPreferences(owner_.deviceID()); }},
           {},           {text("Quit"), [&windows = windows_] { windows.terminate(); }}};
 }
 

@@ -78,6 +78,41 @@ std::optional<MenuBarIconOption> menuBarIconOption(std::string_view raw) {
 
 std::string pxrDescription(MenuBarIconOption option) { return std::string(rawValue(option)); }
 
+// The Class of Device's fields: the major class in bits 8 to 12, the minor
+// class in bits 2 to 7 (for peripherals, bits 6 and 7 say keyboard or
+// pointer and bits 2 to 5 the kind of other input).
+MenuBarIconOption iconForClassOfDevice(std::uint32_t classOfDevice) {
+  using enum MenuBarIconOption;
+  const auto major = (classOfDevice >> 8) & 0x1f;
+  const auto minor = (classOfDevice >> 2) & 0x3f;
+  switch (major) {
+  case 1: return minor == 7 ? tablet : wand; // a computer; 7 is a tablet
+  case 2: return phone;
+  case 4: // audio and video
+    switch (minor) {
+    case 1:
+    case 2: return headset;
+    case 5:
+    case 15: return horizontalSpeaker;
+    case 7:
+    case 8: return boombox;
+    case 10: return desktopSpeaker;
+    case 16: return conferenceSpeaker;
+    default: return headphones;
+    }
+  case 5: { // peripherals
+    if ((minor >> 4) & 1) return keyboard;
+    if ((minor >> 5) & 1) return mouse;
+    const auto other = minor & 0xf;
+    if (other == 1 || other == 2 || other == 3) return gameController;
+    if (other == 5 || other == 7) return graphicTablet;
+    return wand;
+  }
+  case 8: return minor == 4 ? gameController : wand; // toys; 4 is a game
+  default: return wand;
+  }
+}
+
 std::optional<std::string_view> toolTip(MenuBarIconOption option) { return info(option).toolTip; }
 bool isNarrow(MenuBarIconOption option) { return info(option).narrow; }
 

@@ -3,6 +3,7 @@
 #include "ports/Images.h"
 
 #include <array>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -79,6 +80,11 @@ std::string_view rawValue(MenuBarIconOption option);
 std::optional<MenuBarIconOption> menuBarIconOption(std::string_view rawValue);
 
 std::string pxrDescription(MenuBarIconOption option);
+
+// The picture that fits a Bluetooth Class of Device: headphones for
+// headphones, a headset for a headset, a keyboard for a keyboard; "wand"
+// when the class says nothing that fits.
+MenuBarIconOption iconForClassOfDevice(std::uint32_t classOfDevice);
 
 std::optional<std::string_view> toolTip(MenuBarIconOption option);
 // A tall, thin picture: the battery gauge overlaps it further.

@@ -11,6 +11,13 @@ std::string localized(std::string_view english) {
        "Please make sure that Bluetooth is turned on in your desktop’s Bluetooth settings."},
       {"Please make sure that Bluetooth is On in the Bluetooth pane in System Preferences.",
        "Please make sure that Bluetooth is On in your desktop’s Bluetooth settings."},
+      {"To find the address, go to System Preferences ‣ Bluetooth and make sure that “Show Bluetooth in menu bar” is "
+       "checked. Then Option-click the macOS Bluetooth menu at the top of the screen and look for the address under "
+       "the device.",
+       "To find the address, look at the device’s details in your desktop’s Bluetooth settings, or run "
+       "“bluetoothctl devices Paired” in a terminal."},
+      {"Select the Bluetooth device that you want to add to the menu bar:",
+       "Select the Bluetooth device that you want to add to the tray:"},
       // Linux needs no permission for the scripts folder; these only show
       // where a platform asks for one.
       {"Please select the User > Library > Application Scripts folder to save the scripts.",

@@ -51,6 +51,8 @@ public:
     store_.removeValue(key);
     listeners_.notify(key);
   }
+  // Why the last change was not saved; none when it was.
+  std::optional<std::string> saveProblem() const { return store_.saveProblem(); }
   // Told of every change made through these defaults, on the thread that
   // made it (the main thread: scripting requests and windows).
   std::unique_ptr<NotificationRegistration> addChangeListener(std::function<void(const std::string& key)> listener) {

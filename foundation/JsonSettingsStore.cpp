@@ -163,6 +163,12 @@ void JsonSettingsStore::removeValue(const std::string& key) {
   change([&](SettingsValue::Dictionary& values) { return values.erase(key) > 0; });
 }
 
+std::optional<std::string> JsonSettingsStore::saveProblem() const {
+  std::lock_guard guard(mutex_);
+  if (unreadable_) return file_.string() + " could not be read, and writing would replace it";
+  return saveProblem_;
+}
+
 void JsonSettingsStore::change(const std::function<bool(SettingsValue::Dictionary&)>& modify) {
   if (!canSave()) {
     std::unique_lock guard(mutex_);
@@ -195,15 +201,17 @@ void JsonSettingsStore::change(const std::function<bool(SettingsValue::Dictionar
 
 void JsonSettingsStore::save(const SettingsValue::Dictionary& values) {
   const auto path = writtenPath(file_);
+  std::optional<std::string> problem;
   if (auto error = makeFolder(path.parent_path())) {
-    PXR_LOG_ERROR("Could not save the settings: creating " + path.parent_path().string() + " failed (" +
-                  error.message() + ").");
-    return;
-  }
-  if (auto written = AtomicFile::write(path, SettingsJson::write(values), 0600); !written) {
+    problem = "creating " + path.parent_path().string() + " failed (" + error.message() + ")";
+    PXR_LOG_ERROR("Could not save the settings: " + *problem + ".");
+  } else if (auto written = AtomicFile::write(path, SettingsJson::write(values), 0600); !written) {
+    problem = "writing " + path.string() + " failed (" + written.failure().reason + ")";
     PXR_LOG_ERROR("Could not save the settings to " + path.string() + " (" + written.failure().reason +
                   "); the previous file is unchanged.");
   }
+  std::lock_guard guard(mutex_);
+  saveProblem_ = std::move(problem);
 }
 
 } // namespace lb

@@ -37,6 +37,7 @@ public:
   const std::filesystem::path& file() const { return file_; }
   // False when changes stay in memory: the file could not be read.
   bool canSave() const;
+  std::optional<std::string> saveProblem() const override;
 
 private:
   class FileLock;
@@ -58,6 +59,7 @@ private:
   SettingsValue::Dictionary values_;
   bool unreadable_ = false;
   bool toldNotSaving_ = false;
+  std::optional<std::string> saveProblem_;
 };
 
 } // namespace lb

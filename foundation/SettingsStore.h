@@ -16,6 +16,8 @@ public:
   virtual std::optional<SettingsValue> value(const std::string& key) const = 0;
   virtual void setValue(const std::string& key, SettingsValue value) = 0;
   virtual void removeValue(const std::string& key) = 0;
+  // Why the last change stays in memory only; none when it was kept.
+  virtual std::optional<std::string> saveProblem() const { return std::nullopt; }
 };
 
 } // namespace lb

@@ -20,6 +20,7 @@ struct BluetoothNotification {
 struct PairedDevice {
   std::string name;
   std::string address;
+  std::uint32_t classOfDevice = 0; // 0: not known
 };
 
 // The platform's Bluetooth classic devices. Notifications arrive on the main
@@ -42,6 +43,9 @@ public:
 
   // The devices the user has paired, for choosing one to add.
   virtual std::vector<PairedDevice> pairedDevices() const = 0;
+  // Told on the main thread whenever the paired devices may have changed: a
+  // device paired, removed or renamed.
+  virtual std::unique_ptr<NotificationRegistration> registerForPairingChanges(std::function<void()> handler) = 0;
 };
 
 } // namespace lb

@@ -23,6 +23,8 @@ public:
   // The major device class of the Class of Device (4 is audio/video). A
   // device that reports no class but offers an audio sink profile is audio.
   virtual std::uint32_t majorDeviceClass() const = 0;
+  // The whole Class of Device (major and minor class); 0 when not known.
+  virtual std::uint32_t classOfDevice() const { return majorDeviceClass() << 8; }
 
   // Blocking calls, made from a worker thread. The page timeout counts
   // baseband slots of 0.625 ms; without one the platform's default applies.

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <cstdint>
+#include <optional>
+
 namespace lb {
 
 class StatusItem;
@@ -11,9 +14,10 @@ enum class ActivationPolicy { regular, accessory };
 class Windows {
 public:
   virtual ~Windows() = default;
-  // Shows the preferences window without taking focus from other programs;
-  // false when the window cannot be made.
-  virtual bool showPreferences() = 0;
+  // Shows the preferences window, at the device with this ID when one is
+  // given, and raises it when it is open already; false when the window
+  // cannot be made.
+  virtual bool showPreferences(std::optional<std::int64_t> deviceID) = 0;
   // The one-time welcome under a tray item; false when it cannot be shown.
   virtual bool showLandingPopover(StatusItem& item) = 0;
   virtual void setActivationPolicy(ActivationPolicy policy) = 0;

@@ -21,6 +21,9 @@ public:
     return world_.subscribe(device.addressString(), false, std::move(handler));
   }
   std::vector<PairedDevice> pairedDevices() const override { return world_.pairedDevices(); }
+  std::unique_ptr<NotificationRegistration> registerForPairingChanges(std::function<void()> handler) override {
+    return world_.registerForPairingChanges(std::move(handler));
+  }
 
 private:
   SimBluetoothWorld& world_;

@@ -6,9 +6,10 @@
 namespace lb {
 
 SimBluetoothDevice::SimBluetoothDevice(SimBluetoothWorld& world, EventLoop& loop, std::string address,
-                                       std::optional<std::string> name, std::uint32_t majorClass)
-    : world_(world), loop_(loop), address_(std::move(address)), majorClass_(majorClass), name_(std::move(name)),
-      connect_(sim::succeedsAfter(1.0)), disconnect_(sim::disconnectsAfter(0.2)) {}
+                                       std::optional<std::string> name, std::uint32_t majorClass,
+                                       std::uint32_t minorClass)
+    : world_(world), loop_(loop), address_(std::move(address)), majorClass_(majorClass), minorClass_(minorClass),
+      name_(std::move(name)), connect_(sim::succeedsAfter(1.0)), disconnect_(sim::disconnectsAfter(0.2)) {}
 
 std::optional<std::string> SimBluetoothDevice::name() const {
   std::lock_guard lock(mutex_);

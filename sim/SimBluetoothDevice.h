@@ -29,12 +29,13 @@ using SimBehaviour = std::function<IOReturn(SimCallContext&)>;
 class SimBluetoothDevice final : public BluetoothDevice {
 public:
   SimBluetoothDevice(SimBluetoothWorld& world, EventLoop& loop, std::string address, std::optional<std::string> name,
-                     std::uint32_t majorClass);
+                     std::uint32_t majorClass, std::uint32_t minorClass = 0);
 
   std::string addressString() const override { return address_; }
   std::optional<std::string> name() const override;
   bool isConnected() const override;
   std::uint32_t majorDeviceClass() const override { return majorClass_; }
+  std::uint32_t classOfDevice() const override { return majorClass_ << 8 | minorClass_ << 2; }
   IOReturn openConnection(std::optional<std::uint16_t> pageTimeout = std::nullopt) override;
   IOReturn closeConnection() override;
   std::optional<SettingsValue> batteryProperty(const std::string& keyString) const override;
@@ -53,6 +54,7 @@ private:
   EventLoop& loop_;
   const std::string address_;
   const std::uint32_t majorClass_;
+  const std::uint32_t minorClass_;
   mutable std::mutex mutex_;
   std::optional<std::string> name_;
   bool connected_ = false;

@@ -16,16 +16,22 @@ private:
 };
 
 SimBluetoothDevice& SimBluetoothWorld::addDevice(const std::string& address, std::optional<std::string> name,
-                                                 std::uint32_t majorClass) {
-  auto device = std::make_shared<SimBluetoothDevice>(*this, loop_, address, std::move(name), majorClass);
-  std::lock_guard lock(mutex_);
-  devices_[address] = device;
+                                                 std::uint32_t majorClass, std::uint32_t minorClass) {
+  auto device = std::make_shared<SimBluetoothDevice>(*this, loop_, address, std::move(name), majorClass, minorClass);
+  {
+    std::lock_guard lock(mutex_);
+    devices_[address] = device;
+  }
+  pairingListeners_.notify();
   return *device;
 }
 
 void SimBluetoothWorld::removeDevice(const std::string& address) {
-  std::lock_guard lock(mutex_);
-  devices_.erase(address);
+  {
+    std::lock_guard lock(mutex_);
+    devices_.erase(address);
+  }
+  pairingListeners_.notify();
 }
 
 void SimBluetoothWorld::setConnected(const std::string& address, bool connected) {
@@ -69,7 +75,8 @@ std::unique_ptr<NotificationRegistration> SimBluetoothWorld::subscribe(std::opti
 std::vector<PairedDevice> SimBluetoothWorld::pairedDevices() const {
   std::lock_guard lock(mutex_);
   std::vector<PairedDevice> paired;
-  for (const auto& [address, device] : devices_) paired.push_back({device->name().value_or(address), address});
+  for (const auto& [address, device] : devices_)
+    paired.push_back({device->name().value_or(address), address, device->classOfDevice()});
   return paired;
 }
 

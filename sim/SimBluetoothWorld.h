@@ -18,8 +18,10 @@ class SimBluetoothWorld {
 public:
   explicit SimBluetoothWorld(EventLoop& loop) : loop_(loop) {}
 
-  // Pairs a device; the major class 4 is audio, 5 a peripheral.
-  SimBluetoothDevice& addDevice(const std::string& address, std::optional<std::string> name, std::uint32_t majorClass);
+  // Pairs a device; the major class 4 is audio, 5 a peripheral, and the
+  // minor class says which (6 headphones, 1 a headset; 16 a keyboard).
+  SimBluetoothDevice& addDevice(const std::string& address, std::optional<std::string> name, std::uint32_t majorClass,
+                                std::uint32_t minorClass = 0);
   // Unpairs it: lookups find nothing from now on.
   void removeDevice(const std::string& address);
   // Connects or disconnects the device, with the notifications that follow.
@@ -31,6 +33,10 @@ public:
                                                       Bluetooth::NotificationHandler handler);
   std::size_t subscriptionCount() const;
   std::vector<PairedDevice> pairedDevices() const;
+  // Told at once, on the thread that pairs or removes.
+  std::unique_ptr<NotificationRegistration> registerForPairingChanges(std::function<void()> handler) {
+    return pairingListeners_.add(std::move(handler));
+  }
 
 private:
   struct Subscription {
@@ -45,6 +51,7 @@ private:
   std::map<std::string, std::shared_ptr<SimBluetoothDevice>> devices_;
   std::map<std::uint64_t, Subscription> subscriptions_;
   std::uint64_t nextSubscription_ = 0;
+  Listeners<> pairingListeners_;
 };
 
 } // namespace lb

@@ -90,4 +90,17 @@ std::vector<unsigned char> TrayImage::png() const {
   return {data.begin(), data.end()};
 }
 
+QIcon TrayImage::icon(const QColor& colour) const {
+  static constexpr int heights[] = {16, 22, 24, 32, 44, 48, 64};
+  QIcon icon;
+  if (size_.height <= 0) return icon;
+  for (int pixels : heights) icon.addPixmap(QPixmap::fromImage(render(pixels / size_.height, colour)));
+  return icon;
+}
+
+QIcon TrayImage::iconOf(const std::shared_ptr<Image>& image, const QColor& colour) {
+  auto ours = std::dynamic_pointer_cast<TrayImage>(image);
+  return ours ? ours->icon(colour) : QIcon();
+}
+
 } // namespace lb

@@ -3,6 +3,7 @@
 #include "ports/Images.h"
 
 #include <QColor>
+#include <QIcon>
 #include <QImage>
 #include <QString>
 
@@ -37,6 +38,10 @@ public:
   const QString& key() const { return key_; }
   // The picture `scale` pixels per point; a template picture in `colour`.
   QImage render(double scale, const QColor& colour) const;
+  // The picture at the sizes trays and menus ask for, at 1× and 2×.
+  QIcon icon(const QColor& colour) const;
+  // The same for any picture core chose; empty for one that is not ours.
+  static QIcon iconOf(const std::shared_ptr<Image>& image, const QColor& colour);
 
 private:
   TrayImage(ImageSize size, QString key) : size_(size), key_(std::move(key)) {}

@@ -12,17 +12,6 @@ namespace lb {
 
 namespace {
 
-// The sizes trays ask for, at 1× and 2×.
-constexpr int iconHeights[] = {16, 22, 24, 32, 44, 48, 64};
-
-QIcon iconOf(const TrayImage& image, const QColor& colour) {
-  QIcon icon;
-  const auto size = image.size();
-  if (size.height <= 0) return icon;
-  for (int pixels : iconHeights) icon.addPixmap(QPixmap::fromImage(image.render(pixels / size.height, colour)));
-  return icon;
-}
-
 // A title is shown as it stands: no mnemonics.
 QString menuText(const std::string& title) { return QString::fromStdString(title).replace("&", "&&"); }
 
@@ -62,7 +51,7 @@ void TrayStatusItem::show() {
   // An unchanged picture sends nothing to the tray.
   if (key == shownKey_) return;
   shownKey_ = key;
-  setIcon(image_ ? iconOf(*image_, colour) : QIcon());
+  setIcon(image_ ? image_->icon(colour) : QIcon());
 }
 
 // The item enters the tray with its first picture.

@@ -50,6 +50,7 @@ BluezBluetooth::BluezBluetooth(QDBusConnection bus) : bus_(std::move(bus)) {
   watcher_ = new QDBusServiceWatcher(service, bus_, QDBusServiceWatcher::WatchForOwnerChange, this);
   connect(watcher_, &QDBusServiceWatcher::serviceUnregistered, this, [this] {
     mirror_->clear();
+    pairingListeners_.notify();
     pxrLogError("BlueZ left the bus: no Bluetooth devices until it returns.");
   });
   connect(watcher_, &QDBusServiceWatcher::serviceRegistered, this, [this] { reload(); });
@@ -71,6 +72,7 @@ void BluezBluetooth::rebuild(const BluezObjectMap& objects) {
   mirror_->clear();
   for (auto it = objects.begin(); it != objects.end(); ++it)
     mirror_->addInterfaces(it.key().path(), interfacesOf(it.value()));
+  pairingListeners_.notify();
 }
 
 void BluezBluetooth::reload() {
@@ -88,19 +90,24 @@ void BluezBluetooth::interfacesAdded(const QDBusMessage& message) {
   if (arguments.size() != 2) return;
   auto interfaces = qdbus_cast<BluezInterfaceMap>(arguments[1].value<QDBusArgument>());
   mirror_->addInterfaces(arguments[0].value<QDBusObjectPath>().path(), interfacesOf(interfaces));
+  if (interfaces.contains(BluezMirror::deviceInterface)) pairingListeners_.notify();
 }
 
 void BluezBluetooth::interfacesRemoved(const QDBusMessage& message) {
   const auto arguments = message.arguments();
   if (arguments.size() != 2) return;
-  mirror_->removeInterfaces(arguments[0].value<QDBusObjectPath>().path(), arguments[1].toStringList());
+  const auto removed = arguments[1].toStringList();
+  mirror_->removeInterfaces(arguments[0].value<QDBusObjectPath>().path(), removed);
+  if (removed.contains(BluezMirror::deviceInterface)) pairingListeners_.notify();
 }
 
 void BluezBluetooth::propertiesChanged(const QString& interface, const QVariantMap& changed,
                                        const QStringList& invalidated, const QDBusMessage& message) {
   const QString path = message.path();
   auto before = mirror_->updateProperties(path, interface, changed, invalidated, "Connected");
-  if (interface != BluezMirror::deviceInterface || !changed.contains("Connected")) return;
+  if (interface != BluezMirror::deviceInterface) return;
+  if (changed.contains("Paired") || changed.contains("Alias") || changed.contains("Class")) pairingListeners_.notify();
+  if (!changed.contains("Connected")) return;
   const bool connected = changed.value("Connected").toBool();
   if (before && before->toBool() == connected) return;
 
@@ -149,7 +156,9 @@ std::vector<PairedDevice> BluezBluetooth::pairedDevices() const {
     if (!isPaired || !isPaired->toBool()) continue;
     auto alias = mirror_->property(path, BluezMirror::deviceInterface, "Alias");
     auto address = mirror_->property(path, BluezMirror::deviceInterface, "Address");
-    paired.push_back({alias ? alias->toString().toStdString() : "", address ? address->toString().toStdString() : ""});
+    auto deviceClass = mirror_->property(path, BluezMirror::deviceInterface, "Class");
+    paired.push_back({alias ? alias->toString().toStdString() : "", address ? address->toString().toStdString() : "",
+                      deviceClass ? deviceClass->toUInt() : 0});
   }
   return paired;
 }

@@ -36,6 +36,9 @@ public:
   std::unique_ptr<NotificationRegistration> registerForDisconnectNotification(const BluetoothDevice& device,
                                                                               NotificationHandler handler) override;
   std::vector<PairedDevice> pairedDevices() const override;
+  std::unique_ptr<NotificationRegistration> registerForPairingChanges(std::function<void()> handler) override {
+    return pairingListeners_.add(std::move(handler));
+  }
 
 private slots:
   void interfacesAdded(const QDBusMessage& message);
@@ -59,6 +62,7 @@ private:
   QDBusServiceWatcher* watcher_;
   std::map<std::uint64_t, Subscription> subscriptions_;
   std::uint64_t nextSubscription_ = 0;
+  Listeners<> pairingListeners_;
 };
 
 } // namespace lb

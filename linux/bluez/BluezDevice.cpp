@@ -39,6 +39,11 @@ std::uint32_t BluezDevice::majorDeviceClass() const {
   return 0;
 }
 
+std::uint32_t BluezDevice::classOfDevice() const {
+  auto deviceClass = mirror_->property(path_, BluezMirror::deviceInterface, "Class");
+  return deviceClass && deviceClass->toUInt() != 0 ? deviceClass->toUInt() : majorDeviceClass() << 8;
+}
+
 std::optional<SettingsValue> BluezDevice::batteryProperty(const std::string& keyString) const {
   if (keyString != "batteryPercentSingle") return std::nullopt;
   auto percentage = mirror_->property(path_, "org.bluez.Battery1", "Percentage");

@@ -25,6 +25,7 @@ public:
   std::optional<std::string> name() const override;
   bool isConnected() const override;
   std::uint32_t majorDeviceClass() const override;
+  std::uint32_t classOfDevice() const override;
   IOReturn openConnection(std::optional<std::uint16_t> pageTimeout = std::nullopt) override;
   IOReturn closeConnection() override;
   // BlueZ's Battery1.Percentage, offered as "batteryPercentSingle".

@@ -207,4 +207,21 @@ TEST(XEmbedTray, ShowsTheDemosItems) {
   EXPECT_GT(whitePixels, 100);
 }
 
+// The settings window stays closed while there are devices; a second start
+// opens the running program's, raised.
+TEST(SettingsWindow, ASecondStartRaisesIt) {
+  test::XServer display;
+  LB_REQUIRE_SERVICE(display.skipReason());
+  test::PrivateBus session(test::PrivateBus::Kind::session);
+  LB_REQUIRE_SERVICE(session.skipReason());
+  test::RunningProgram program(nullptr, session, "");
+  program.setVariable("DISPLAY", display.display());
+  ASSERT_TRUE(program.start({"--demo", "-TrayHostWaitInterval", "0"}));
+  EXPECT_FALSE(display.windowShown("Lanternbud Settings"));
+  const auto second = program.run("lanternbud", {"--demo"});
+  EXPECT_EQ(second.status, 0);
+  EXPECT_NE(second.errors.find("asked to show its preferences"), std::string::npos) << second.errors;
+  EXPECT_TRUE(test::waitUntil([&] { return display.windowShown("Lanternbud Settings"); })) << program.logText();
+}
+
 } // namespace lb

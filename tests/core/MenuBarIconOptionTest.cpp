@@ -78,4 +78,18 @@ TEST(MenuBarIconOption, MissingArtworkIsLoggedNotFatal) {
   EXPECT_TRUE(log.contains("No image for headphones")); // only its "-fill" artwork exists
 }
 
+// Classes of real devices, as BlueZ reports them.
+TEST(MenuBarIconOption, ANewDeviceGetsThePictureOfItsClass) {
+  using enum MenuBarIconOption;
+  const std::pair<std::uint32_t, MenuBarIconOption> classes[] = {
+      {0x240404, headset}, {0x240418, headphones},     {0x240414, horizontalSpeaker},
+      {0x24041c, boombox}, {0x240428, desktopSpeaker}, {0x002540, keyboard},
+      {0x002580, mouse},   {0x0025c0, keyboard},       {0x002508, gameController},
+      {0x5a020c, phone},   {0x000000, wand},           {0x00010c, wand}, // a laptop
+  };
+  for (const auto& [classOfDevice, icon] : classes) {
+    EXPECT_EQ(iconForClassOfDevice(classOfDevice), icon) << std::hex << classOfDevice;
+  }
+}
+
 } // namespace lb

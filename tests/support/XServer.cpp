@@ -49,13 +49,23 @@ bool XServer::startTrayPanel() {
   });
 }
 
-bool XServer::screenshot(const std::string& file) {
-  QProcess import;
+std::optional<QByteArray> XServer::run(const QString& program, const QStringList& arguments) {
+  QProcess process;
   auto environment = QProcessEnvironment::systemEnvironment();
   environment.insert("DISPLAY", display_);
-  import.setProcessEnvironment(environment);
-  import.start("import", {"-window", "root", QString::fromStdString(file)});
-  return import.waitForFinished(20000) && import.exitStatus() == QProcess::NormalExit && import.exitCode() == 0;
+  process.setProcessEnvironment(environment);
+  process.start(program, arguments);
+  const bool ran = process.waitForFinished(20000) && process.exitStatus() == QProcess::NormalExit;
+  if (!ran || process.exitCode() != 0) return std::nullopt;
+  return process.readAllStandardOutput();
+}
+
+bool XServer::screenshot(const std::string& file) {
+  return run("import", {"-window", "root", QString::fromStdString(file)}).has_value();
+}
+
+bool XServer::windowShown(const QString& title) {
+  return run("xwininfo", {"-name", title}).value_or("").contains("Map State: IsViewable");
 }
 
 } // namespace lb::test

@@ -3,6 +3,7 @@
 #include <QProcess>
 
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace lb::test {
@@ -23,8 +24,13 @@ public:
   bool startTrayPanel();
   // The screen as a PNG file.
   bool screenshot(const std::string& file);
+  // Whether a window of that title is on the screen.
+  bool windowShown(const QString& title);
 
 private:
+  // The program's standard output, on this display; none when it failed.
+  std::optional<QByteArray> run(const QString& program, const QStringList& arguments);
+
   std::string skipReason_;
   QString display_;
   QProcess server_;

@@ -3,7 +3,6 @@
 #include "ui/SvgImages.h"
 #include "ui/TrayImage.h"
 
-#include <QGuiApplication>
 #include <gtest/gtest.h>
 
 #include <set>
@@ -100,10 +99,3 @@ TEST(TrayPictures, TheSpinnerTurnsFromFrameToFrameInTheColourGiven) {
 }
 
 } // namespace lb
-
-int main(int argc, char** argv) {
-  qputenv("QT_QPA_PLATFORM", "offscreen");
-  QGuiApplication application(argc, argv);
-  testing::InitGoogleTest(&argc, argv);
-  return RUN_ALL_TESTS();
-}

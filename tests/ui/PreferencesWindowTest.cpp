@@ -1,0 +1,292 @@
+#include "core/DeviceSettingManager.h"
+#include "linux/bluez/BluezBluetooth.h"
+#include "linux/xdg/XdgScriptsFolder.h"
+#include "tests/support/PrivateBus.h"
+#include "tests/support/RequireService.h"
+#include "tests/support/SimulatedPlatform.h"
+#include "ui/AddByAddressDialog.h"
+#include "ui/AdvancedSheet.h"
+#include "ui/DeviceChooser.h"
+#include "ui/DeviceListPane.h"
+#include "ui/PreferencesWindow.h"
+
+#include <QCheckBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMenu>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QTest>
+#include <QToolButton>
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+namespace lb {
+
+namespace {
+
+constexpr const char* headsetAddress = "00:1B:66:AA:BB:01";
+constexpr const char* keyboardAddress = "00:1B:66:AA:BB:02";
+constexpr const char* mouseAddress = "00:1B:66:AA:BB:03";
+
+SettingsValue::Dictionary saved(std::int64_t id, const char* address) {
+  return {{"deviceID", id}, {"device", std::string(address)}};
+}
+
+// The window over the simulated platform with two saved devices and one
+// more paired, driven with clicks and typing.
+class PreferencesWindowTest : public ::testing::Test {
+protected:
+  PreferencesWindowTest() {
+    sim.world.addDevice(headsetAddress, "Lantern Headset", 4, 1);
+    sim.world.addDevice(keyboardAddress, "Lantern Keyboard", 5, 16);
+    sim.world.addDevice(mouseAddress, "Lantern Mouse", 5, 32);
+  }
+
+  // The window over the simulated platform, but for the real ports given.
+  void open(const SimulatedPlatform::Replacements& real = {}) {
+    services = std::make_unique<Services>(sim.servicesWith(real));
+    registry = std::make_unique<DeviceSettingManager>(*services);
+    for (const auto& setting : registry->deviceSettingList()) setting->setupStatusItem();
+    window = std::make_unique<PreferencesWindow>(*registry, *services);
+    window->present(std::nullopt);
+  }
+  template <class Widget>
+  Widget* find(const char* name, QWidget* within = nullptr) {
+    auto* found = (within ? within : window.get())->findChild<Widget*>(name);
+    EXPECT_TRUE(found) << name;
+    return found;
+  }
+  // At the left, where a check box has its box.
+  void click(const char* name, QWidget* within = nullptr) {
+    auto* button = find<QAbstractButton>(name, within);
+    QTest::mouseClick(button, Qt::LeftButton, {}, QPoint(6, button->height() / 2));
+  }
+  // The dialog of that kind that is open; closed ones linger until deleted.
+  template <class Dialog>
+  Dialog* opened() {
+    for (auto* dialog : window->findChildren<Dialog*>()) {
+      if (dialog->isVisible()) return dialog;
+    }
+    return nullptr;
+  }
+  QStringList rows() {
+    QStringList names;
+    auto* list = find<QListWidget>("devices");
+    for (int row = 0; row < list->count(); ++row) names << list->item(row)->text();
+    return names;
+  }
+  SettingsValue::Dictionary savedDevice(std::size_t index) {
+    const auto devices = store.value("devices");
+    return *devices->as<SettingsValue::Array>()->at(index).as<SettingsValue::Dictionary>();
+  }
+
+  InMemorySettingsStore store{{{"devices", SettingsValue::Array{saved(1, headsetAddress), saved(2, keyboardAddress)}},
+                               {"shortcutDictForDevice1", SettingsValue::Dictionary{{"keySequence", "Ctrl+Alt+H"}}},
+                               {"shortcutForDevice1", "old"}}};
+  SimulatedPlatform sim{store};
+  test::TemporaryDirectory home;
+  XdgScriptsFolder scriptsFolder{home.path() / "Scripts"};
+  std::unique_ptr<test::PrivateBus> bus; // for the tests that use BlueZ
+  std::unique_ptr<BluezBluetooth> bluez;
+  std::unique_ptr<Services> services;
+  std::unique_ptr<DeviceSettingManager> registry;
+  std::unique_ptr<PreferencesWindow> window;
+};
+
+} // namespace
+
+TEST_F(PreferencesWindowTest, TheListShowsTheDevicesWhoseOptionsApplyAndAreSavedAtOnce) {
+  open();
+  EXPECT_EQ(window->windowTitle(), "Lanternbud Settings");
+  EXPECT_EQ(rows(), (QStringList{"Lantern Headset", "Lantern Keyboard"}));
+  window->present(2);
+  EXPECT_EQ(find<QLabel>("deviceLabel")->text(), "Lantern Keyboard");
+  ASSERT_EQ(sim.statusBar.items().size(), 2u);
+
+  click("isActive");
+  EXPECT_EQ(sim.statusBar.items().size(), 1u);
+  EXPECT_EQ(savedDevice(1).at("isActive"), SettingsValue(false));
+  click("isActive");
+  EXPECT_EQ(sim.statusBar.items().size(), 2u);
+  click("showBatteryLevel");
+  click("connectOnlyMode");
+  EXPECT_TRUE(registry->deviceSettingList()[1]->showBatteryLevel());
+  EXPECT_EQ(savedDevice(1).at("connectOnlyMode"), SettingsValue(true));
+  EXPECT_EQ(find<QLabel>("saveState")->text(), "Changes are saved as you make them.");
+
+  // The icon picker: every picture once in groups, the current one checked.
+  auto* menu = find<QToolButton>("icon")->menu();
+  emit menu->aboutToShow();
+  const auto actions = menu->actions();
+  EXPECT_EQ(actions.size(), 59);
+  QStringList checked;
+  QAction* mouse = nullptr;
+  for (auto* action : actions) {
+    if (action->isChecked()) checked << action->text();
+    if (action->text() == "mouse") mouse = action;
+  }
+  EXPECT_EQ(checked, QStringList{"wand"}); // saved without a choice
+  ASSERT_TRUE(mouse);
+  mouse->trigger();
+  EXPECT_EQ(registry->deviceSettingList()[1]->icon(), MenuBarIconOption::mouse);
+  EXPECT_EQ(savedDevice(1).at("icon"), SettingsValue("mouse"));
+
+  click("launchAtLogin");
+  EXPECT_TRUE(sim.defaults.boolValue("launchAtLogin", false));
+
+  // A change from elsewhere (a script renaming, adding) shows at once.
+  registry->add(*sim.bluetooth.deviceWithAddressString(mouseAddress));
+  EXPECT_EQ(rows(), (QStringList{"Lantern Headset", "Lantern Keyboard", "Lantern Mouse"}));
+  EXPECT_EQ(find<QLabel>("deviceLabel")->text(), "Lantern Keyboard");
+}
+
+TEST_F(PreferencesWindowTest, RemovingTakesTheItemAndShortcutAndAnEmptyListOffersTheChooser) {
+  open();
+  click("remove");
+  EXPECT_EQ(rows(), QStringList{"Lantern Keyboard"});
+  EXPECT_EQ(sim.statusBar.items().size(), 1u);
+  EXPECT_FALSE(store.value("shortcutDictForDevice1"));
+  EXPECT_FALSE(store.value("shortcutForDevice1"));
+  EXPECT_EQ(savedDevice(0).at("deviceID"), SettingsValue(std::int64_t{2}));
+
+  click("remove");
+  EXPECT_TRUE(rows().isEmpty());
+  EXPECT_EQ(find<QLabel>("deviceLabel")->text(), "-");
+  EXPECT_FALSE(find<QCheckBox>("isActive")->isEnabled());
+  auto* chooser = opened<DeviceChooser>();
+  ASSERT_TRUE(chooser);
+  auto* paired = find<QListWidget>("paired", chooser);
+  ASSERT_EQ(paired->count(), 3);
+  paired->setCurrentRow(0);
+  click("add", chooser);
+  ASSERT_EQ(registry->deviceSettingList().size(), 1u);
+  const auto& added = registry->deviceSettingList()[0];
+  EXPECT_EQ(added->deviceID(), 3);
+  EXPECT_EQ(added->icon(), MenuBarIconOption::headset);
+  EXPECT_EQ(rows(), QStringList{"Lantern Headset"});
+  EXPECT_EQ(find<QLabel>("deviceLabel")->text(), "Lantern Headset");
+}
+
+TEST_F(PreferencesWindowTest, AddingByAddressTakesTheUsualFormsAndSaysWhatIsWrong) {
+  open();
+  click("addByAddress");
+  auto* dialog = opened<AddByAddressDialog>();
+  ASSERT_TRUE(dialog);
+  auto* address = find<QLineEdit>("address", dialog);
+  auto* add = find<QPushButton>("add", dialog);
+  auto* problem = find<QLabel>("problem", dialog);
+  auto type = [&](const char* text) {
+    address->clear();
+    QTest::keyClicks(address, text);
+  };
+
+  for (const char* malformed : {"", "00:1B:66:AA:BB", "00:1B:66:AA:BB:0G", "00:1B-66:AA:BB:03"}) {
+    type(malformed);
+    EXPECT_FALSE(add->isEnabled()) << malformed;
+  }
+  type("aa-bb-cc-dd-ee-ff");
+  ASSERT_TRUE(add->isEnabled());
+  QTest::mouseClick(add, Qt::LeftButton);
+  EXPECT_TRUE(problem->isVisible());
+  EXPECT_TRUE(problem->text().contains("knows no Bluetooth device at AA:BB:CC:DD:EE:FF"))
+      << problem->text().toStdString();
+  type(keyboardAddress);
+  QTest::mouseClick(add, Qt::LeftButton);
+  EXPECT_EQ(problem->text(), "The device has already been added.");
+  EXPECT_EQ(registry->deviceSettingList().size(), 2u);
+
+  type(" 00-1b-66-aa-bb-03 ");
+  QTest::keyClick(address, Qt::Key_Return);
+  EXPECT_FALSE(dialog->isVisible());
+  EXPECT_EQ(rows(), (QStringList{"Lantern Headset", "Lantern Keyboard", "Lantern Mouse"}));
+  EXPECT_EQ(find<QLabel>("deviceLabel")->text(), "Lantern Mouse");
+  EXPECT_EQ(sim.statusBar.items().size(), 3u);
+  EXPECT_EQ(registry->deviceSettingList()[2]->icon(), MenuBarIconOption::mouse);
+}
+
+TEST_F(PreferencesWindowTest, ScriptsAreWrittenOnDoneAndAFailedWriteKeepsTheText) {
+  open({.scriptsFolder = &scriptsFolder});
+  click("advanced");
+  auto* sheet = opened<AdvancedSheet>();
+  ASSERT_TRUE(sheet);
+  auto* connectScript = find<QPlainTextEdit>("connectScript", sheet);
+  EXPECT_EQ(connectScript->toPlainText(), "#!/bin/sh\n");
+  EXPECT_EQ(find<QPlainTextEdit>("disconnectScript", sheet)->toPlainText(), "#!/bin/sh\n");
+  connectScript->moveCursor(QTextCursor::End);
+  QTest::keyClicks(connectScript, "echo \"it's\" -- connected");
+  click("runConnected", sheet);
+  click("done", sheet);
+  EXPECT_FALSE(sheet->isVisible());
+
+  const auto file = home.path() / "Scripts/1.connected";
+  std::ifstream written(file);
+  EXPECT_EQ(std::string(std::istreambuf_iterator<char>(written), {}), "#!/bin/sh\necho \"it's\" -- connected");
+  EXPECT_EQ(std::filesystem::status(file).permissions() & std::filesystem::perms::all,
+            std::filesystem::perms::owner_all);
+  EXPECT_FALSE(std::filesystem::exists(home.path() / "Scripts/1.disconnected")); // unchanged: no file
+  EXPECT_TRUE(registry->deviceSettingList()[0]->runShellScriptAfterConnected());
+
+  // A folder that cannot be written: the sheet says so and keeps the text.
+  std::filesystem::remove_all(home.path() / "Scripts");
+  std::ofstream(home.path() / "Scripts") << "in the way";
+  click("advanced");
+  sheet = opened<AdvancedSheet>();
+  ASSERT_TRUE(sheet);
+  auto* disconnectScript = find<QPlainTextEdit>("disconnectScript", sheet);
+  disconnectScript->moveCursor(QTextCursor::End);
+  QTest::keyClicks(disconnectScript, "echo bye");
+  click("done", sheet);
+  EXPECT_TRUE(sheet->isVisible());
+  EXPECT_TRUE(find<QLabel>("problem", sheet)->text().startsWith("Unable to write script to the folder."));
+  EXPECT_EQ(disconnectScript->toPlainText(), "#!/bin/sh\necho bye");
+  EXPECT_EQ(registry->deviceSettingList()[0]->shellScriptAfterDisconnected(), "#!/bin/sh\necho bye");
+}
+
+TEST_F(PreferencesWindowTest, TheChooserFollowsBlueZsPairedDevices) {
+  bus = std::make_unique<test::PrivateBus>();
+  if (bus->skipReason().empty()) bus->startBluez();
+  LB_REQUIRE_SERVICE(bus->skipReason());
+  bus->bluez("/", "org.bluez.Mock", "AddAdapter", {"hci0", "my-computer"});
+  bus->bluez("/", "org.bluez.Mock", "AddDevice", {"hci0", headsetAddress, "WH Headset"});
+  bus->bluez("/", "org.bluez.Mock", "PairDevice", {"hci0", headsetAddress, 0x240404});
+  bus->bluez("/", "org.bluez.Mock", "AddDevice", {"hci0", keyboardAddress, "K380 Keyboard"});
+  bluez = std::make_unique<BluezBluetooth>(bus->connect("lanternbud"));
+  store.removeValue("devices");
+  open({.bluetooth = bluez.get()});
+
+  // With no devices the chooser opens at once, with the paired ones only.
+  auto* chooser = opened<DeviceChooser>();
+  ASSERT_TRUE(chooser);
+  auto* paired = find<QListWidget>("paired", chooser);
+  auto names = [&] {
+    QStringList all;
+    for (int row = 0; row < paired->count(); ++row) all << paired->item(row)->text();
+    return all;
+  };
+  EXPECT_EQ(names(), QStringList{QString("WH Headset   ") + headsetAddress});
+  bus->bluez("/", "org.bluez.Mock", "PairDevice", {"hci0", keyboardAddress, 0x002540});
+  EXPECT_TRUE(test::waitUntil([&] { return paired->count() == 2; }));
+  bus->bluez("/org/bluez/hci0", "org.bluez.Adapter1", "RemoveDevice",
+             {QVariant::fromValue(QDBusObjectPath(test::PrivateBus::bluezDevicePath(headsetAddress)))});
+  EXPECT_TRUE(test::waitUntil([&] { return names() == QStringList{QString("K380 Keyboard   ") + keyboardAddress}; }))
+      << names().join(", ").toStdString();
+
+  QTest::keyClick(paired, Qt::Key_Return);
+  ASSERT_EQ(registry->deviceSettingList().size(), 1u);
+  EXPECT_EQ(registry->deviceSettingList()[0]->icon(), MenuBarIconOption::keyboard);
+  EXPECT_FALSE(chooser->isVisible());
+
+  // Nothing left to add: the chooser says so and offers the desktop's settings.
+  click("addDevice");
+  chooser = opened<DeviceChooser>();
+  ASSERT_TRUE(chooser);
+  EXPECT_EQ(find<QListWidget>("paired", chooser)->count(), 0);
+  EXPECT_TRUE(find<QLabel>("message", chooser)->text().startsWith("Every paired device is in Lanternbud already."));
+  EXPECT_TRUE(find<QPushButton>("bluetoothSettings", chooser)->isVisible());
+}
+
+} // namespace lb

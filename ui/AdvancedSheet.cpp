@@ -1,0 +1,93 @@
+#include "ui/AdvancedSheet.h"
+
+#include "core/DeviceSetting.h"
+#include "foundation/PXRLog.h"
+#include "ui/UiText.h"
+
+#include <QCheckBox>
+#include <QDialogButtonBox>
+#include <QFontDatabase>
+#include <QLabel>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+namespace lb {
+
+namespace {
+
+QPlainTextEdit* editor(const QString& text, const char* accessibleName, QWidget* parent) {
+  auto* made = new QPlainTextEdit(text, parent);
+  made->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+  made->setLineWrapMode(QPlainTextEdit::NoWrap);
+  made->setAccessibleName(uiText(accessibleName));
+  made->setMinimumSize(480, 120);
+  return made;
+}
+
+} // namespace
+
+AdvancedSheet::AdvancedSheet(std::shared_ptr<DeviceSetting> setting, Services& services, QWidget* parent)
+    : QDialog(parent), setting_(std::move(setting)), services_(services),
+      runConnected_(new QCheckBox(uiText("Run this script after &connecting:"), this)),
+      connected_(editor(QString::fromStdString(setting_->shellScriptAfterConnected()), "Connect script", this)),
+      runDisconnected_(new QCheckBox(uiText("Run this script after &disconnecting:"), this)),
+      disconnected_(
+          editor(QString::fromStdString(setting_->shellScriptAfterDisconnected()), "Disconnect script", this)),
+      problem_(new QLabel(this)) {
+  setWindowTitle(QString::fromStdString(formatted(localized("Scripts of %@"), setting_->deviceNameOrUnknown())));
+  runConnected_->setObjectName("runConnected");
+  runConnected_->setAccessibleName(uiText("Run the connect script"));
+  runConnected_->setChecked(setting_->runShellScriptAfterConnected());
+  connected_->setObjectName("connectScript");
+  runDisconnected_->setObjectName("runDisconnected");
+  runDisconnected_->setAccessibleName(uiText("Run the disconnect script"));
+  runDisconnected_->setChecked(setting_->runShellScriptAfterDisconnected());
+  disconnected_->setObjectName("disconnectScript");
+  problem_->setObjectName("problem");
+  problem_->setWordWrap(true);
+  problem_->hide();
+
+  auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel | QDialogButtonBox::Help, this);
+  auto* doneButton = buttons->button(QDialogButtonBox::Ok);
+  doneButton->setText(uiText("Done"));
+  doneButton->setObjectName("done");
+  connect(buttons, &QDialogButtonBox::accepted, this, &AdvancedSheet::done);
+  connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+  connect(buttons, &QDialogButtonBox::helpRequested, this, [this] { services_.alerts.openHelpPage("scripts"); });
+
+  auto* layout = new QVBoxLayout(this);
+  layout->addWidget(runConnected_);
+  layout->addWidget(connected_);
+  layout->addWidget(runDisconnected_);
+  layout->addWidget(disconnected_);
+  layout->addWidget(problem_);
+  layout->addWidget(buttons);
+}
+
+// The texts reach the device's options first, so that a failed write loses
+// nothing: the sheet stays open, and Done tries again.
+void AdvancedSheet::done() {
+  const auto connectedText = connected_->toPlainText().toStdString();
+  if (connectedText != setting_->shellScriptAfterConnected()) setting_->setShellScriptAfterConnected(connectedText);
+  const auto disconnectedText = disconnected_->toPlainText().toStdString();
+  if (disconnectedText != setting_->shellScriptAfterDisconnected()) {
+    setting_->setShellScriptAfterDisconnected(disconnectedText);
+  }
+  setting_->setRunShellScriptAfterConnected(runConnected_->isChecked());
+  setting_->setRunShellScriptAfterDisconnected(runDisconnected_->isChecked());
+  try {
+    setting_->saveScripts();
+  } catch (const std::exception& error) {
+    pxrLogError(std::string("Error saving script: ") + error.what());
+    problem_->setText(uiText("Unable to write script to the folder.") + " (" + QString::fromStdString(error.what()) +
+                      ")");
+    problem_->show();
+    emit scriptsChanged(); // the switches and texts are kept all the same
+    return;
+  }
+  emit scriptsChanged();
+  accept();
+}
+
+} // namespace lb

@@ -1,0 +1,135 @@
+#include "ui/DeviceChooser.h"
+
+#include "core/DeviceSettingManager.h"
+#include "foundation/BluetoothAddress.h"
+#include "ui/TrayImage.h"
+#include "ui/UiText.h"
+
+#include <QDialogButtonBox>
+#include <QLabel>
+#include <QListWidget>
+#include <QProcess>
+#include <QPushButton>
+#include <QStandardPaths>
+#include <QVBoxLayout>
+
+namespace lb {
+
+namespace {
+
+constexpr int addressRole = Qt::UserRole;
+
+bool isAdded(const DeviceSettingManager& registry, const std::string& address) {
+  for (const auto& setting : registry.deviceSettingList()) {
+    if (auto stored = setting->scriptingAddress(); stored && sameBluetoothAddress(*stored, address)) return true;
+  }
+  return false;
+}
+
+} // namespace
+
+DeviceChooser::DeviceChooser(DeviceSettingManager& registry, Services& services, QWidget* parent)
+    : QDialog(parent), registry_(registry), services_(services), list_(new QListWidget(this)),
+      message_(new QLabel(this)), addButton_(new QPushButton(uiText("Add Device"), this)),
+      settingsButton_(new QPushButton(uiText("Open Bluetooth &Settings"), this)) {
+  setWindowTitle(uiText("Add a Device"));
+  auto* intro = new QLabel(uiText("Select the Bluetooth device that you want to add to the menu bar:"), this);
+  intro->setWordWrap(true);
+  list_->setObjectName("paired");
+  list_->setAccessibleName(uiText("Paired devices"));
+  list_->setIconSize(QSize(24, 24));
+  message_->setObjectName("message");
+  message_->setWordWrap(true);
+  addButton_->setObjectName("add");
+  addButton_->setDefault(true);
+  settingsButton_->setObjectName("bluetoothSettings");
+  auto* byAddress = new QPushButton(uiText("Add by &Address…"), this);
+  byAddress->setObjectName("addByAddress");
+
+  auto* buttons = new QDialogButtonBox(QDialogButtonBox::Cancel, this);
+  buttons->addButton(byAddress, QDialogButtonBox::ActionRole);
+  buttons->addButton(addButton_, QDialogButtonBox::AcceptRole);
+  connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+  connect(addButton_, &QPushButton::clicked, this, &DeviceChooser::addChosen);
+  connect(list_, &QListWidget::itemActivated, this, &DeviceChooser::addChosen);
+  connect(list_, &QListWidget::currentRowChanged, this, [this](int row) { addButton_->setEnabled(row >= 0); });
+  connect(settingsButton_, &QPushButton::clicked, this, &DeviceChooser::openBluetoothSettings);
+  connect(byAddress, &QPushButton::clicked, this, [this] {
+    emit addByAddress();
+    reject();
+  });
+
+  auto* layout = new QVBoxLayout(this);
+  layout->addWidget(intro);
+  layout->addWidget(list_);
+  layout->addWidget(message_);
+  layout->addWidget(settingsButton_, 0, Qt::AlignLeft);
+  layout->addWidget(buttons);
+  resize(440, 360);
+
+  pairing_ = services_.bluetooth.registerForPairingChanges([this] { refresh(); });
+  refresh();
+}
+
+DeviceChooser::~DeviceChooser() = default;
+
+void DeviceChooser::refresh() {
+  const auto chosen = list_->currentItem() ? list_->currentItem()->data(addressRole).toString() : QString();
+  const QColor ink = palette().color(QPalette::WindowText);
+  const auto paired = services_.bluetooth.pairedDevices();
+  list_->clear();
+  for (const auto& device : paired) {
+    if (device.address.empty() || isAdded(registry_, device.address)) continue;
+    const auto picture = services_.images.named(std::string(rawValue(iconForClassOfDevice(device.classOfDevice))));
+    const auto name = device.name.empty() ? device.address : device.name;
+    auto* item = new QListWidgetItem(TrayImage::iconOf(picture, ink),
+                                     QString::fromStdString(name + "   " + device.address), list_);
+    item->setData(addressRole, QString::fromStdString(device.address));
+    if (item->data(addressRole).toString() == chosen || list_->count() == 1) list_->setCurrentItem(item);
+  }
+  const bool any = list_->count() > 0;
+  message_->setText(any ? QString()
+                    : paired.empty()
+                        ? uiText("No Bluetooth device is paired with this computer. Pair one in your desktop’s "
+                                 "Bluetooth settings, and it appears here.")
+                        : uiText("Every paired device is in Lanternbud already. Pair another one in your desktop’s "
+                                 "Bluetooth settings, and it appears here."));
+  message_->setVisible(!any);
+  settingsButton_->setVisible(!any);
+  addButton_->setEnabled(list_->currentRow() >= 0);
+}
+
+void DeviceChooser::addChosen() {
+  auto* item = list_->currentItem();
+  if (!item) return;
+  const auto address = item->data(addressRole).toString().toStdString();
+  auto device = services_.bluetooth.deviceWithAddressString(address);
+  auto setting = device ? registry_.add(*device) : nullptr;
+  if (!setting) {
+    message_->setText(device ? uiText("The device has already been added.")
+                             : uiText("The device is no longer paired with this computer."));
+    message_->show();
+    return;
+  }
+  emit added(setting->deviceID());
+  accept();
+}
+
+// The first of the desktops' own Bluetooth settings that is installed.
+void DeviceChooser::openBluetoothSettings() {
+  const std::pair<const char*, QStringList> candidates[] = {
+      {"gnome-control-center", {"bluetooth"}},
+      {"systemsettings", {"kcm_bluetooth"}},
+      {"blueman-manager", {}},
+      {"blueberry", {}},
+  };
+  for (const auto& [program, arguments] : candidates) {
+    const auto path = QStandardPaths::findExecutable(program);
+    if (!path.isEmpty() && QProcess::startDetached(path, arguments)) return;
+  }
+  message_->setText(uiText("No Bluetooth settings program was found. Pair the device in a terminal with "
+                           "bluetoothctl (scan on, then pair and trust its address), and it appears here."));
+  message_->show();
+}
+
+} // namespace lb

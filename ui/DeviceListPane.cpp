@@ -1,0 +1,300 @@
+#include "ui/DeviceListPane.h"
+
+#include "core/DeviceSettingManager.h"
+#include "core/LogAreas.h"
+#include "ui/AddByAddressDialog.h"
+#include "ui/AdvancedSheet.h"
+#include "ui/DeviceChooser.h"
+#include "ui/TrayImage.h"
+#include "ui/UiText.h"
+
+#include <QCheckBox>
+#include <QFormLayout>
+#include <QGuiApplication>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QListWidget>
+#include <QMenu>
+#include <QPushButton>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+namespace lb {
+
+// A check box bound to one of the device's options.
+struct DeviceListPane::Switch {
+  QCheckBox* box;
+  bool (DeviceSetting::*get)() const;
+  void (DeviceSetting::*set)(bool);
+};
+
+namespace {
+
+QPushButton* button(const char* title, const char* accessibleName, QWidget* parent) {
+  auto* made = new QPushButton(uiText(title), parent);
+  made->setAccessibleName(uiText(accessibleName));
+  return made;
+}
+
+} // namespace
+
+DeviceListPane::DeviceListPane(DeviceSettingManager& registry, Services& services, QWidget* parent)
+    : QWidget(parent), registry_(registry), services_(services), list_(new QListWidget(this)),
+      deviceLabel_(new QLabel("-", this)), iconButton_(new QToolButton(this)), iconMenu_(new QMenu(this)),
+      advancedButton_(button("Ad&vanced…", "Scripts of the device", this)),
+      removeButton_(button("−", "Remove the device", this)),
+      launchAtLogin_(new QCheckBox(uiText("Start Lanternbud at &login"), this)) {
+  list_->setObjectName("devices");
+  list_->setAccessibleName(uiText("Devices"));
+  list_->setIconSize(QSize(24, 24));
+  list_->setMinimumWidth(200);
+  connect(list_, &QListWidget::currentRowChanged, this, [this] { showSelected(); });
+
+  auto* addButton = button("+", "Add a paired device", this);
+  addButton->setObjectName("addDevice");
+  addButton->setToolTip(uiText("Add a device that is paired with this computer"));
+  connect(addButton, &QPushButton::clicked, this, &DeviceListPane::addNewDevice);
+  removeButton_->setObjectName("remove");
+  removeButton_->setToolTip(uiText("Remove the selected device from Lanternbud"));
+  connect(removeButton_, &QPushButton::clicked, this, &DeviceListPane::removeSelectedDevice);
+  auto* byAddress = button("Add by &Address…", "Add a device by its address", this);
+  byAddress->setObjectName("addByAddress");
+  connect(byAddress, &QPushButton::clicked, this, &DeviceListPane::addNewDeviceManually);
+
+  deviceLabel_->setObjectName("deviceLabel");
+  deviceLabel_->setAccessibleName(uiText("Device name"));
+  auto font = deviceLabel_->font();
+  font.setBold(true);
+  deviceLabel_->setFont(font);
+  iconButton_->setObjectName("icon");
+  iconButton_->setAccessibleName(uiText("Icon in the tray"));
+  iconButton_->setToolTip(uiText("Choose the device's icon (hold Alt for the connected pictures)"));
+  iconButton_->setIconSize(QSize(32, 32));
+  iconButton_->setPopupMode(QToolButton::InstantPopup);
+  iconButton_->setMenu(iconMenu_);
+  iconMenu_->setToolTipsVisible(true);
+  connect(iconMenu_, &QMenu::aboutToShow, this, &DeviceListPane::fillIconMenu);
+
+  auto makeSwitch = [this](const char* name, const char* title, bool (DeviceSetting::*get)() const,
+                           void (DeviceSetting::*set)(bool)) {
+    auto* box = new QCheckBox(uiText(title), this);
+    box->setObjectName(name);
+    box->setAccessibleName(uiText(title).remove('&'));
+    connect(box, &QCheckBox::clicked, this, [this, set](bool on) {
+      if (auto setting = selectedDeviceSetting()) {
+        ((*setting).*set)(on);
+        save();
+      }
+    });
+    switches_.push_back({box, get, set});
+  };
+  makeSwitch("isActive", "Show in the &tray", &DeviceSetting::isActive, &DeviceSetting::setActive);
+  makeSwitch("connectOnlyMode", "&Connect only: a click never disconnects", &DeviceSetting::connectionOnlyMode,
+             &DeviceSetting::setConnectionOnlyMode);
+  makeSwitch("keepDefaultAudioInput", "&Keep the sound input when connecting", &DeviceSetting::keepDefaultAudioInput,
+             &DeviceSetting::setKeepDefaultAudioInput);
+  makeSwitch("showBatteryLevel", "Show the &battery level", &DeviceSetting::showBatteryLevel,
+             &DeviceSetting::setShowBatteryLevel);
+  advancedButton_->setObjectName("advanced");
+  connect(advancedButton_, &QPushButton::clicked, this, &DeviceListPane::openAdvancedSheet);
+
+  launchAtLogin_->setObjectName("launchAtLogin");
+  launchAtLogin_->setAccessibleName(uiText("Start Lanternbud at login"));
+  launchAtLogin_->setChecked(services_.defaults.boolValue("launchAtLogin", false));
+  connect(launchAtLogin_, &QCheckBox::clicked, this, [this](bool on) {
+    PXR_LOG(loginLog(), "Launch at login checkbox set to :", on ? "true" : "false");
+    services_.defaults.setValue("launchAtLogin", on);
+    emit saved();
+  });
+
+  // The detail: a form, so that further rows (the shortcut) find their place.
+  auto* detail = new QFormLayout;
+  detail->addRow(deviceLabel_);
+  detail->addRow(uiText("&Icon:"), iconButton_);
+  for (const auto& each : switches_) detail->addRow(each.box);
+  auto* advancedRow = new QHBoxLayout;
+  advancedRow->addWidget(advancedButton_);
+  advancedRow->addStretch();
+  detail->addRow(advancedRow);
+
+  auto* listButtons = new QHBoxLayout;
+  listButtons->addWidget(addButton);
+  listButtons->addWidget(removeButton_);
+  listButtons->addWidget(byAddress);
+  listButtons->addStretch();
+  auto* left = new QVBoxLayout;
+  left->addWidget(list_);
+  left->addLayout(listButtons);
+  auto* columns = new QHBoxLayout;
+  columns->addLayout(left, 1);
+  columns->addLayout(detail, 1);
+  auto* layout = new QVBoxLayout(this);
+  layout->addLayout(columns);
+  layout->addWidget(launchAtLogin_);
+
+  changes_ = registry_.addChangeListener([this](const DeviceSetting* changed) { deviceChanged(changed); });
+  reload();
+  selectRow(0);
+}
+
+DeviceListPane::~DeviceListPane() = default;
+
+std::shared_ptr<DeviceSetting> DeviceListPane::selectedDeviceSetting() const {
+  const auto& devices = registry_.deviceSettingList();
+  const int row = list_->currentRow();
+  return row >= 0 && static_cast<std::size_t>(row) < devices.size() ? devices[static_cast<std::size_t>(row)] : nullptr;
+}
+
+void DeviceListPane::select(std::optional<std::int64_t> deviceID) {
+  const auto& devices = registry_.deviceSettingList();
+  for (std::size_t row = 0; deviceID && row < devices.size(); ++row) {
+    if (devices[row]->deviceID() == *deviceID) return selectRow(static_cast<int>(row));
+  }
+  selectRow(std::max(list_->currentRow(), 0));
+}
+
+void DeviceListPane::selectRow(int row) {
+  if (row >= list_->count()) row = list_->count() - 1;
+  list_->setCurrentRow(row);
+  showSelected();
+}
+
+void DeviceListPane::reload() {
+  const auto selected = selectedDeviceSetting();
+  const QColor ink = palette().color(QPalette::WindowText);
+  list_->blockSignals(true);
+  list_->clear();
+  int selectedRow = 0;
+  for (const auto& setting : registry_.deviceSettingList()) {
+    if (setting == selected) selectedRow = list_->count();
+    auto picture = services_.images.named(std::string(rawValue(setting->icon())));
+    list_->addItem(
+        new QListWidgetItem(TrayImage::iconOf(picture, ink), QString::fromStdString(setting->deviceNameOrUnknown())));
+  }
+  list_->setCurrentRow(list_->count() ? selectedRow : -1);
+  list_->blockSignals(false);
+  showSelected();
+}
+
+// The icon timer and every state change tell this too: only what shows is
+// compared and redrawn.
+void DeviceListPane::deviceChanged(const DeviceSetting* changed) {
+  const auto& devices = registry_.deviceSettingList();
+  if (!changed || static_cast<std::size_t>(list_->count()) != devices.size()) return reload();
+  for (std::size_t row = 0; row < devices.size(); ++row) {
+    if (devices[row].get() != changed) continue;
+    auto* item = list_->item(static_cast<int>(row));
+    const auto name = QString::fromStdString(changed->deviceNameOrUnknown());
+    if (item->text() != name) return reload();
+    if (static_cast<int>(row) == list_->currentRow()) showSelected();
+    return;
+  }
+}
+
+void DeviceListPane::showSelected() {
+  const auto setting = selectedDeviceSetting();
+  deviceLabel_->setText(setting ? QString::fromStdString(setting->deviceNameOrUnknown()) : QString("-"));
+  const QColor ink = palette().color(QPalette::WindowText);
+  iconButton_->setIcon(setting ? TrayImage::iconOf(services_.images.named(std::string(rawValue(setting->icon()))), ink)
+                               : QIcon());
+  for (const auto& each : switches_) {
+    each.box->setChecked(setting && ((*setting).*each.get)());
+    each.box->setEnabled(setting != nullptr);
+  }
+  for (QWidget* widget : {static_cast<QWidget*>(iconButton_), static_cast<QWidget*>(advancedButton_),
+                          static_cast<QWidget*>(removeButton_)}) {
+    widget->setEnabled(setting != nullptr);
+  }
+  if (setting) {
+    const auto& devices = registry_.deviceSettingList();
+    const auto row = static_cast<int>(std::find(devices.begin(), devices.end(), setting) - devices.begin());
+    const auto picture = services_.images.named(std::string(rawValue(setting->icon())));
+    if (auto* item = list_->item(row)) item->setIcon(TrayImage::iconOf(picture, ink));
+  }
+}
+
+// Every picture once, in groups; the current one checked. With Alt held
+// the menu shows the connected pictures.
+void DeviceListPane::fillIconMenu() {
+  iconMenu_->clear();
+  const auto setting = selectedDeviceSetting();
+  if (!setting) return;
+  const bool connected = QGuiApplication::queryKeyboardModifiers() & Qt::AltModifier;
+  const QColor ink = palette().color(QPalette::WindowText);
+  for (const auto& entry : availableIconsForMenu(services_.images)) {
+    if (!entry) {
+      iconMenu_->addSeparator();
+      continue;
+    }
+    const std::string raw(rawValue(*entry));
+    auto picture = connected ? connectedImage(services_.images, *entry) : services_.images.named(raw);
+    const auto tip = lb::toolTip(*entry);
+    auto* action = iconMenu_->addAction(TrayImage::iconOf(picture, ink),
+                                        QString::fromStdString(std::string(tip ? *tip : raw)));
+    if (tip) action->setToolTip(QString::fromStdString(std::string(*tip)));
+    action->setCheckable(true);
+    action->setChecked(*entry == setting->icon());
+    connect(action, &QAction::triggered, this, [this, weak = std::weak_ptr(setting), option = *entry] {
+      if (auto chosen = weak.lock()) {
+        chosen->setIcon(option);
+        save();
+      }
+    });
+  }
+}
+
+void DeviceListPane::openAdvancedSheet() {
+  auto setting = selectedDeviceSetting();
+  if (!setting) return;
+  auto* sheet = new AdvancedSheet(setting, services_, this);
+  sheet->setAttribute(Qt::WA_DeleteOnClose);
+  connect(sheet, &AdvancedSheet::scriptsChanged, this, &DeviceListPane::save);
+  sheet->open();
+}
+
+void DeviceListPane::addNewDevice() {
+  if (chooser_ && chooser_->isVisible()) {
+    chooser_->raise();
+    chooser_->activateWindow();
+    return;
+  }
+  chooser_ = new DeviceChooser(registry_, services_, this);
+  chooser_->setAttribute(Qt::WA_DeleteOnClose);
+  connect(chooser_, &DeviceChooser::added, this, &DeviceListPane::added);
+  connect(chooser_, &DeviceChooser::addByAddress, this, &DeviceListPane::addNewDeviceManually);
+  chooser_->open();
+}
+
+void DeviceListPane::addNewDeviceManually() {
+  auto* dialog = new AddByAddressDialog(registry_, services_, this);
+  dialog->setAttribute(Qt::WA_DeleteOnClose);
+  connect(dialog, &AddByAddressDialog::added, this, &DeviceListPane::added);
+  dialog->open();
+}
+
+void DeviceListPane::added(std::int64_t deviceID) {
+  reload();
+  select(deviceID);
+  save();
+}
+
+void DeviceListPane::removeSelectedDevice() {
+  const auto setting = selectedDeviceSetting();
+  if (!setting) return;
+  const auto& devices = registry_.deviceSettingList();
+  registry_.remove(static_cast<std::size_t>(std::find(devices.begin(), devices.end(), setting) - devices.begin()));
+  selectRow(0);
+  save();
+  offerChooserWhenEmpty();
+}
+
+void DeviceListPane::offerChooserWhenEmpty() {
+  if (registry_.deviceSettingList().empty()) addNewDevice();
+}
+
+void DeviceListPane::save() {
+  registry_.synchronize();
+  emit saved();
+}
+
+} // namespace lb
