@@ -5,7 +5,10 @@
 #include "ui/DialogAlerts.h"
 #include "ui/TrayStatusBar.h"
 
+#include "app/NoGlobalKeys.h"
 #include "linux/bluez/BluezBluetooth.h"
+#include "linux/desktop/PortalGlobalKeys.h"
+#include "linux/desktop/X11GlobalKeys.h"
 #include "linux/battery/LinuxBatterySources.h"
 #include "linux/audio/PulseAudioSystem.h"
 #include "linux/xdg/XdgAutostart.h"
@@ -13,10 +16,24 @@
 #include "sim/SimLoginItems.h"
 
 #include <QCoreApplication>
+#include <QGuiApplication>
 
 namespace lb {
 
 namespace {
+
+// By the session: under XWayland, X11 grabs fire only while an X window has
+// the focus, so a Wayland session asks the portal.
+std::unique_ptr<GlobalKeys> globalKeys() {
+  const bool wayland = qgetenv("XDG_SESSION_TYPE") == "wayland" || QGuiApplication::platformName() == "wayland";
+  if (wayland) {
+    if (auto portal = PortalGlobalKeys::make(QDBusConnection::sessionBus())) return portal;
+  } else if (auto x11 = X11GlobalKeys::make()) {
+    return x11;
+  }
+  return std::make_unique<NoGlobalKeys>();
+}
+
 // Installed beside the program, else in the source tree it was built from.
 std::vector<std::filesystem::path> helpFolders() {
   const std::filesystem::path program = QCoreApplication::applicationDirPath().toStdString();
@@ -27,6 +44,7 @@ std::vector<std::filesystem::path> helpFolders() {
 Platform::Platform(UserDefaults& defaults, Tunables& tunables, std::string backend, std::filesystem::path scriptsFolder,
                    Desktop desktop)
     : defaults_(defaults), tunables_(tunables), backend_(std::move(backend)), windows_(desktop.display),
+      globalKeys_(globalKeys()), shortcuts_(std::make_unique<ShortcutBinder>(defaults, *globalKeys_)),
       scriptsFolder_(std::move(scriptsFolder)) {
   if (desktop.tray) {
     statusBar_ = std::make_unique<TrayStatusBar>([&tunables] { return tunables(tunable::TrayIconColor); });
@@ -80,7 +98,7 @@ void Platform::wire(Bluetooth& bluetooth, AudioSystem& audio, BatterySources& ba
   inputDeviceManager_ = std::make_unique<InputDeviceManager>(*audioHardware_, tunables_, loop_);
   batteryInfo_ = std::make_unique<BatteryInfo>(batterySources, tunables_, loop_, loop_.now());
   deviceInfoCache_ = std::make_unique<DeviceInfoCache>(loop_, 1000, tunables_(tunable::DeviceInfoStalenessInterval));
-  services_ = std::make_unique<Services>(Services{loop_, bluetooth, *statusBar_, images_, windows_, shortcuts_,
+  services_ = std::make_unique<Services>(Services{loop_, bluetooth, *statusBar_, images_, windows_, *shortcuts_,
                                                   loginItems, scriptsFolder_, scriptRunner_, collator_, *alerts_,
                                                   operatingSystem_, defaults_, tunables_, *outputDeviceManager_,
                                                   *inputDeviceManager_, *batteryInfo_, *deviceInfoCache_});

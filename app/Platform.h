@@ -1,9 +1,9 @@
 #pragma once
 
 #include "app/DemoWorld.h"
-#include "app/UnboundShortcuts.h"
 #include "core/Services.h"
 #include "linux/system/IcuNameCollator.h"
+#include "ports/GlobalKeys.h"
 #include "linux/system/LinuxOperatingSystem.h"
 #include "linux/system/QtEventLoop.h"
 #include "linux/system/SpawnScriptRunner.h"
@@ -65,7 +65,8 @@ private:
   std::unique_ptr<StatusBar> statusBar_;
   SvgImages images_;
   DesktopWindows windows_;
-  UnboundShortcuts shortcuts_;
+  std::unique_ptr<GlobalKeys> globalKeys_;
+  std::unique_ptr<ShortcutBinder> shortcuts_;
   std::unique_ptr<Alerts> alerts_;
   IcuNameCollator collator_;
   LinuxOperatingSystem operatingSystem_;

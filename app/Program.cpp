@@ -97,6 +97,12 @@ int Program::runApplication(UserDefaults& defaults, Tunables& tunables, bool dem
   auto platform = demo ? Platform::demo(defaults, tunables, desktop)
                        : Platform::real(defaults, tunables, helperPath, desktop);
   PXR_LOG(launchLog(), platform->backend());
+  if (auto shortcuts = platform->services().shortcuts.method()) {
+    PXR_LOG(launchLog(), "Shortcuts:", *shortcuts);
+  } else {
+    PXR_LOG(launchLog(), "Shortcuts: none; this desktop offers programs no global shortcuts. Bind "
+                         "`lanternbud-ctl toggle <ID>` to a key in the desktop's keyboard settings instead.");
+  }
   if (auto* world = platform->demoWorld()) world->seed(defaults);
   AppDelegate app(platform->services());
   platform->windows().attach(app, platform->services());

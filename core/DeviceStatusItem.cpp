@@ -14,7 +14,7 @@ void DeviceStatusItem::create() {
   item_->setClickHandler([weak = owner_.weak_from_this()](const StatusItemClick& click) {
     if (auto self = weak.lock()) self->toggleConnection(click);
   });
-  shortcuts_.bindShortcut(owner_.shortCutKey(), [weak = owner_.weak_from_this()] {
+  shortcuts_.bindShortcut(owner_.shortCutKey(), owner_.deviceNameOrUnknown(), [weak = owner_.weak_from_this()] {
     auto self = weak.lock();
     if (!self) return;
     hotKeyLog()([&] { return "User pressed shortcut for " + self->deviceNameOrUnknown() + "."; });

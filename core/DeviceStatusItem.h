@@ -1,7 +1,7 @@
 #pragma once
 
+#include "core/ShortcutBinder.h"
 #include "core/Tunables.h"
-#include "ports/ShortcutBinder.h"
 #include "ports/StatusBar.h"
 #include "ports/Windows.h"
 

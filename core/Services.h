@@ -3,6 +3,7 @@
 #include "core/BatteryInfo.h"
 #include "core/InputDeviceManager.h"
 #include "core/OutputDeviceManager.h"
+#include "core/ShortcutBinder.h"
 #include "core/Tunables.h"
 #include "core/UserDefaults.h"
 #include "foundation/PXRExpiringCache.h"
@@ -15,7 +16,6 @@
 #include "ports/OperatingSystem.h"
 #include "ports/ScriptRunner.h"
 #include "ports/ScriptsFolder.h"
-#include "ports/ShortcutBinder.h"
 #include "ports/StatusBar.h"
 #include "ports/Windows.h"
 

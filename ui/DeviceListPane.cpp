@@ -5,6 +5,7 @@
 #include "ui/AddByAddressDialog.h"
 #include "ui/AdvancedSheet.h"
 #include "ui/DeviceChooser.h"
+#include "ui/ShortcutRecorder.h"
 #include "ui/TrayImage.h"
 #include "ui/UiText.h"
 
@@ -40,7 +41,8 @@ QPushButton* button(const char* title, const char* accessibleName, QWidget* pare
 
 DeviceListPane::DeviceListPane(DeviceSettingManager& registry, Services& services, QWidget* parent)
     : QWidget(parent), registry_(registry), services_(services), list_(new QListWidget(this)),
-      deviceLabel_(new QLabel("-", this)), iconButton_(new QToolButton(this)), iconMenu_(new QMenu(this)),
+      deviceLabel_(new QLabel("-", this)), iconButton_(new QToolButton(this)),
+      shortcut_(new ShortcutRecorder(services.shortcuts, this)), iconMenu_(new QMenu(this)),
       advancedButton_(button("Ad&vanced…", "Scripts of the device", this)),
       removeButton_(button("−", "Remove the device", this)),
       launchAtLogin_(new QCheckBox(uiText("Start Lanternbud at &login"), this)) {
@@ -107,10 +109,10 @@ DeviceListPane::DeviceListPane(DeviceSettingManager& registry, Services& service
     emit saved();
   });
 
-  // The detail: a form, so that further rows (the shortcut) find their place.
   auto* detail = new QFormLayout;
   detail->addRow(deviceLabel_);
   detail->addRow(uiText("&Icon:"), iconButton_);
+  detail->addRow(uiText("&Shortcut:"), shortcut_);
   for (const auto& each : switches_) detail->addRow(each.box);
   auto* advancedRow = new QHBoxLayout;
   advancedRow->addWidget(advancedButton_);
@@ -201,6 +203,8 @@ void DeviceListPane::showSelected() {
     each.box->setChecked(setting && ((*setting).*each.get)());
     each.box->setEnabled(setting != nullptr);
   }
+  shortcut_->setDevice(setting ? std::optional(setting->shortCutKey()) : std::nullopt,
+                       setting ? setting->deviceID() : 0);
   for (QWidget* widget : {static_cast<QWidget*>(iconButton_), static_cast<QWidget*>(advancedButton_),
                           static_cast<QWidget*>(removeButton_)}) {
     widget->setEnabled(setting != nullptr);

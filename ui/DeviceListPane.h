@@ -21,6 +21,7 @@ namespace lb {
 class DeviceChooser;
 class DeviceSetting;
 class DeviceSettingManager;
+class ShortcutRecorder;
 struct Services;
 
 // The devices tab: the list of devices in the registry's order, and for the
@@ -70,6 +71,7 @@ private:
   QListWidget* list_;
   QLabel* deviceLabel_;
   QToolButton* iconButton_;
+  ShortcutRecorder* shortcut_;
   QMenu* iconMenu_;
   std::vector<Switch> switches_;
   QPushButton* advancedButton_;

@@ -59,7 +59,8 @@ TEST(Connection, AClickAndAShortcutEnterTheSameToggle) {
   EXPECT_EQ(d.setting->isConnected(), true);
   EXPECT_EQ(d.device->connectCalls().size(), 1u);
 
-  d.sim.shortcuts.press(d.setting->shortCutKey());
+  d.sim.shortcuts.setShortcut(d.setting->shortCutKey(), "Ctrl+Alt+K");
+  d.sim.globalKeys.press("Ctrl+Alt+K");
   d.sim.loop.advance(2);
   EXPECT_EQ(d.setting->isConnected(), false);
   EXPECT_EQ(d.device->disconnectCalls(), 1);

@@ -63,7 +63,7 @@ PrivateBus::PrivateBus(Kind kind) {
 
 PrivateBus::~PrivateBus() {
   killBluez();
-  for (auto* process : {upower_.get(), watcher_.get(), daemon_.get()}) {
+  for (auto* process : {upower_.get(), watcher_.get(), portal_.get(), daemon_.get()}) {
     if (!process) continue;
     process->kill();
     process->waitForFinished(5000);
@@ -110,6 +110,23 @@ bool PrivateBus::startStatusNotifierWatcher() {
   watcher_ = startModel({LANTERNBUD_TEST_SUPPORT_DIR "/status_notifier_watcher.py"}, "org.kde.StatusNotifierWatcher",
                         "StatusNotifierWatcher");
   return watcher_ != nullptr;
+}
+
+bool PrivateBus::startPortal(bool withGlobalShortcuts) {
+  QStringList arguments{"-m", "dbusmock", "--session", "--template",
+                        LANTERNBUD_TEST_SUPPORT_DIR "/global_shortcuts_portal_template.py"};
+  if (!withGlobalShortcuts)
+    arguments << "--parameters"
+              << R"({"without": true})";
+  portal_ = startModel(arguments, "org.freedesktop.portal.Desktop", "the desktop portal");
+  return portal_ != nullptr;
+}
+
+QDBusMessage PrivateBus::portal(const QString& method, const QVariantList& arguments) {
+  auto message = QDBusMessage::createMethodCall("org.freedesktop.portal.Desktop", "/org/freedesktop/portal/desktop",
+                                                "org.lanternbud.TestPortal", method);
+  message.setArguments(arguments);
+  return control_->call(message, QDBus::Block, 10000);
 }
 
 bool PrivateBus::startUPower() {

@@ -52,6 +52,11 @@ public:
   // The tray items registered with it: each a bus name.
   QStringList statusNotifierItems();
 
+  // Starts the desktop portal's model, with or without GlobalShortcuts.
+  bool startPortal(bool withGlobalShortcuts);
+  // A method of its test interface: Bound() or Activate(id).
+  QDBusMessage portal(const QString& method, const QVariantList& arguments = {});
+
   // Starts python3-dbusmock's UPower model and waits for its name.
   bool startUPower();
   // A method of the UPower model's mock interface (AddDischargingBattery,
@@ -89,6 +94,7 @@ private:
   std::unique_ptr<QProcess> bluez_;
   std::unique_ptr<QProcess> upower_;
   std::unique_ptr<QProcess> watcher_;
+  std::unique_ptr<QProcess> portal_;
   std::unique_ptr<QDBusConnection> control_;
 };
 

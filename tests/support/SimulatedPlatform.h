@@ -12,7 +12,7 @@
 #include "sim/SimOperatingSystem.h"
 #include "sim/SimScriptRunner.h"
 #include "sim/SimScriptsFolder.h"
-#include "sim/SimShortcutBinder.h"
+#include "sim/SimGlobalKeys.h"
 #include "sim/SimStatusBar.h"
 #include "sim/SimWindows.h"
 #include "sim/SimpleNameCollator.h"
@@ -75,7 +75,8 @@ struct SimulatedPlatform {
   SimStatusBar statusBar;
   SimImages images; // every picture of the artwork, 22 points tall
   SimWindows windows;
-  SimShortcutBinder shortcuts;
+  SimGlobalKeys globalKeys;
+  ShortcutBinder shortcuts{defaults, globalKeys};
   SimLoginItems loginItems;
   SimScriptsFolder scriptsFolder;
   SimScriptRunner scriptRunner;

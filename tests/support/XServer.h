@@ -26,11 +26,10 @@ public:
   bool screenshot(const std::string& file);
   // Whether a window of that title is on the screen.
   bool windowShown(const QString& title);
-
-private:
-  // The program's standard output, on this display; none when it failed.
+  // A program's standard output, run on this display; none when it failed.
   std::optional<QByteArray> run(const QString& program, const QStringList& arguments);
 
+private:
   std::string skipReason_;
   QString display_;
   QProcess server_;

@@ -9,8 +9,10 @@
 #include "ui/DeviceChooser.h"
 #include "ui/DeviceListPane.h"
 #include "ui/PreferencesWindow.h"
+#include "ui/ShortcutRecorder.h"
 
 #include <QCheckBox>
+#include <QKeySequenceEdit>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -169,6 +171,39 @@ TEST_F(PreferencesWindowTest, RemovingTakesTheItemAndShortcutAndAnEmptyListOffer
   EXPECT_EQ(added->icon(), MenuBarIconOption::headset);
   EXPECT_EQ(rows(), QStringList{"Lantern Headset"});
   EXPECT_EQ(find<QLabel>("deviceLabel")->text(), "Lantern Headset");
+}
+
+TEST_F(PreferencesWindowTest, TheShortcutIsRecordedShownAndClearedAndRefusedWithItsReason) {
+  open();
+  auto* edit = find<QKeySequenceEdit>("shortcut");
+  auto* note = find<QLabel>("shortcutNote");
+  EXPECT_EQ(edit->keySequence().toString(), "Ctrl+Alt+H");
+  QTest::keyClick(edit, Qt::Key_J, Qt::ControlModifier | Qt::AltModifier);
+  EXPECT_EQ(store.value("shortcutDictForDevice1"),
+            SettingsValue(SettingsValue::Dictionary{{"keySequence", "Ctrl+Alt+J"}}));
+  EXPECT_TRUE(sim.globalKeys.isGrabbed("Ctrl+Alt+J"));
+
+  window->present(2);
+  QTest::keyClick(edit, Qt::Key_J, Qt::ControlModifier | Qt::AltModifier);
+  EXPECT_EQ(note->text(), "Ctrl+Alt+J cannot be the shortcut: It is the shortcut of Lantern Headset already.");
+  QTest::keyClick(edit, Qt::Key_K);
+  EXPECT_TRUE(note->text().startsWith("K cannot be the shortcut: Use Ctrl, Alt or the Super key"));
+  EXPECT_FALSE(store.value("shortcutDictForDevice2"));
+  EXPECT_TRUE(edit->keySequence().isEmpty());
+
+  window->present(1);
+  click("clearShortcut");
+  EXPECT_FALSE(store.value("shortcutDictForDevice1"));
+  EXPECT_FALSE(sim.globalKeys.isGrabbed("Ctrl+Alt+J"));
+
+  // Where the desktop gives programs no global keys, the way that works.
+  SimGlobalKeys none;
+  none.available = false;
+  ShortcutBinder nowhere(sim.defaults, none);
+  ShortcutRecorder recorder(nowhere, nullptr);
+  recorder.setDevice("shortcutDictForDevice1", 1);
+  EXPECT_FALSE(recorder.findChild<QKeySequenceEdit*>("shortcut")->isEnabled());
+  EXPECT_TRUE(recorder.findChild<QLabel*>("shortcutNote")->text().contains("Bind “lanternbud-ctl toggle 1”"));
 }
 
 TEST_F(PreferencesWindowTest, AddingByAddressTakesTheUsualFormsAndSaysWhatIsWrong) {

@@ -1,0 +1,136 @@
+#include "tests/support/PrivateBus.h"
+#include "tests/support/RequireService.h"
+#include "tests/support/RunningProgram.h"
+#include "tests/support/XServer.h"
+
+#include <QDBusArgument>
+
+#include <gtest/gtest.h>
+
+#include <xcb/xcb.h>
+#include <xcb/xcb_keysyms.h>
+
+namespace lb {
+
+namespace {
+
+constexpr const char* headsetAddress = "00:1B:66:AA:BB:CC";
+constexpr const char* keyboardAddress = "F0:99:B6:44:55:66";
+
+// Another X client that holds a key, as a desktop's own shortcut would.
+class KeyHolder {
+public:
+  KeyHolder(const QString& display, std::uint32_t keysym, std::uint16_t modifiers)
+      : connection_(xcb_connect(display.toUtf8().constData(), nullptr)) {
+    auto* symbols = xcb_key_symbols_alloc(connection_);
+    auto* codes = xcb_key_symbols_get_keycode(symbols, keysym);
+    const auto root = xcb_setup_roots_iterator(xcb_get_setup(connection_)).data->root;
+    held_ = codes &&
+            xcb_request_check(connection_, xcb_grab_key_checked(connection_, 1, root, modifiers, *codes,
+                                                                XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC)) == nullptr;
+    std::free(codes);
+    xcb_key_symbols_free(symbols);
+  }
+  ~KeyHolder() { xcb_disconnect(connection_); }
+  bool held() const { return held_; }
+
+private:
+  xcb_connection_t* connection_;
+  bool held_ = false;
+};
+
+// The program on private buses with the headset and keyboard paired, and
+// the headset's shortcut stored.
+class ShortcutsTest : public ::testing::Test {
+protected:
+  void SetUp() override {
+    if (system.skipReason().empty()) system.startBluez();
+    LB_REQUIRE_SERVICE(system.skipReason());
+    LB_REQUIRE_SERVICE(session.skipReason());
+    system.bluez("/", "org.bluez.Mock", "AddAdapter", {"hci0", "my-computer"});
+    for (auto [address, name] : {std::pair{headsetAddress, "WH Headset"}, std::pair{keyboardAddress, "K380"}}) {
+      system.bluez("/", "org.bluez.Mock", "AddDevice", {"hci0", address, name});
+      system.bluez("/", "org.bluez.Mock", "PairDevice", {"hci0", address, 0x240404});
+    }
+    std::filesystem::create_directories(program.settingsFile().parent_path());
+    test::writeFile(program.settingsFile(), std::string(R"({"devices": [
+      {"deviceID": 1, "device": ")") + headsetAddress +
+                                                R"("},
+      {"deviceID": 2, "device": ")" + keyboardAddress +
+                                                R"("}],
+      "shortcutDictForDevice1": {"keySequence": "Ctrl+Alt+H"},
+      "shortcutDictForDevice2": {"keySequence": "Ctrl+Alt+K"}})");
+  }
+
+  bool logSays(const std::string& text) {
+    return test::waitUntil([&] { return program.logText().find(text) != std::string::npos; });
+  }
+
+  test::PrivateBus system;
+  test::PrivateBus session{test::PrivateBus::Kind::session};
+  test::RunningProgram program{&system, session, ""};
+};
+
+} // namespace
+
+TEST_F(ShortcutsTest, X11KeyPressesToggleWhateverTheLocksAndATakenKeyIsSaid) {
+  test::XServer display;
+  LB_REQUIRE_SERVICE(display.skipReason());
+  KeyHolder holder(display.display(), 'k', XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_1);
+  ASSERT_TRUE(holder.held());
+  program.setVariable("DISPLAY", display.display());
+  program.setVariable("XDG_SESSION_TYPE", "x11");
+  ASSERT_TRUE(program.start({"-TrayHostWaitInterval", "0", "-LogHotKey", "YES"}));
+  EXPECT_TRUE(logSays("Shortcuts: X11 key grabs")) << program.logText();
+  EXPECT_TRUE(logSays("The shortcut Ctrl+Alt+K for K380 does nothing: another program holds Ctrl+Alt+K"));
+
+  auto press = [&](const char* keys) { return display.run("xdotool", {"key", keys}).has_value(); };
+  ASSERT_TRUE(press("ctrl+alt+h"));
+  EXPECT_TRUE(test::waitUntil([&] { return system.bluezConnected(headsetAddress); })) << program.logText();
+  EXPECT_TRUE(logSays("User pressed shortcut for WH Headset."));
+  ASSERT_TRUE(press("Num_Lock"));
+  ASSERT_TRUE(press("ctrl+alt+h"));
+  EXPECT_TRUE(test::waitUntil([&] { return !system.bluezConnected(headsetAddress); })) << program.logText();
+
+  // Changed while running, bound at once.
+  EXPECT_EQ(program.ctl({"config", "set", "shortcutDictForDevice1", R"({"keySequence": "Ctrl+Alt+J"})"}).status, 0);
+  ASSERT_TRUE(press("ctrl+alt+j"));
+  EXPECT_TRUE(test::waitUntil([&] { return system.bluezConnected(headsetAddress); })) << program.logText();
+}
+
+TEST_F(ShortcutsTest, OnWaylandThePortalsActivationTogglesAndAPortalWithoutItIsSaid) {
+  ASSERT_TRUE(session.startPortal(true));
+  program.setVariable("XDG_SESSION_TYPE", "wayland");
+  ASSERT_TRUE(program.start());
+  EXPECT_TRUE(logSays("Shortcuts: the desktop portal's GlobalShortcuts (version 1)")) << program.logText();
+  QStringList bound;
+  EXPECT_TRUE(test::waitUntil([&] {
+    bound.clear();
+    const auto list = session.portal("Bound").arguments().value(0).value<QDBusArgument>();
+    list.beginArray();
+    while (!list.atEnd()) {
+      QString id, trigger;
+      list.beginStructure();
+      list >> id >> trigger;
+      list.endStructure();
+      bound << id + "=" + trigger;
+    }
+    list.endArray();
+    return bound.size() == 2;
+  }));
+  EXPECT_EQ(bound, (QStringList{"shortcutDictForDevice1=CTRL+ALT+h", "shortcutDictForDevice2=CTRL+ALT+k"}));
+  session.portal("Activate", {"shortcutDictForDevice1"});
+  EXPECT_TRUE(test::waitUntil([&] { return system.bluezConnected(headsetAddress); })) << program.logText();
+
+  test::PrivateBus bare(test::PrivateBus::Kind::session);
+  ASSERT_TRUE(bare.startPortal(false));
+  test::RunningProgram without(&system, bare, "");
+  without.setVariable("XDG_SESSION_TYPE", "wayland");
+  ASSERT_TRUE(without.start({"--demo"}));
+  EXPECT_TRUE(test::waitUntil([&] {
+    return without.logText().find("Shortcuts: none; this desktop offers programs no global shortcuts.") !=
+           std::string::npos;
+  })) << without.logText();
+}
+
+} // namespace lb

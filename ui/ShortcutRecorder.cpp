@@ -1,0 +1,113 @@
+#include "ui/ShortcutRecorder.h"
+
+#include "core/ShortcutBinder.h"
+#include "ui/UiText.h"
+
+#include <QGridLayout>
+#include <QKeySequenceEdit>
+#include <QLabel>
+#include <QPushButton>
+
+namespace lb {
+
+namespace {
+
+// One combination is a shortcut: it is taken as soon as it is pressed,
+// without waiting for more keys.
+class KeyField final : public QKeySequenceEdit {
+public:
+  KeyField(std::function<void()> pressed, QWidget* parent) : QKeySequenceEdit(parent), pressed_(std::move(pressed)) {}
+
+protected:
+  void keyPressEvent(QKeyEvent* event) override {
+    QKeySequenceEdit::keyPressEvent(event);
+    if (!keySequence().isEmpty()) pressed_();
+  }
+
+private:
+  std::function<void()> pressed_;
+};
+
+} // namespace
+
+ShortcutRecorder::ShortcutRecorder(ShortcutBinder& binder, QWidget* parent)
+    : QWidget(parent), binder_(binder), edit_(new KeyField([this] { record(); }, this)),
+      clear_(new QPushButton(uiText("Clear"), this)), note_(new QLabel(this)) {
+  edit_->setObjectName("shortcut");
+  edit_->setAccessibleName(uiText("Keyboard shortcut"));
+  edit_->setToolTip(uiText("Click, then press the keys: Ctrl, Alt or Super with a key, or a function key alone"));
+  clear_->setObjectName("clearShortcut");
+  clear_->setAccessibleName(uiText("Clear the keyboard shortcut"));
+  note_->setObjectName("shortcutNote");
+  note_->setWordWrap(true);
+  note_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+  auto* layout = new QGridLayout(this);
+  layout->setContentsMargins(0, 0, 0, 0);
+  layout->addWidget(edit_, 0, 0);
+  layout->addWidget(clear_, 0, 1);
+  layout->addWidget(note_, 1, 0, 1, 2);
+  setFocusProxy(edit_); // the form's label reaches the field
+
+  connect(clear_, &QPushButton::clicked, this, [this] {
+    if (key_) binder_.setShortcut(*key_, std::nullopt);
+    showState();
+  });
+  changes_ = binder_.addChangeListener([this](const std::string& key) {
+    if (key == key_) showState();
+  });
+  setDevice(std::nullopt, 0);
+}
+
+ShortcutRecorder::~ShortcutRecorder() = default;
+
+void ShortcutRecorder::setDevice(const std::optional<std::string>& defaultsKey, std::int64_t deviceID) {
+  key_ = defaultsKey;
+  deviceID_ = deviceID;
+  showState();
+}
+
+void ShortcutRecorder::record() {
+  const auto keys = edit_->keySequence();
+  if (!key_ || keys.isEmpty()) return;
+  const auto text = QKeySequence(keys[0]).toString(QKeySequence::PortableText).toStdString();
+  auto stored = binder_.setShortcut(*key_, text);
+  showState();
+  if (!stored) {
+    note_->setText(
+        QString::fromStdString(formatted(localized("%@ cannot be the shortcut: "), text) + stored.failure().reason));
+  }
+}
+
+void ShortcutRecorder::showState() {
+  const bool possible = binder_.method().has_value();
+  const auto state = key_ ? binder_.state(*key_) : ShortcutBinder::State{};
+  {
+    QSignalBlocker quiet(edit_);
+    edit_->setKeySequence(state.keySequence ? QKeySequence::fromString(QString::fromStdString(*state.keySequence),
+                                                                       QKeySequence::PortableText)
+                                            : QKeySequence());
+  }
+  edit_->setEnabled(key_ && possible);
+  clear_->setEnabled(key_ && state.keySequence);
+  QString note;
+  if (!key_) {
+    note.clear();
+  } else if (!possible) {
+    note = QString::fromStdString(
+        formatted(localized("This desktop offers programs no global shortcuts. Bind “lanternbud-ctl toggle %@” "
+                            "to a key in your desktop’s keyboard settings instead."),
+                  std::to_string(deviceID_)));
+  } else if (state.problem) {
+    note = QString::fromStdString(localized("The shortcut does nothing: ") + *state.problem);
+  } else if (state.trigger && state.keySequence) {
+    const auto asked = QKeySequence::fromString(QString::fromStdString(*state.keySequence), QKeySequence::PortableText)
+                           .toString(QKeySequence::NativeText)
+                           .toStdString();
+    if (*state.trigger != asked)
+      note = QString::fromStdString(formatted(localized("The desktop set it to %@."), *state.trigger));
+  }
+  note_->setText(note);
+  note_->setVisible(!note.isEmpty());
+}
+
+} // namespace lb
