@@ -21,6 +21,8 @@ class AdvancedSheet final : public QDialog {
 public:
   AdvancedSheet(std::shared_ptr<DeviceSetting> setting, Services& services, QWidget* parent);
 
+  const DeviceSetting& deviceSetting() const { return *setting_; }
+
 signals:
   // The scripts and their switches were written.
   void scriptsChanged();

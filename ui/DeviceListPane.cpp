@@ -31,6 +31,11 @@ struct DeviceListPane::Switch {
 
 namespace {
 
+QString nameOf(MenuBarIconOption icon) {
+  const auto name = rawValue(icon);
+  return QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size()));
+}
+
 QPushButton* button(const char* title, const char* accessibleName, QWidget* parent) {
   auto* made = new QPushButton(uiText(title), parent);
   made->setAccessibleName(uiText(accessibleName));
@@ -163,19 +168,24 @@ void DeviceListPane::selectRow(int row) {
 
 void DeviceListPane::reload() {
   const auto selected = selectedDeviceSetting();
-  const QColor ink = palette().color(QPalette::WindowText);
   list_->blockSignals(true);
   list_->clear();
   int selectedRow = 0;
   for (const auto& setting : registry_.deviceSettingList()) {
     if (setting == selected) selectedRow = list_->count();
-    auto picture = services_.images.named(std::string(rawValue(setting->icon())));
-    list_->addItem(
-        new QListWidgetItem(TrayImage::iconOf(picture, ink), QString::fromStdString(setting->deviceNameOrUnknown())));
+    showRow(*new QListWidgetItem(list_), *setting);
   }
   list_->setCurrentRow(list_->count() ? selectedRow : -1);
   list_->blockSignals(false);
   showSelected();
+  // A device removed meanwhile (by a script) takes its open scripts along:
+  // they would be written for an ID that is gone.
+  const auto& devices = registry_.deviceSettingList();
+  for (auto* sheet : findChildren<AdvancedSheet*>()) {
+    const bool listed = std::any_of(devices.begin(), devices.end(),
+                                    [&](const auto& setting) { return setting.get() == &sheet->deviceSetting(); });
+    if (!listed) sheet->reject();
+  }
 }
 
 // The icon timer and every state change tell this too: only what shows is
@@ -186,19 +196,35 @@ void DeviceListPane::deviceChanged(const DeviceSetting* changed) {
   for (std::size_t row = 0; row < devices.size(); ++row) {
     if (devices[row].get() != changed) continue;
     auto* item = list_->item(static_cast<int>(row));
-    const auto name = QString::fromStdString(changed->deviceNameOrUnknown());
-    if (item->text() != name) return reload();
+    if (item->text() != QString::fromStdString(changed->deviceNameOrUnknown())) return reload(); // a new order
+    showRow(*item, *changed);
     if (static_cast<int>(row) == list_->currentRow()) showSelected();
     return;
   }
 }
 
+// A picture is drawn again only when the device's choice changed.
+void DeviceListPane::showRow(QListWidgetItem& item, const DeviceSetting& setting) {
+  item.setText(QString::fromStdString(setting.deviceNameOrUnknown()));
+  const auto icon = nameOf(setting.icon());
+  if (item.data(Qt::UserRole) == icon) return;
+  item.setData(Qt::UserRole, icon);
+  item.setIcon(pictureOf(setting));
+}
+
+QIcon DeviceListPane::pictureOf(const DeviceSetting& setting) const {
+  return TrayImage::iconOf(services_.images.named(std::string(rawValue(setting.icon()))),
+                           palette().color(QPalette::WindowText));
+}
+
 void DeviceListPane::showSelected() {
   const auto setting = selectedDeviceSetting();
   deviceLabel_->setText(setting ? QString::fromStdString(setting->deviceNameOrUnknown()) : QString("-"));
-  const QColor ink = palette().color(QPalette::WindowText);
-  iconButton_->setIcon(setting ? TrayImage::iconOf(services_.images.named(std::string(rawValue(setting->icon()))), ink)
-                               : QIcon());
+  const auto icon = setting ? nameOf(setting->icon()) : QString();
+  if (iconButton_->property("icon") != icon) {
+    iconButton_->setProperty("icon", icon);
+    iconButton_->setIcon(setting ? pictureOf(*setting) : QIcon());
+  }
   for (const auto& each : switches_) {
     each.box->setChecked(setting && ((*setting).*each.get)());
     each.box->setEnabled(setting != nullptr);
@@ -208,12 +234,6 @@ void DeviceListPane::showSelected() {
   for (QWidget* widget : {static_cast<QWidget*>(iconButton_), static_cast<QWidget*>(advancedButton_),
                           static_cast<QWidget*>(removeButton_)}) {
     widget->setEnabled(setting != nullptr);
-  }
-  if (setting) {
-    const auto& devices = registry_.deviceSettingList();
-    const auto row = static_cast<int>(std::find(devices.begin(), devices.end(), setting) - devices.begin());
-    const auto picture = services_.images.named(std::string(rawValue(setting->icon())));
-    if (auto* item = list_->item(row)) item->setIcon(TrayImage::iconOf(picture, ink));
   }
 }
 
@@ -294,6 +314,13 @@ void DeviceListPane::removeSelectedDevice() {
 
 void DeviceListPane::offerChooserWhenEmpty() {
   if (registry_.deviceSettingList().empty()) addNewDevice();
+}
+
+void DeviceListPane::changeEvent(QEvent* event) {
+  QWidget::changeEvent(event);
+  if (event->type() != QEvent::PaletteChange) return;
+  iconButton_->setProperty("icon", QVariant());
+  reload(); // new rows, new pictures
 }
 
 void DeviceListPane::save() {

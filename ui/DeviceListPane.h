@@ -12,6 +12,7 @@
 class QCheckBox;
 class QLabel;
 class QListWidget;
+class QListWidgetItem;
 class QMenu;
 class QPushButton;
 class QToolButton;
@@ -52,6 +53,11 @@ signals:
   // A change was written to the settings (or failed to be).
   void saved();
 
+protected:
+  // The pictures are drawn in the palette's text colour: a new theme
+  // redraws them.
+  void changeEvent(QEvent* event) override;
+
 private:
   struct Switch;
 
@@ -60,6 +66,8 @@ private:
   void selectRow(int row);
   // The detail area for the selected device.
   void showSelected();
+  void showRow(QListWidgetItem& item, const DeviceSetting& setting);
+  QIcon pictureOf(const DeviceSetting& setting) const;
   void deviceChanged(const DeviceSetting* changed);
   void fillIconMenu();
   void openAdvancedSheet();

@@ -279,6 +279,10 @@ TEST_F(PreferencesWindowTest, ScriptsAreWrittenOnDoneAndAFailedWriteKeepsTheText
   EXPECT_TRUE(find<QLabel>("problem", sheet)->text().startsWith("Unable to write script to the folder."));
   EXPECT_EQ(disconnectScript->toPlainText(), "#!/bin/sh\necho bye");
   EXPECT_EQ(registry->deviceSettingList()[0]->shellScriptAfterDisconnected(), "#!/bin/sh\necho bye");
+
+  // Removed from elsewhere while its scripts are open: they close unwritten.
+  registry->remove(0);
+  EXPECT_FALSE(sheet->isVisible());
 }
 
 TEST_F(PreferencesWindowTest, TheChooserFollowsBlueZsPairedDevices) {
