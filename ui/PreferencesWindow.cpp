@@ -1,6 +1,7 @@
 #include "ui/PreferencesWindow.h"
 
 #include "core/DeviceSettingManager.h"
+#include "ui/AboutPane.h"
 #include "ui/DeviceListPane.h"
 #include "ui/UiText.h"
 
@@ -19,6 +20,7 @@ PreferencesWindow::PreferencesWindow(DeviceSettingManager& registry, Services& s
   setWindowTitle(uiText("Lanternbud Settings"));
   setObjectName("preferences");
   tabs_->addTab(pane_, uiText("&Devices"));
+  tabs_->addTab(new AboutPane(services.alerts, this), uiText("Ab&out"));
   tabs_->setAccessibleName(uiText("Settings"));
 
   saveState_->setObjectName("saveState");

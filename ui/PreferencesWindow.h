@@ -14,7 +14,7 @@ class DeviceListPane;
 class DeviceSettingManager;
 struct Services;
 
-// "Lanternbud Settings": one window of tabs, the devices first. Every change
+// "Lanternbud Settings": one window of tabs, the devices and About. Every change
 // is saved as it is made, and the window says whether it was; closing saves
 // the device list once more.
 class PreferencesWindow final : public QWidget {

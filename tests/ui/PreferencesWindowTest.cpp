@@ -19,6 +19,7 @@
 #include <QMenu>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QTest>
 #include <QToolButton>
 
@@ -204,6 +205,17 @@ TEST_F(PreferencesWindowTest, TheShortcutIsRecordedShownAndClearedAndRefusedWith
   recorder.setDevice("shortcutDictForDevice1", 1);
   EXPECT_FALSE(recorder.findChild<QKeySequenceEdit*>("shortcut")->isEnabled());
   EXPECT_TRUE(recorder.findChild<QLabel*>("shortcutNote")->text().contains("Bind “lanternbud-ctl toggle 1”"));
+}
+
+TEST_F(PreferencesWindowTest, TheAboutTabShowsTheVersionAndOpensTheManual) {
+  open();
+  auto* version = find<QLabel>("version");
+  EXPECT_TRUE(QRegularExpression(R"(^Version \d+\.\d+\.\d+$)").match(version->text()).hasMatch())
+      << version->text().toStdString();
+  EXPECT_TRUE(version->toolTip().startsWith("Build ")) << version->toolTip().toStdString();
+  EXPECT_FALSE(find<QPushButton>("support")->isVisibleTo(window.get())); // no support page was set
+  QTest::mouseClick(find<QPushButton>("manual"), Qt::LeftButton);
+  EXPECT_EQ(sim.alerts.helpPagesOpened, std::vector<std::string>{"index"});
 }
 
 TEST_F(PreferencesWindowTest, AddingByAddressTakesTheUsualFormsAndSaysWhatIsWrong) {
