@@ -231,8 +231,7 @@ void DeviceListPane::showSelected() {
   }
   shortcut_->setDevice(setting ? std::optional(setting->shortCutKey()) : std::nullopt,
                        setting ? setting->deviceID() : 0);
-  for (QWidget* widget : {static_cast<QWidget*>(iconButton_), static_cast<QWidget*>(advancedButton_),
-                          static_cast<QWidget*>(removeButton_)}) {
+  for (QWidget* widget : std::initializer_list<QWidget*>{iconButton_, advancedButton_, removeButton_}) {
     widget->setEnabled(setting != nullptr);
   }
 }

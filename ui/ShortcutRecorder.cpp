@@ -89,25 +89,27 @@ void ShortcutRecorder::showState() {
   }
   edit_->setEnabled(key_ && possible);
   clear_->setEnabled(key_ && state.keySequence);
-  QString note;
-  if (!key_) {
-    note.clear();
-  } else if (!possible) {
-    note = QString::fromStdString(
+  const auto note = key_ ? noteOn(state, possible) : QString();
+  note_->setText(note);
+  note_->setVisible(!note.isEmpty());
+}
+
+// Why the shortcut does nothing, or the keys the desktop chose instead.
+QString ShortcutRecorder::noteOn(const ShortcutBinder::State& state, bool possible) const {
+  if (!possible) {
+    return QString::fromStdString(
         formatted(localized("This desktop offers programs no global shortcuts. Bind “lanternbud-ctl toggle %@” "
                             "to a key in your desktop’s keyboard settings instead."),
                   std::to_string(deviceID_)));
-  } else if (state.problem) {
-    note = QString::fromStdString(localized("The shortcut does nothing: ") + *state.problem);
-  } else if (state.trigger && state.keySequence) {
-    const auto asked = QKeySequence::fromString(QString::fromStdString(*state.keySequence), QKeySequence::PortableText)
-                           .toString(QKeySequence::NativeText)
-                           .toStdString();
-    if (*state.trigger != asked)
-      note = QString::fromStdString(formatted(localized("The desktop set it to %@."), *state.trigger));
   }
-  note_->setText(note);
-  note_->setVisible(!note.isEmpty());
+  if (state.problem) return QString::fromStdString(localized("The shortcut does nothing: ") + *state.problem);
+  if (!state.trigger || !state.keySequence) return {};
+  const auto asked = QKeySequence::fromString(QString::fromStdString(*state.keySequence), QKeySequence::PortableText)
+                         .toString(QKeySequence::NativeText)
+                         .toStdString();
+  return *state.trigger == asked
+             ? QString()
+             : QString::fromStdString(formatted(localized("The desktop set it to %@."), *state.trigger));
 }
 
 } // namespace lb

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/ShortcutBinder.h"
 #include "foundation/Listeners.h"
 
 #include <QWidget>
@@ -14,8 +15,6 @@ class QLabel;
 class QPushButton;
 
 namespace lb {
-
-class ShortcutBinder;
 
 // Records a device's global shortcut, shows it and clears it. It says why
 // keys are refused or do nothing, shows the desktop's own trigger where the
@@ -33,6 +32,7 @@ public:
 private:
   void record();
   void showState();
+  QString noteOn(const ShortcutBinder::State& state, bool possible) const;
 
   ShortcutBinder& binder_;
   std::optional<std::string> key_;

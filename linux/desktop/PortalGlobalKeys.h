@@ -29,7 +29,7 @@ public:
             std::function<void()> pressed, Done done) override;
   void release(const std::string& id) override;
 
-  // "Ctrl+Alt+H" as the shortcuts specification writes triggers: "CTRL+ALT+h".
+  // "Ctrl+Alt+H" as portals write triggers: "CTRL+ALT+h".
   static QString preferredTrigger(const std::string& keySequence);
 
 private slots:
