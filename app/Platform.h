@@ -8,6 +8,7 @@
 #include "linux/system/QtEventLoop.h"
 #include "linux/system/SpawnScriptRunner.h"
 #include "linux/battery/UPowerRegistry.h"
+#include "linux/report/LinuxDiagnosticReporter.h"
 #include "linux/xdg/XdgScriptsFolder.h"
 #include "ui/DesktopWindows.h"
 #include "ui/SvgImages.h"
@@ -46,6 +47,8 @@ public:
   const std::string& backend() const { return backend_; }
   Services& services() { return *services_; }
   DesktopWindows& windows() { return windows_; }
+  // The report reads this machine's logs and services, in the demo too.
+  DiagnosticReporter& reporter() { return reporter_; }
   // The demo's world; none on the real platform.
   DemoWorld* demoWorld() const { return demo_.get(); }
   // Whether the workers (connects, disconnects) finished within `limit`.
@@ -72,6 +75,7 @@ private:
   LinuxOperatingSystem operatingSystem_;
   XdgScriptsFolder scriptsFolder_;
   SpawnScriptRunner scriptRunner_;
+  LinuxDiagnosticReporter reporter_{LinuxDiagnosticReporter::Sources::thisMachine()};
 
   // The platform's own: one set or the other.
   std::unique_ptr<QObject> bluez_;

@@ -3,9 +3,11 @@
 #include "app/Platform.h"
 #include "core/AppDelegate.h"
 #include "core/LogAreas.h"
+#include "core/LowEnergyBatteryInfo.h"
 #include "linux/bluez/BluezBluetooth.h"
 #include "linux/battery/LinuxBatterySources.h"
 #include "linux/battery/PropertyList.h"
+#include "linux/bluez/BluezLowEnergyCentral.h"
 #include "scripting/ScriptingService.h"
 #include "linux/system/TerminationSignals.h"
 #include "ui/DesktopNotification.h"
@@ -105,12 +107,19 @@ int Program::runApplication(UserDefaults& defaults, Tunables& tunables, bool dem
   }
   if (auto* world = platform->demoWorld()) world->seed(defaults);
   AppDelegate app(platform->services());
-  platform->windows().attach(app, platform->services());
+  platform->windows().attach(app, platform->services(), platform->reporter());
   app.applicationDidFinishLaunching();
 
   std::unique_ptr<ScriptingService> scripting;
-  if (session.isConnected()) scripting = std::make_unique<ScriptingService>(session, app, platform->services());
+  if (session.isConnected())
+    scripting = std::make_unique<ScriptingService>(session, app, platform->services(), platform->reporter());
   running = &app;
+  // The diagnostic Low Energy reader, on the real platform only.
+  std::unique_ptr<LowEnergyBatteryInfo> lowEnergy;
+  if (!demo) {
+    lowEnergy = std::make_unique<LowEnergyBatteryInfo>(
+        defaults, tunables, [] { return std::make_unique<BluezLowEnergyCentral>(QDBusConnection::systemBus()); });
+  }
   auto requests = [&platform] {
     auto count = platform->soundServerRequests();
     return count ? std::to_string(*count) : std::string("no");
@@ -126,6 +135,7 @@ int Program::runApplication(UserDefaults& defaults, Tunables& tunables, bool dem
   if (session.isConnected()) session.unregisterService(bus::serviceName);
   app.applicationWillTerminate();
   PXR_LOG(launchLog(), "Saved the device list; goodbye.");
+  lowEnergy.reset(); // stops discovery
   // A worker blocked in a Bluetooth call (a device that does not answer) may
   // take a minute; a logout will not wait. Everything is saved: leave without
   // taking down what the worker still uses.

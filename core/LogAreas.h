@@ -26,6 +26,7 @@ namespace lb {
   X(batteryInfoLog, "LogBatteryInfo")                       /* battery sources */                                      \
   X(batteryInfoIterationLog, "LogBatteryInfoIteration")     /* walking the battery registry */                         \
   X(batteryInfoDetailLog, "LogBatteryInfoDetail")           /* raw values found while reading batteries */             \
+  X(lowEnergyLog, "LogLowEnergyBatteryInfo")                /* the Low Energy battery reader */                        \
   X(dockLog, "LogDock")                                     /* taskbar presence and the preferences window at start */ \
   X(loginLog, "LogLogin")                                   /* launch at login */                                      \
   X(launchLog, "LogLaunch")                                 /* the program's start and end, the backend chosen */      \

@@ -36,6 +36,24 @@ std::optional<BluetoothAddress> BluetoothAddress::findIn(std::string_view text) 
   return std::nullopt;
 }
 
+std::string BluetoothAddress::masked(std::string_view text) {
+  std::string result(text);
+  std::size_t start = 0;
+  while (start + textLength <= result.size()) {
+    // Within a longer run of hexadecimal digits (a key, a hash) there is no
+    // address.
+    const bool alone = (start == 0 || hexValue(result[start - 1]) < 0) &&
+                       (start + textLength == result.size() || hexValue(result[start + textLength]) < 0);
+    if (alone && parse(std::string_view(result).substr(start, textLength))) {
+      for (std::size_t at = start + 9; at < start + textLength; at += 3) result.replace(at, 2, "XX");
+      start += textLength;
+    } else {
+      ++start;
+    }
+  }
+  return result;
+}
+
 std::string BluetoothAddress::toString() const {
   static constexpr char digits[] = "0123456789ABCDEF";
   std::string text;

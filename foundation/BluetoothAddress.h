@@ -18,6 +18,10 @@ public:
   // The first address within a longer text, such as a D-Bus path
   // ("/org/bluez/hci0/dev_AA_BB_…") or a sound device's properties.
   static std::optional<BluetoothAddress> findIn(std::string_view text);
+  // `text` with every address in it, in any of the forms `parse` reads, cut
+  // to its first half: "00:1B:66:XX:XX:XX". The first half names the maker,
+  // the second the device, and so its owner.
+  static std::string masked(std::string_view text);
 
   // "AA:BB:CC:DD:EE:FF"
   std::string toString() const;

@@ -33,6 +33,9 @@ public slots:
   QString GetSetting(const QString& key) { return service_.getSetting(key); }
   QString SetSetting(const QString& key, const QString& json) { return service_.setSetting(key, json); }
   QString UnsetSetting(const QString& key) { return service_.unsetSetting(key); }
+  void SaveDiagnosticReport(const QString& path, bool maskAddresses) {
+    service_.saveDiagnosticReport(path, maskAddresses);
+  }
 
 private:
   ScriptingService& service_;
@@ -40,8 +43,9 @@ private:
 
 } // namespace
 
-ScriptingService::ScriptingService(QDBusConnection bus, AppDelegate& app, Services& services)
-    : bus_(std::move(bus)), app_(app), services_(services) {
+ScriptingService::ScriptingService(QDBusConnection bus, AppDelegate& app, Services& services,
+                                   DiagnosticReporter& reporter)
+    : bus_(std::move(bus)), app_(app), services_(services), reporter_(reporter) {
   new ApplicationAdaptor(this);
   bus_.registerObject(bus::applicationPath, this, QDBusConnection::ExportAdaptors);
   bus_.registerVirtualObject(bus::deviceRoot, &tree_, QDBusConnection::SubPath);
@@ -51,6 +55,7 @@ ScriptingService::ScriptingService(QDBusConnection bus, AppDelegate& app, Servic
 }
 
 ScriptingService::~ScriptingService() {
+  reportsCancelled_->store(true);
   listening_.reset();
   bus_.unregisterObject(bus::deviceRoot);
   bus_.unregisterObject(bus::applicationPath);
@@ -223,6 +228,26 @@ QString ScriptingService::unsetSetting(const QString& key) {
   if (refusesWhileRunning(key)) return {};
   services_.defaults.removeValue(key.toStdString());
   return whenItTakesEffect(key);
+}
+
+// Written on a worker: the bus and the tray go on meanwhile. The answer
+// comes when the file is whole.
+void ScriptingService::saveDiagnosticReport(const QString& path, bool maskAddresses) {
+  if (!path.startsWith('/')) {
+    fail("InvalidPath", "\"" + quoted(path) + "\" is not an absolute path; the report needs one.");
+    return;
+  }
+  setDelayedReply(true);
+  services_.loop.runBlocking(
+      [&reporter = reporter_, destination = path.toStdString(), maskAddresses, cancelled = reportsCancelled_] {
+        return reporter.saveReport(
+            destination, maskAddresses, [](int, int, const std::string&) {}, *cancelled);
+      },
+      [bus = bus_, request = message()](const Result<void>& result) mutable {
+        bus.send(result ? request.createReply()
+                        : request.createErrorReply(QString(bus::errorPrefix) + "ReportFailed",
+                                                   QString::fromStdString(result.failure().reason)));
+      });
 }
 
 QString ScriptingService::whenItTakesEffect(const QString& key) const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/AppDelegate.h"
+#include "ports/DiagnosticReporter.h"
 #include "scripting/BusNames.h"
 #include "scripting/ScriptingDeviceTree.h"
 
@@ -26,6 +27,7 @@ namespace lb {
 //     GetSetting(s key) -> s json, SetSetting(s key, s json) -> s when,
 //     UnsetSetting(s key) -> s when: "now", or "nextStart" for a tunable
 //     that this run has read already
+//     SaveDiagnosticReport(s path, b maskAddresses): answers once written
 //   /org/lanternbud/Lanternbud/Device/<ID>  interface org.lanternbud.Lanternbud.Device
 //     Name, ID, Address, BatteryLevel, BatteryLevelString, IconName,
 //     IconData, DisconnectedIconData, ConnectedIconData, Connected (writable),
@@ -42,7 +44,7 @@ class ScriptingService final : public QObject, protected QDBusContext {
 public:
   // Exports the objects; the service name is taken by whoever owns the
   // single-instance check.
-  ScriptingService(QDBusConnection bus, AppDelegate& app, Services& services);
+  ScriptingService(QDBusConnection bus, AppDelegate& app, Services& services, DiagnosticReporter& reporter);
   ~ScriptingService() override;
 
   static QString devicePath(std::int64_t ID);
@@ -62,6 +64,7 @@ public:
   QString getSetting(const QString& key);
   QString setSetting(const QString& key, const QString& json);
   QString unsetSetting(const QString& key);
+  void saveDiagnosticReport(const QString& path, bool maskAddresses);
 
 private:
   void scheduleRefresh(const DeviceSetting* changed);
@@ -75,6 +78,9 @@ private:
   QDBusConnection bus_;
   AppDelegate& app_;
   Services& services_;
+  DiagnosticReporter& reporter_;
+  // Set when the service goes: a report still being written stops.
+  std::shared_ptr<std::atomic<bool>> reportsCancelled_ = std::make_shared<std::atomic<bool>>(false);
   ScriptingDeviceTree::Objects objects_;
   ScriptingDeviceTree tree_{objects_};
   QList<QDBusObjectPath> shownList_;

@@ -1,10 +1,12 @@
 #include "ui/AboutPane.h"
 
+#include "core/Services.h"
 #include "core/Texts.h"
-#include "ports/Alerts.h"
 #include "ui/BuildInfo.h"
+#include "ui/ReportSaver.h"
 #include "ui/UiText.h"
 
+#include <QCheckBox>
 #include <QDesktopServices>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -14,7 +16,8 @@
 
 namespace lb {
 
-AboutPane::AboutPane(Alerts& alerts, QWidget* parent) : QWidget(parent) {
+AboutPane::AboutPane(Services& services, DiagnosticReporter& reporter, QWidget* parent) : QWidget(parent) {
+  auto& alerts = services.alerts;
   auto* name = new QLabel("Lanternbud", this);
   auto font = name->font();
   font.setPointSizeF(font.pointSizeF() * 1.5);
@@ -37,6 +40,26 @@ AboutPane::AboutPane(Alerts& alerts, QWidget* parent) : QWidget(parent) {
   support->setVisible(*build::supportAddress != '\0');
   connect(support, &QPushButton::clicked, this, [] { QDesktopServices::openUrl(QUrl(build::supportAddress)); });
 
+  // The report, for support: what the Bluetooth and sound systems did.
+  auto* saver = new ReportSaver(reporter, services.loop, alerts, this);
+  auto* report = new QPushButton(uiText("Save Diagnostic &Report…"), this);
+  report->setObjectName("saveReport");
+  report->setToolTip(uiText("Saves Lanternbud’s logs, the journal and what the Bluetooth and sound systems say of "
+                            "their devices in one file to send to support."));
+  auto* mask = new QCheckBox(uiText("&Hide the second half of Bluetooth addresses"), this);
+  mask->setObjectName("maskAddresses");
+  mask->setChecked(true);
+  mask->setToolTip(uiText("A device’s whole address can identify it and its owner."));
+  auto* outcome = new QLabel(this);
+  outcome->setObjectName("reportOutcome");
+  outcome->setWordWrap(true);
+  outcome->setTextInteractionFlags(Qt::TextSelectableByMouse);
+  connect(report, &QPushButton::clicked, this, [saver, mask, outcome] {
+    outcome->clear();
+    saver->start(mask->isChecked());
+  });
+  connect(saver, &ReportSaver::finished, outcome, &QLabel::setText);
+
   auto* buttons = new QHBoxLayout;
   buttons->addStretch();
   buttons->addWidget(manual);
@@ -47,6 +70,10 @@ AboutPane::AboutPane(Alerts& alerts, QWidget* parent) : QWidget(parent) {
   for (auto* label : {name, version, copyright}) layout->addWidget(label, 0, Qt::AlignHCenter);
   layout->addSpacing(12);
   layout->addLayout(buttons);
+  layout->addSpacing(12);
+  layout->addWidget(report, 0, Qt::AlignHCenter);
+  layout->addWidget(mask, 0, Qt::AlignHCenter);
+  layout->addWidget(outcome, 0, Qt::AlignHCenter);
   layout->addStretch();
 }
 

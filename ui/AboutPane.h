@@ -4,14 +4,16 @@
 
 namespace lb {
 
-class Alerts;
+class DiagnosticReporter;
+struct Services;
 
 // The About tab: the version (with the build in its tool tip), the
-// copyright, and the manual and support pages.
+// copyright and licence, the manual and support pages, and saving a
+// diagnostic report.
 class AboutPane final : public QWidget {
   Q_OBJECT
 public:
-  AboutPane(Alerts& alerts, QWidget* parent);
+  AboutPane(Services& services, DiagnosticReporter& reporter, QWidget* parent);
 };
 
 } // namespace lb

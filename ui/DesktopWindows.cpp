@@ -14,10 +14,11 @@ DesktopWindows::DesktopWindows(bool display) : display_(display) {}
 
 DesktopWindows::~DesktopWindows() = default;
 
-void DesktopWindows::attach(AppDelegate& app, Services& services) {
+void DesktopWindows::attach(AppDelegate& app, Services& services, DiagnosticReporter& reporter) {
   app_ = &app;
   services_ = &services;
 }
+  reporter_ = &reporter;
 
 void DesktopWindows::detach() {
   window_.reset();
@@ -30,7 +31,7 @@ bool DesktopWindows::showPreferences(std::optional<std::int64_t> deviceID) {
     PXR_LOG(trayLog(), "No display for the preferences window; lanternbud-ctl lists, adds and drives the devices.");
     return false;
   }
-  if (!window_) window_ = std::make_unique<PreferencesWindow>(*registry, *services_);
+  if (!window_) window_ = std::make_unique<PreferencesWindow>(*registry, *services_, *reporter_);
   window_->present(deviceID);
   return true;
 }

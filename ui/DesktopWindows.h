@@ -7,6 +7,7 @@
 namespace lb {
 
 class AppDelegate;
+class DiagnosticReporter;
 class PreferencesWindow;
 struct Services;
 
@@ -20,7 +21,7 @@ public:
   ~DesktopWindows() override;
 
   // What the window shows and changes; before its first showing.
-  void attach(AppDelegate& app, Services& services);
+  void attach(AppDelegate& app, Services& services, DiagnosticReporter& reporter);
   // Closes the window for good: before the registry it shows goes.
   void detach();
 
@@ -37,6 +38,7 @@ private:
   const bool display_;
   AppDelegate* app_ = nullptr;
   Services* services_ = nullptr;
+  DiagnosticReporter* reporter_ = nullptr;
   std::unique_ptr<PreferencesWindow> window_;
 };
 

@@ -14,13 +14,13 @@
 
 namespace lb {
 
-PreferencesWindow::PreferencesWindow(DeviceSettingManager& registry, Services& services)
+PreferencesWindow::PreferencesWindow(DeviceSettingManager& registry, Services& services, DiagnosticReporter& reporter)
     : registry_(registry), services_(services), tabs_(new QTabWidget(this)),
       pane_(new DeviceListPane(registry, services, this)), saveState_(new QLabel(this)) {
   setWindowTitle(uiText("Lanternbud Settings"));
   setObjectName("preferences");
   tabs_->addTab(pane_, uiText("&Devices"));
-  tabs_->addTab(new AboutPane(services.alerts, this), uiText("Ab&out"));
+  tabs_->addTab(new AboutPane(services, reporter, this), uiText("Ab&out"));
   tabs_->setAccessibleName(uiText("Settings"));
 
   saveState_->setObjectName("saveState");

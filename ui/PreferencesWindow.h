@@ -11,6 +11,7 @@ class QTabWidget;
 namespace lb {
 
 class DeviceListPane;
+class DiagnosticReporter;
 class DeviceSettingManager;
 struct Services;
 
@@ -20,7 +21,7 @@ struct Services;
 class PreferencesWindow final : public QWidget {
   Q_OBJECT
 public:
-  PreferencesWindow(DeviceSettingManager& registry, Services& services);
+  PreferencesWindow(DeviceSettingManager& registry, Services& services, DiagnosticReporter& reporter);
   ~PreferencesWindow() override;
 
   // Shows and raises the window, at the device with this ID when it is

@@ -3,13 +3,16 @@
 #include "app/ctl/ProgramClient.h"
 #include "foundation/JsonSettingsStore.h"
 #include "foundation/SettingsJson.h"
+#include "linux/report/LinuxDiagnosticReporter.h"
 #include "scripting/BusNames.h"
 
 #include <QCoreApplication>
 
 #include <nlohmann/json.hpp>
 
+#include <csignal>
 #include <cstdio>
+#include <filesystem>
 #include <iostream>
 #include <map>
 
@@ -34,6 +37,7 @@ Commands:
   config get <Key>               a setting's value, as JSON
   config set <Key> <value>       JSON, YES/NO, or else text
   config unset <Key>             back to the default
+  report <FILE> [--no-mask]      save a diagnostic report to FILE (.tar.gz)
 
 <device> is a device's ID, name or Bluetooth address. `lanternbud-ctl
 <command> --help` says more about one command. Settings and tunable keys
@@ -67,6 +71,12 @@ const std::map<std::string, std::string> commandHelp = {
     {"remove", "lanternbud-ctl remove <device>\n\nTakes the device out of the tray, with its scripts and "
                "shortcut.\n"},
     {"battery", "lanternbud-ctl battery <device>\n\nPrints \"Battery Level: 85%\" or \"Battery Level: Unknown\".\n"},
+    {"report",
+     "lanternbud-ctl report <FILE> [--no-mask]\n\nSaves a diagnostic report to FILE: one .tar.gz with Lanternbud's log "
+     "files, the\njournal's last hours, and what BlueZ and the sound server say of their devices.\nThe running "
+     "program writes it when there is one; otherwise lanternbud-ctl does, never\nstarting the program. Bluetooth "
+     "addresses keep only their first half (00:1B:66:XX:XX:XX),\nunless --no-mask is given. Nothing is left behind "
+     "when it fails or is interrupted.\n"},
     {"config",
      "lanternbud-ctl config get <Key>\nlanternbud-ctl config set <Key> <value>\nlanternbud-ctl config unset <Key>\n\n"
      "Values are JSON (2, 0.5, true, \"text\", [\"a\"]); YES and NO are Booleans and any other\n"
@@ -246,10 +256,47 @@ int config(ProgramClient& client, const std::vector<std::string>& words) {
   if (action == "get") {
     auto value = store.value(key);
     if (!value) return fail(failed, "\"" + key + "\" is not set; its default applies.");
-    std::cout << lb::SettingsJson::write(*value) << "\n";
+    std::cout << lb::SettingsJson::write(*value); // ends in a line feed
   }
   if (action == "set") store.setValue(key, *parseValue(words[3]));
   if (action == "unset") store.removeValue(key);
+  return ok;
+}
+
+// Set by SIGINT and SIGTERM while a report is written here, which then
+// removes what it began.
+std::atomic<bool> reportCancelled{false};
+
+int report(ProgramClient& client, std::vector<std::string> arguments) {
+  const bool mask = std::erase(arguments, "--no-mask") == 0;
+  if (arguments.size() != 2) return fail(usageError, "usage: report <FILE> [--no-mask]");
+  std::error_code error;
+  const auto file = std::filesystem::absolute(arguments[1], error);
+  if (error || arguments[1].empty()) return fail(usageError, "\"" + arguments[1] + "\" is not a file name.");
+  if (client.running()) {
+    std::cerr << "Lanternbud is writing the report..." << std::endl;
+    auto message = QDBusMessage::createMethodCall(lb::bus::serviceName, lb::bus::applicationPath,
+                                                  lb::bus::applicationInterface, "SaveDiagnosticReport");
+    message << QString::fromStdString(file.string()) << mask;
+    message.setAutoStartService(false);
+    // The journal of a busy machine takes a while to read.
+    const auto reply = QDBusConnection::sessionBus().call(message, QDBus::Block, 600'000);
+    if (reply.type() == QDBusMessage::ErrorMessage)
+      return fail(failed, "the report could not be saved: " + reply.errorMessage().toStdString());
+  } else {
+    std::signal(SIGINT, [](int) { reportCancelled = true; });
+    std::signal(SIGTERM, [](int) { reportCancelled = true; });
+    lb::LinuxDiagnosticReporter reporter(lb::LinuxDiagnosticReporter::Sources::thisMachine());
+    const auto result = reporter.saveReport(
+        file, mask,
+        [](int done, int total, const std::string& what) {
+          if (done < total) std::cerr << "[" << done + 1 << "/" << total << "] " << what << "..." << std::endl;
+        },
+        reportCancelled);
+    if (reportCancelled) return fail(failed, "interrupted; no report was saved.");
+    if (!result) return fail(failed, "the report could not be saved: " + result.failure().reason);
+  }
+  std::cout << "Saved the diagnostic report to " << file.string() << "\n";
   return ok;
 }
 
@@ -267,6 +314,7 @@ int run(const std::vector<std::string>& words) {
   }
   ProgramClient client;
   if (command == "config") return config(client, words);
+  if (command == "report") return report(client, words);
   if (!client.running()) {
     return fail(notRunning, "Lanternbud is not running on this session bus; start it with `lanternbud` "
                             "(or `lanternbud --demo`).");

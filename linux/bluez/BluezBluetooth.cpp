@@ -18,12 +18,6 @@ namespace lb {
 namespace {
 constexpr const char* service = "org.bluez";
 constexpr const char* objectManager = "org.freedesktop.DBus.ObjectManager";
-
-std::map<QString, QVariantMap> interfacesOf(const BluezInterfaceMap& interfaces) {
-  std::map<QString, QVariantMap> result;
-  for (auto it = interfaces.begin(); it != interfaces.end(); ++it) result.emplace(it.key(), it.value());
-  return result;
-}
 } // namespace
 
 class BluezBluetooth::Registration final : public NotificationRegistration {
@@ -37,8 +31,7 @@ private:
 };
 
 BluezBluetooth::BluezBluetooth(QDBusConnection bus) : bus_(std::move(bus)) {
-  qDBusRegisterMetaType<BluezInterfaceMap>();
-  qDBusRegisterMetaType<BluezObjectMap>();
+  BluezMirror::registerTypes();
 
   // The object-manager signals arrive as messages and are read here: Qt
   // refuses slots whose parameters are these D-Bus types.
@@ -69,9 +62,7 @@ BluezBluetooth::BluezBluetooth(QDBusConnection bus) : bus_(std::move(bus)) {
 BluezBluetooth::~BluezBluetooth() = default;
 
 void BluezBluetooth::rebuild(const BluezObjectMap& objects) {
-  mirror_->clear();
-  for (auto it = objects.begin(); it != objects.end(); ++it)
-    mirror_->addInterfaces(it.key().path(), interfacesOf(it.value()));
+  mirror_->replace(objects);
   pairingListeners_.notify();
 }
 
@@ -86,19 +77,11 @@ void BluezBluetooth::reload() {
 }
 
 void BluezBluetooth::interfacesAdded(const QDBusMessage& message) {
-  const auto arguments = message.arguments();
-  if (arguments.size() != 2) return;
-  auto interfaces = qdbus_cast<BluezInterfaceMap>(arguments[1].value<QDBusArgument>());
-  mirror_->addInterfaces(arguments[0].value<QDBusObjectPath>().path(), interfacesOf(interfaces));
-  if (interfaces.contains(BluezMirror::deviceInterface)) pairingListeners_.notify();
+  if (mirror_->interfacesAdded(message).second.contains(BluezMirror::deviceInterface)) pairingListeners_.notify();
 }
 
 void BluezBluetooth::interfacesRemoved(const QDBusMessage& message) {
-  const auto arguments = message.arguments();
-  if (arguments.size() != 2) return;
-  const auto removed = arguments[1].toStringList();
-  mirror_->removeInterfaces(arguments[0].value<QDBusObjectPath>().path(), removed);
-  if (removed.contains(BluezMirror::deviceInterface)) pairingListeners_.notify();
+  if (mirror_->interfacesRemoved(message).second.contains(BluezMirror::deviceInterface)) pairingListeners_.notify();
 }
 
 void BluezBluetooth::propertiesChanged(const QString& interface, const QVariantMap& changed,

@@ -15,9 +15,6 @@ class QDBusServiceWatcher;
 
 namespace lb {
 
-using BluezInterfaceMap = QMap<QString, QVariantMap>;
-using BluezObjectMap = QMap<QDBusObjectPath, BluezInterfaceMap>;
-
 // The Bluetooth port over BlueZ on a D-Bus bus. It mirrors BlueZ's objects
 // (GetManagedObjects once, then InterfacesAdded, InterfacesRemoved and
 // PropertiesChanged) and answers every query from the mirror: idle, it sends
@@ -66,6 +63,3 @@ private:
 };
 
 } // namespace lb
-
-Q_DECLARE_METATYPE(lb::BluezInterfaceMap)
-Q_DECLARE_METATYPE(lb::BluezObjectMap)

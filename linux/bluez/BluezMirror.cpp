@@ -1,24 +1,52 @@
 #include "linux/bluez/BluezMirror.h"
 
+#include <QDBusArgument>
+#include <QDBusMessage>
+#include <QDBusMetaType>
+
 namespace lb {
+
+void BluezMirror::registerTypes() {
+  qDBusRegisterMetaType<BluezInterfaceMap>();
+  qDBusRegisterMetaType<BluezObjectMap>();
+}
 
 void BluezMirror::clear() {
   std::lock_guard lock(mutex_);
   objects_.clear();
 }
 
-void BluezMirror::addInterfaces(const QString& path, const std::map<QString, QVariantMap>& interfaces) {
+void BluezMirror::replace(const BluezObjectMap& objects) {
   std::lock_guard lock(mutex_);
-  auto& object = objects_[path];
-  for (const auto& [name, properties] : interfaces) object[name] = properties;
+  objects_.clear();
+  for (auto object = objects.begin(); object != objects.end(); ++object) {
+    auto& interfaces = objects_[object.key().path()];
+    for (auto it = object.value().begin(); it != object.value().end(); ++it) interfaces[it.key()] = it.value();
+  }
 }
 
-void BluezMirror::removeInterfaces(const QString& path, const QStringList& interfaces) {
+std::pair<QString, QStringList> BluezMirror::interfacesAdded(const QDBusMessage& signal) {
+  const auto arguments = signal.arguments();
+  if (arguments.size() != 2) return {};
+  const auto path = arguments[0].value<QDBusObjectPath>().path();
+  const auto added = qdbus_cast<BluezInterfaceMap>(arguments[1].value<QDBusArgument>());
   std::lock_guard lock(mutex_);
-  auto found = objects_.find(path);
-  if (found == objects_.end()) return;
-  for (const auto& name : interfaces) found->second.erase(name);
-  if (found->second.empty()) objects_.erase(found);
+  auto& object = objects_[path];
+  for (auto it = added.begin(); it != added.end(); ++it) object[it.key()] = it.value();
+  return {path, added.keys()};
+}
+
+std::pair<QString, QStringList> BluezMirror::interfacesRemoved(const QDBusMessage& signal) {
+  const auto arguments = signal.arguments();
+  if (arguments.size() != 2) return {};
+  const auto path = arguments[0].value<QDBusObjectPath>().path();
+  const auto removed = arguments[1].toStringList();
+  std::lock_guard lock(mutex_);
+  if (auto found = objects_.find(path); found != objects_.end()) {
+    for (const auto& name : removed) found->second.erase(name);
+    if (found->second.empty()) objects_.erase(found);
+  }
+  return {path, removed};
 }
 
 std::optional<QVariant> BluezMirror::updateProperties(const QString& path, const QString& interface,
@@ -57,13 +85,13 @@ std::optional<QString> BluezMirror::devicePath(const BluetoothAddress& address) 
   return std::nullopt;
 }
 
-std::vector<QString> BluezMirror::devicePaths() const {
+std::vector<QString> BluezMirror::paths(const QString& interface) const {
   std::lock_guard lock(mutex_);
-  std::vector<QString> paths;
+  std::vector<QString> found;
   for (const auto& [path, interfaces] : objects_) {
-    if (interfaces.contains(deviceInterface)) paths.push_back(path);
+    if (interfaces.contains(interface)) found.push_back(path);
   }
-  return paths;
+  return found;
 }
 
 } // namespace lb

@@ -7,6 +7,7 @@
 // level, at most once a staleness interval (60 s) a device.
 //   battery_idle_benchmark
 #include "core/AppDelegate.h"
+#include "linux/report/LinuxDiagnosticReporter.h"
 #include "scripting/ScriptingService.h"
 #include "tests/support/PrivateBus.h"
 #include "tests/support/SimulatedPlatform.h"
@@ -44,7 +45,8 @@ Counts idle(test::PrivateBus& session, bool showBatteryLevel, bool helper) {
   }
   AppDelegate app(sim.services);
   app.applicationDidFinishLaunching();
-  ScriptingService scripting(session.connect("benchmark"), app, sim.services);
+  LinuxDiagnosticReporter reporter(LinuxDiagnosticReporter::Sources::thisMachine());
+  ScriptingService scripting(session.connect("benchmark"), app, sim.services, reporter);
   auto pass = [&](double seconds) {
     for (double passed = 0; passed < seconds; passed += 1) {
       sim.loop.advance(1);

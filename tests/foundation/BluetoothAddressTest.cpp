@@ -31,4 +31,17 @@ TEST(BluetoothAddress, FindsTheFirstAddressInALongerText) {
   EXPECT_EQ(found("ps-controller-battery-a0:5a:5c:01:02:3"), "");
 }
 
+TEST(BluetoothAddress, MasksTheSecondHalfOfEveryAddressInAText) {
+  EXPECT_EQ(BluetoothAddress::masked("Connected 00:1B:66:AA:BB:CC and f0-99-b6-11-22-33."),
+            "Connected 00:1B:66:XX:XX:XX and f0-99-b6-XX-XX-XX.");
+  EXPECT_EQ(BluetoothAddress::masked("/org/bluez/hci0/dev_00_1B_66_AA_BB_CC/service0001"),
+            "/org/bluez/hci0/dev_00_1B_66_XX_XX_XX/service0001");
+  EXPECT_EQ(BluetoothAddress::masked("hid-f0:99:b6:11:22:33-battery"), "hid-f0:99:b6:XX:XX:XX-battery");
+  EXPECT_EQ(BluetoothAddress::masked("00:1B:66:AA:BB:CC"), "00:1B:66:XX:XX:XX");
+  // Hexadecimal that only looks like an address in part stays as it is.
+  for (auto text : {"key 3f00:1B:66:AA:BB:CC", "00:1B:66:AA:BB:CCe", "AA:BB-CC:DD:EE:0F", "0000110b-0000-1000"}) {
+    EXPECT_EQ(BluetoothAddress::masked(text), text);
+  }
+}
+
 } // namespace lb

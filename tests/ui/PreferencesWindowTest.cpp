@@ -1,6 +1,7 @@
 #include "core/DeviceSettingManager.h"
 #include "linux/bluez/BluezBluetooth.h"
 #include "linux/xdg/XdgScriptsFolder.h"
+#include "ports/DiagnosticReporter.h"
 #include "tests/support/PrivateBus.h"
 #include "tests/support/RequireService.h"
 #include "tests/support/SimulatedPlatform.h"
@@ -12,12 +13,14 @@
 #include "ui/ShortcutRecorder.h"
 
 #include <QCheckBox>
+#include <QFileDialog>
 #include <QKeySequenceEdit>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMenu>
 #include <QPlainTextEdit>
+#include <QProgressDialog>
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QTest>
@@ -34,6 +37,18 @@ namespace {
 constexpr const char* headsetAddress = "00:1B:66:AA:BB:01";
 constexpr const char* keyboardAddress = "00:1B:66:AA:BB:02";
 constexpr const char* mouseAddress = "00:1B:66:AA:BB:03";
+
+// Records what it was asked to save, and answers as the test says.
+struct RecordingReporter final : DiagnosticReporter {
+  Result<void> saveReport(const std::filesystem::path& destination, bool maskAddresses, const Progress& progress,
+                          const std::atomic<bool>&) override {
+    asked.emplace_back(destination, maskAddresses);
+    progress(0, 5, "Collecting the log files");
+    return answer;
+  }
+  std::vector<std::pair<std::filesystem::path, bool>> asked;
+  Result<void> answer;
+};
 
 SettingsValue::Dictionary saved(std::int64_t id, const char* address) {
   return {{"deviceID", id}, {"device", std::string(address)}};
@@ -54,7 +69,7 @@ protected:
     services = std::make_unique<Services>(sim.servicesWith(real));
     registry = std::make_unique<DeviceSettingManager>(*services);
     for (const auto& setting : registry->deviceSettingList()) setting->setupStatusItem();
-    window = std::make_unique<PreferencesWindow>(*registry, *services);
+    window = std::make_unique<PreferencesWindow>(*registry, *services, reporter);
     window->present(std::nullopt);
   }
   template <class Widget>
@@ -97,6 +112,7 @@ protected:
   std::unique_ptr<BluezBluetooth> bluez;
   std::unique_ptr<Services> services;
   std::unique_ptr<DeviceSettingManager> registry;
+  RecordingReporter reporter;
   std::unique_ptr<PreferencesWindow> window;
 };
 
@@ -216,6 +232,33 @@ TEST_F(PreferencesWindowTest, TheAboutTabShowsTheVersionAndOpensTheManual) {
   EXPECT_FALSE(find<QPushButton>("support")->isVisibleTo(window.get())); // no support page was set
   QTest::mouseClick(find<QPushButton>("manual"), Qt::LeftButton);
   EXPECT_EQ(sim.alerts.helpPagesOpened, std::vector<std::string>{"index"});
+}
+
+TEST_F(PreferencesWindowTest, TheAboutTabSavesAReportWhereTheUserSaysAndSaysHowItWent) {
+  open();
+  auto save = [&](const char* name) {
+    click("saveReport");
+    auto* dialog = opened<QFileDialog>();
+    EXPECT_TRUE(dialog && dialog->selectedFiles().value(0).endsWith(".tar.gz")); // a name is offered
+    dialog->selectFile(QString::fromStdString(home / name));
+    static_cast<QDialog*>(dialog)->accept(); // QFileDialog hides it
+    sim.loop.runDue();                       // the worker writes, the window hears
+  };
+  auto* outcome = find<QLabel>("reportOutcome");
+  save("report.tar.gz");
+  ASSERT_EQ(reporter.asked.size(), 1u);
+  EXPECT_EQ(reporter.asked[0], std::pair(home / "report.tar.gz", true)); // masked unless unticked
+  EXPECT_TRUE(outcome->text().startsWith("Saved the report to ")) << outcome->text().toStdString();
+  EXPECT_FALSE(opened<QProgressDialog>());
+
+  click("maskAddresses");
+  reporter.answer = Failure{"No space left on device"};
+  save("full.tar.gz");
+  EXPECT_EQ(reporter.asked.back(), std::pair(home / "full.tar.gz", false));
+  ASSERT_EQ(sim.alerts.shown.size(), 1u);
+  EXPECT_EQ(sim.alerts.shown[0].message, "The diagnostic report could not be saved.");
+  EXPECT_EQ(sim.alerts.shown[0].informativeText, "No space left on device");
+  EXPECT_EQ(outcome->text(), "The report could not be saved.");
 }
 
 TEST_F(PreferencesWindowTest, AddingByAddressTakesTheUsualFormsAndSaysWhatIsWrong) {

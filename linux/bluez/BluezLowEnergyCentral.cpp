@@ -1,0 +1,236 @@
+#include "linux/bluez/BluezLowEnergyCentral.h"
+
+#include "foundation/PXRLog.h"
+
+#include <QDBusArgument>
+#include <QDBusMessage>
+#include <QDBusMetaType>
+#include <QDBusObjectPath>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QTimer>
+
+namespace lb {
+
+namespace {
+
+constexpr const char* service = "org.bluez";
+constexpr const char* objectManager = "org.freedesktop.DBus.ObjectManager";
+constexpr const char* gattService = "org.bluez.GattService1";
+constexpr const char* gattCharacteristic = "org.bluez.GattCharacteristic1";
+constexpr const char* gattDescriptor = "org.bluez.GattDescriptor1";
+
+QString pathText(const QVariant& value) {
+  return value.canConvert<QDBusObjectPath>() ? value.value<QDBusObjectPath>().path() : value.toString();
+}
+
+std::string errorText(const QDBusMessage& reply) {
+  return (reply.errorName() + ": " + reply.errorMessage()).toStdString();
+}
+
+} // namespace
+
+BluezLowEnergyCentral::BluezLowEnergyCentral(QDBusConnection bus) : bus_(std::move(bus)) {
+  BluezMirror::registerTypes();
+  bus_.connect(service, "/", objectManager, "InterfacesAdded", this, SLOT(interfacesAdded(QDBusMessage)));
+  bus_.connect(service, "/", objectManager, "InterfacesRemoved", this, SLOT(interfacesRemoved(QDBusMessage)));
+  bus_.connect(service, QString(), "org.freedesktop.DBus.Properties", "PropertiesChanged", this,
+               SLOT(propertiesChanged(QString, QVariantMap, QStringList, QDBusMessage)));
+  callAsync(call("/", objectManager, "GetManagedObjects"), [this](const QDBusMessage& reply) {
+    if (reply.type() != QDBusMessage::ReplyMessage) {
+      pxrLogError("The Low Energy reader finds no BlueZ: " + errorText(reply));
+      return;
+    }
+    mirror_.replace(qdbus_cast<BluezObjectMap>(reply.arguments().value(0).value<QDBusArgument>()));
+    loaded_ = true;
+    reportState();
+  });
+}
+
+BluezLowEnergyCentral::~BluezLowEnergyCentral() = default;
+
+QDBusMessage BluezLowEnergyCentral::call(const QString& path, const QString& interface, const QString& method) {
+  return QDBusMessage::createMethodCall(service, path, interface, method);
+}
+
+void BluezLowEnergyCentral::callAsync(const QDBusMessage& message,
+                                      std::function<void(const QDBusMessage& reply)> answered) {
+  auto* pending = new QDBusPendingCallWatcher(bus_.asyncCall(message, 30'000), this);
+  QObject::connect(pending, &QDBusPendingCallWatcher::finished, this,
+                   [answered = std::move(answered)](QDBusPendingCallWatcher* finished) {
+                     answered(finished->reply());
+                     finished->deleteLater();
+                   });
+}
+
+void BluezLowEnergyCentral::setDelegate(LowEnergyCentralDelegate* delegate) {
+  delegate_ = delegate;
+  if (loaded_) QTimer::singleShot(0, this, [this] { reportState(); });
+}
+
+void BluezLowEnergyCentral::reportState() {
+  if (!delegate_ || !loaded_) return;
+  bool poweredOn = false;
+  for (const auto& adapter : mirror_.paths(BluezMirror::adapterInterface))
+    poweredOn = poweredOn ||
+                mirror_.property(adapter, BluezMirror::adapterInterface, "Powered").value_or(false).toBool();
+  delegate_->centralManagerDidUpdateState(poweredOn);
+}
+
+void BluezLowEnergyCentral::scanForPeripherals() {
+  for (const auto& adapter : mirror_.paths(BluezMirror::adapterInterface)) {
+    if (scanning_.contains(adapter)) continue;
+    scanning_.insert(adapter);
+    auto filter = call(adapter, BluezMirror::adapterInterface, "SetDiscoveryFilter");
+    filter << QVariantMap{{"Transport", QString("le")}};
+    callAsync(filter, [this, adapter](const QDBusMessage& reply) {
+      if (reply.type() == QDBusMessage::ErrorMessage)
+        pxrLogError("Cannot limit discovery to Low Energy on " + adapter.toStdString() + ": " + errorText(reply));
+      callAsync(call(adapter, BluezMirror::adapterInterface, "StartDiscovery"), [adapter](const QDBusMessage& started) {
+        if (started.type() == QDBusMessage::ErrorMessage)
+          pxrLogError("Cannot scan for Low Energy devices on " + adapter.toStdString() + ": " + errorText(started));
+      });
+    });
+  }
+}
+
+void BluezLowEnergyCentral::stopScan() {
+  // No answer is awaited: this may be the last thing the program does.
+  for (const auto& adapter : scanning_) bus_.send(call(adapter, BluezMirror::adapterInterface, "StopDiscovery"));
+  scanning_.clear();
+}
+
+void BluezLowEnergyCentral::connect(const std::string& identifier) {
+  const auto path = QString::fromStdString(identifier);
+  wanted_.insert(path);
+  callAsync(call(path, BluezMirror::deviceInterface, "Connect"), [this, path](const QDBusMessage& reply) {
+    if (!delegate_) return;
+    if (reply.type() != QDBusMessage::ErrorMessage) return; // Connected follows as a property change
+    if (reply.errorName() == "org.bluez.Error.AlreadyConnected") return delegate_->didConnect(peripheral(path));
+    wanted_.erase(path);
+    delegate_->didFailToConnect(peripheral(path), errorText(reply));
+  });
+}
+
+void BluezLowEnergyCentral::discoverServices(const std::string& identifier) {
+  const auto path = QString::fromStdString(identifier);
+  if (mirror_.property(path, BluezMirror::deviceInterface, "ServicesResolved").value_or(false).toBool()) {
+    QTimer::singleShot(0, this, [this, path] { reportServices(path); });
+  } else {
+    awaitingServices_.insert(path);
+  }
+}
+
+void BluezLowEnergyCentral::reportServices(const QString& path) {
+  if (!delegate_) return;
+  std::vector<LowEnergyService> services;
+  for (const auto& found : children(gattService, "Device", path)) {
+    services.push_back(
+        {found.toStdString(), mirror_.property(found, gattService, "UUID").value_or("").toString().toStdString()});
+  }
+  delegate_->didDiscoverServices(peripheral(path), services);
+}
+
+void BluezLowEnergyCentral::discoverCharacteristics(const std::string& identifier, const std::string& serviceID) {
+  const auto path = QString::fromStdString(identifier), servicePath = QString::fromStdString(serviceID);
+  QTimer::singleShot(0, this, [this, path, servicePath] {
+    if (!delegate_) return;
+    std::vector<LowEnergyCharacteristic> characteristics;
+    for (const auto& found : children(gattCharacteristic, "Service", servicePath))
+      characteristics.push_back(characteristic(found));
+    const auto uuid = mirror_.property(servicePath, gattService, "UUID").value_or("").toString().toStdString();
+    delegate_->didDiscoverCharacteristics(peripheral(path), {servicePath.toStdString(), uuid}, characteristics);
+  });
+}
+
+void BluezLowEnergyCentral::readValue(const std::string& identifier, const std::string& characteristicID) {
+  const auto path = QString::fromStdString(identifier), found = QString::fromStdString(characteristicID);
+  const auto flags = mirror_.property(found, gattCharacteristic, "Flags").value_or(QStringList()).toStringList();
+  if (!flags.contains("read")) {
+    QTimer::singleShot(0, this, [this, path, found] {
+      if (delegate_) delegate_->didUpdateValue(peripheral(path), characteristic(found), "not readable");
+    });
+    return;
+  }
+  auto read = call(found, gattCharacteristic, "ReadValue");
+  read << QVariantMap();
+  callAsync(read, [this, path, found](const QDBusMessage& reply) {
+    if (!delegate_) return;
+    auto answer = characteristic(found);
+    if (reply.type() == QDBusMessage::ErrorMessage) {
+      answer.value.reset();
+      return delegate_->didUpdateValue(peripheral(path), answer, errorText(reply));
+    }
+    const auto bytes = reply.arguments().value(0).toByteArray();
+    answer.value = std::vector<std::uint8_t>(bytes.begin(), bytes.end());
+    delegate_->didUpdateValue(peripheral(path), answer, std::nullopt);
+  });
+}
+
+LowEnergyPeripheral BluezLowEnergyCentral::peripheral(const QString& path) const {
+  LowEnergyPeripheral found{path.toStdString(), std::nullopt};
+  if (auto name = mirror_.property(path, BluezMirror::deviceInterface, "Name"))
+    found.name = name->toString().toStdString();
+  return found;
+}
+
+LowEnergyCharacteristic BluezLowEnergyCentral::characteristic(const QString& path) const {
+  LowEnergyCharacteristic found{
+      path.toStdString(),
+      mirror_.property(path, gattCharacteristic, "UUID").value_or("").toString().toStdString(),
+      std::nullopt,
+      {}};
+  // BlueZ keeps the last value read; empty before the first read.
+  const auto value = mirror_.property(path, gattCharacteristic, "Value").value_or(QByteArray()).toByteArray();
+  if (!value.isEmpty()) found.value = std::vector<std::uint8_t>(value.begin(), value.end());
+  for (const auto& descriptor : children(gattDescriptor, "Characteristic", path))
+    found.descriptors.push_back(
+        mirror_.property(descriptor, gattDescriptor, "UUID").value_or("").toString().toStdString());
+  return found;
+}
+
+std::vector<QString> BluezLowEnergyCentral::children(const QString& interface, const char* owner,
+                                                     const QString& path) const {
+  std::vector<QString> found;
+  for (const auto& child : mirror_.paths(interface)) {
+    if (pathText(mirror_.property(child, interface, owner).value_or(QVariant())) == path) found.push_back(child);
+  }
+  return found;
+}
+
+void BluezLowEnergyCentral::interfacesAdded(const QDBusMessage& message) {
+  const auto [path, interfaces] = mirror_.interfacesAdded(message);
+  if (interfaces.contains(BluezMirror::adapterInterface)) reportState();
+  // A device that appears while discovering has just advertised.
+  if (delegate_ && !scanning_.empty() && interfaces.contains(BluezMirror::deviceInterface))
+    delegate_->didDiscover(peripheral(path));
+}
+
+void BluezLowEnergyCentral::interfacesRemoved(const QDBusMessage& message) { mirror_.interfacesRemoved(message); }
+
+void BluezLowEnergyCentral::propertiesChanged(const QString& interface, const QVariantMap& changed,
+                                              const QStringList& invalidated, const QDBusMessage& message) {
+  const QString path = message.path();
+  mirror_.updateProperties(path, interface, changed, invalidated, QString());
+  if (!delegate_) return;
+  if (interface == BluezMirror::adapterInterface && changed.contains("Powered")) {
+    // Scanning ends with the power; it starts again when the power returns.
+    if (!changed.value("Powered").toBool()) scanning_.erase(path);
+    return reportState();
+  }
+  if (interface != BluezMirror::deviceInterface) return;
+  if (changed.contains("RSSI") && !scanning_.empty()) delegate_->didDiscover(peripheral(path));
+  if (!wanted_.contains(path)) return;
+  if (changed.contains("Connected")) {
+    if (changed.value("Connected").toBool()) {
+      delegate_->didConnect(peripheral(path));
+    } else {
+      wanted_.erase(path);
+      awaitingServices_.erase(path);
+      delegate_->didDisconnectPeripheral(peripheral(path), "none");
+    }
+  }
+  if (changed.value("ServicesResolved").toBool() && awaitingServices_.erase(path)) reportServices(path);
+}
+
+} // namespace lb

@@ -1,0 +1,78 @@
+#include "core/LowEnergyBatteryInfo.h"
+#include "linux/bluez/BluezLowEnergyCentral.h"
+#include "sim/InMemorySettingsStore.h"
+#include "tests/support/CapturedLog.h"
+#include "tests/support/PrivateBus.h"
+#include "tests/support/RequireService.h"
+
+#include <gtest/gtest.h>
+
+#include <QDBusVariant>
+
+namespace lb {
+
+namespace {
+
+const QString adapterPath = "/org/bluez/hci0";
+constexpr const char* budsAddress = "C0:28:8D:01:02:03";
+constexpr const char* mouseAddress = "D4:11:22:33:44:55";
+
+} // namespace
+
+// The reader over BlueZ's model: its GATT objects answer ReadValue.
+TEST(LowEnergyBatteryInfo, ReadsMatchingPeripheralsOnlyWhileSwitchedOnAndReconnectsThem) {
+  test::PrivateBus bus;
+  if (bus.skipReason().empty()) bus.startBluez();
+  LB_REQUIRE_SERVICE(bus.skipReason());
+  bus.bluez("/", "org.bluez.Mock", "AddAdapter", {"hci0", "my-computer"});
+  auto connection = bus.connect("lanternbud");
+  auto discovering = [&] {
+    auto reply = bus.bluez(adapterPath, "org.freedesktop.DBus.Properties", "Get",
+                           {"org.bluez.Adapter1", "Discovering"});
+    return reply.arguments().value(0).value<QDBusVariant>().variant().toBool();
+  };
+
+  test::CapturedLog log({"LogLowEnergyBatteryInfo"});
+  InMemorySettingsStore store({{"LowEnergyBatteryInfoPattern", std::string("Buds")}});
+  UserDefaults defaults(store);
+  Tunables tunables(defaults);
+  LowEnergyBatteryInfo reader(defaults, tunables, [&] { return std::make_unique<BluezLowEnergyCentral>(connection); });
+  EXPECT_FALSE(reader.isRunning());
+  test::waitUntil([] { return false; }, 0.3);
+  EXPECT_FALSE(discovering());
+
+  defaults.setValue("LowEnergyBatteryInfoEnable", true);
+  ASSERT_TRUE(test::waitUntil(discovering));
+  // The battery answers two bytes; the level is the first.
+  const auto budsPath = test::PrivateBus::bluezDevicePath(budsAddress);
+  bus.bluez("/", "org.bluez.Mock", "AddBatteryService",
+            {QVariant::fromValue(QDBusObjectPath(budsPath)), QByteArray::fromHex("5501")});
+  bus.bluez("/", "org.bluez.Mock", "AddDevice", {"hci0", mouseAddress, "Desk Mouse"});
+  bus.bluez("/", "org.bluez.Mock", "AddDevice", {"hci0", budsAddress, "Galaxy Buds"});
+  auto levels = [&] {
+    auto messages = log.messages();
+    return std::count(messages.begin(), messages.end(), "Battery level of Galaxy Buds 85");
+  };
+  ASSERT_TRUE(test::waitUntil([&] { return levels() == 1; }));
+  // Every readable characteristic is read.
+  EXPECT_TRUE(test::waitUntil([&] { return log.contains("characteristic 2A29 value <4c616e7465726e>"); }));
+  EXPECT_FALSE(bus.bluezConnected(mouseAddress)); // not named like the pattern
+
+  bus.bluez(budsPath, "org.bluez.Device1", "Disconnect");
+  ASSERT_TRUE(test::waitUntil([&] { return levels() == 2; })) << "reconnected and read again";
+  EXPECT_TRUE(log.contains("didDisconnectPeripheral Galaxy Buds"));
+  EXPECT_TRUE(bus.bluezConnected(budsAddress));
+
+  defaults.setValue("LowEnergyBatteryInfoEnable", false);
+  EXPECT_FALSE(reader.isRunning());
+  EXPECT_TRUE(test::waitUntil([&] { return !discovering(); }));
+}
+
+TEST(LowEnergyBatteryInfo, KnowsTheBatteryLevelByItsShortOrLongUUID) {
+  EXPECT_EQ(LowEnergyBatteryInfo::uuidString("00002a19-0000-1000-8000-00805f9b34fb"), "2A19");
+  EXPECT_EQ(LowEnergyBatteryInfo::uuidString("0x2a19"), "2A19");
+  EXPECT_EQ(LowEnergyBatteryInfo::uuidString("6e400001-b5a3-f393-e0a9-e50e24dcca9e"),
+            "6E400001-B5A3-F393-E0A9-E50E24DCCA9E");
+}
+
+} // namespace lb
