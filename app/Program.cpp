@@ -3,11 +3,12 @@
 #include "app/Platform.h"
 #include "core/AppDelegate.h"
 #include "core/LogAreas.h"
+#include "core/Texts.h"
 #include "core/LowEnergyBatteryInfo.h"
 #include "linux/bluez/BluezBluetooth.h"
+#include "linux/bluez/BluezLowEnergyCentral.h"
 #include "linux/battery/LinuxBatterySources.h"
 #include "linux/battery/PropertyList.h"
-#include "linux/bluez/BluezLowEnergyCentral.h"
 #include "scripting/ScriptingService.h"
 #include "linux/system/TerminationSignals.h"
 #include "ui/DesktopNotification.h"
@@ -70,9 +71,11 @@ bool findTray(const QDBusConnection& session, Tunables& tunables, bool display) 
   PXR_LOG(launchLog(), "Tray:", TrayHost::describe(host));
   if (host != TrayHost::Kind::none) return true;
   const auto advice = TrayHost::missingAdvice(display);
-  pxrLogError(advice);
+  pxrLogError(std::string(advice));
   std::cerr << "lanternbud: " << advice << "\n";
-  if (session.isConnected()) sendDesktopNotification(session, "Lanternbud has no tray icons", advice);
+  if (session.isConnected()) {
+    sendDesktopNotification(session, localized("Lanternbud has no tray icons"), localized(advice));
+  }
   return false;
 }
 
@@ -109,17 +112,17 @@ int Program::runApplication(UserDefaults& defaults, Tunables& tunables, bool dem
   AppDelegate app(platform->services());
   platform->windows().attach(app, platform->services(), platform->reporter());
   app.applicationDidFinishLaunching();
-
-  std::unique_ptr<ScriptingService> scripting;
-  if (session.isConnected())
-    scripting = std::make_unique<ScriptingService>(session, app, platform->services(), platform->reporter());
-  running = &app;
   // The diagnostic Low Energy reader, on the real platform only.
   std::unique_ptr<LowEnergyBatteryInfo> lowEnergy;
   if (!demo) {
     lowEnergy = std::make_unique<LowEnergyBatteryInfo>(
         defaults, tunables, [] { return std::make_unique<BluezLowEnergyCentral>(QDBusConnection::systemBus()); });
   }
+
+  std::unique_ptr<ScriptingService> scripting;
+  if (session.isConnected())
+    scripting = std::make_unique<ScriptingService>(session, app, platform->services(), platform->reporter());
+  running = &app;
   auto requests = [&platform] {
     auto count = platform->soundServerRequests();
     return count ? std::to_string(*count) : std::string("no");
@@ -131,11 +134,11 @@ int Program::runApplication(UserDefaults& defaults, Tunables& tunables, bool dem
 
   // Nothing outside may reach the devices while they are taken down.
   scripting.reset();
+  lowEnergy.reset(); // stops discovery
   platform->windows().detach();
   if (session.isConnected()) session.unregisterService(bus::serviceName);
   app.applicationWillTerminate();
   PXR_LOG(launchLog(), "Saved the device list; goodbye.");
-  lowEnergy.reset(); // stops discovery
   // A worker blocked in a Bluetooth call (a device that does not answer) may
   // take a minute; a logout will not wait. Everything is saved: leave without
   // taking down what the worker still uses.

@@ -1,6 +1,7 @@
 // lanternbud: the program, or with "-PrintBatteryInfo <address>" (also as
 // LanternbudHelperTool) its battery print mode.
 #include "app/Program.h"
+#include "app/Translations.h"
 #include "core/AppDelegate.h"
 #include "foundation/BluetoothAddress.h"
 #include "foundation/JsonSettingsStore.h"
@@ -99,6 +100,7 @@ int main(int argc, char** argv) {
   defaults.registerDefaults({{"LogLaunch", true}, {"LogTray", true}});
   lb::LinuxLogger::install([&defaults](const std::string& area) { return defaults.boolValue(area, false); },
                            processName);
+  lb::installTranslations();
   lb::Tunables tunables(defaults);
 
   int status = 0;

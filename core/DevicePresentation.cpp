@@ -63,7 +63,7 @@ std::optional<std::string> DevicePresentation::statusString() {
   auto found = owner_.device();
   if (!found) return std::nullopt;
   const bool connected = found->isConnected();
-  std::string state = localized(connected ? "Connected" : "Disconnected");
+  std::string state = connected ? localized("Connected") : localized("Disconnected");
   if (owner_.outputFixer().isRetrying()) state = localized("Fixing Sound Output");
   if (isNotTheOutput(connected)) state += localized(" (Not Sound Output)");
   return owner_.deviceNameOrUnknown() + " - " + state;

@@ -80,10 +80,10 @@ std::vector<StatusMenuEntry> DeviceStatusItem::deviceMenu() {
     auto self = weak.lock();
     return self ? self->batteryLevelString() : std::string();
   };
-  auto text = [](const char* key) { return [title = localized(key)] { return title; }; };
+  auto text = [](std::string title) { return [title = std::move(title)] { return title; }; };
   return {{status, {}}, {battery, {}},
-          {},           {text("Settings…"), [this] { windows_.showPreferences(owner_.deviceID()); }},
-          {},           {text("Quit"), [&windows = windows_] { windows.terminate(); }}};
+          {},           {text(localized("Settings…")), [this] { windows_.showPreferences(owner_.deviceID()); }},
+          {},           {text(localized("Quit")), [&windows = windows_] { windows.terminate(); }}};
 }
 
 void DeviceStatusItem::popUpMenu() {

@@ -1,10 +1,21 @@
 #include "core/Texts.h"
 
+#include <atomic>
 #include <map>
 
 namespace lb {
 
+namespace {
+std::atomic<Translator> installedTranslator{nullptr};
+} // namespace
+
+void installTranslator(Translator translator) { installedTranslator.store(translator, std::memory_order_release); }
+
 std::string localized(std::string_view english) {
+  // Translations are looked up by the key and say what its Linux wording says.
+  if (auto translator = installedTranslator.load(std::memory_order_acquire)) {
+    if (auto translated = translator(english)) return *std::move(translated);
+  }
   static const std::map<std::string_view, std::string_view> linux{
       {"Your Mac could not connect to “%@”.", "Your computer could not connect to “%@”."},
       {"Please make sure that Bluetooth is enabled in the Bluetooth pane in System Settings.",

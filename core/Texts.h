@@ -1,16 +1,31 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
 namespace lb {
 
-// The text the user sees for `english`, which is the lookup key. On Linux a
-// few texts read differently where the English names places that do not
-// exist here.
+// The text the user sees for `english`, which is the lookup key: its
+// translation into the user's language when one is installed, else the
+// English. On Linux a few English texts read differently where they name
+// places that do not exist here.
 std::string localized(std::string_view english);
 
 // `format` with its first "%@" replaced by `argument`, and "%%" as "%".
 std::string formatted(std::string_view format, std::string_view argument);
+
+// The translation of `english` into the user's language, or nothing when
+// it has none.
+using Translator = std::optional<std::string> (*)(std::string_view english);
+
+// Installed by the program once at start, before other threads run; any
+// thread may make texts from then on. Null goes back to English.
+void installTranslator(Translator translator);
+
+// Marks a text that is looked up with localized() later, where it is also
+// used in English (a log line): the tools that gather the texts to
+// translate find it here.
+constexpr std::string_view translatable(std::string_view english) { return english; }
 
 } // namespace lb

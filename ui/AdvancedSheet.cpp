@@ -16,11 +16,11 @@ namespace lb {
 
 namespace {
 
-QPlainTextEdit* editor(const QString& text, const char* accessibleName, QWidget* parent) {
+QPlainTextEdit* editor(const QString& text, const QString& accessibleName, QWidget* parent) {
   auto* made = new QPlainTextEdit(text, parent);
   made->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
   made->setLineWrapMode(QPlainTextEdit::NoWrap);
-  made->setAccessibleName(uiText(accessibleName));
+  made->setAccessibleName(accessibleName);
   made->setMinimumSize(480, 120);
   return made;
 }
@@ -30,10 +30,10 @@ QPlainTextEdit* editor(const QString& text, const char* accessibleName, QWidget*
 AdvancedSheet::AdvancedSheet(std::shared_ptr<DeviceSetting> setting, Services& services, QWidget* parent)
     : QDialog(parent), setting_(std::move(setting)), services_(services),
       runConnected_(new QCheckBox(uiText("Run this script after &connecting:"), this)),
-      connected_(editor(QString::fromStdString(setting_->shellScriptAfterConnected()), "Connect script", this)),
+      connected_(editor(QString::fromStdString(setting_->shellScriptAfterConnected()), uiText("Connect script"), this)),
       runDisconnected_(new QCheckBox(uiText("Run this script after &disconnecting:"), this)),
       disconnected_(
-          editor(QString::fromStdString(setting_->shellScriptAfterDisconnected()), "Disconnect script", this)),
+          editor(QString::fromStdString(setting_->shellScriptAfterDisconnected()), uiText("Disconnect script"), this)),
       problem_(new QLabel(this)) {
   setWindowTitle(QString::fromStdString(formatted(localized("Scripts of %@"), setting_->deviceNameOrUnknown())));
   runConnected_->setObjectName("runConnected");

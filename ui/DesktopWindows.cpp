@@ -2,6 +2,7 @@
 
 #include "core/AppDelegate.h"
 #include "core/LogAreas.h"
+#include "core/Texts.h"
 #include "ports/StatusBar.h"
 #include "ui/PreferencesWindow.h"
 
@@ -17,8 +18,8 @@ DesktopWindows::~DesktopWindows() = default;
 void DesktopWindows::attach(AppDelegate& app, Services& services, DiagnosticReporter& reporter) {
   app_ = &app;
   services_ = &services;
-}
   reporter_ = &reporter;
+}
 
 void DesktopWindows::detach() {
   window_.reset();
@@ -37,8 +38,8 @@ bool DesktopWindows::showPreferences(std::optional<std::int64_t> deviceID) {
 }
 
 bool DesktopWindows::showLandingPopover(StatusItem& item) {
-  return item.showMessage("Lanternbud is in your tray",
-                          "Click a device's icon to connect or disconnect it. Right-click it for its menu.");
+  return item.showMessage(localized("Lanternbud is in your tray"),
+                          localized("Click a device's icon to connect or disconnect it. Right-click it for its menu."));
 }
 
 // Queued: the caller finishes its work before the loop ends.

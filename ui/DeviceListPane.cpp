@@ -36,9 +36,9 @@ QString nameOf(MenuBarIconOption icon) {
   return QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size()));
 }
 
-QPushButton* button(const char* title, const char* accessibleName, QWidget* parent) {
-  auto* made = new QPushButton(uiText(title), parent);
-  made->setAccessibleName(uiText(accessibleName));
+QPushButton* button(const QString& title, const QString& accessibleName, QWidget* parent) {
+  auto* made = new QPushButton(title, parent);
+  made->setAccessibleName(accessibleName);
   return made;
 }
 
@@ -48,8 +48,8 @@ DeviceListPane::DeviceListPane(DeviceSettingManager& registry, Services& service
     : QWidget(parent), registry_(registry), services_(services), list_(new QListWidget(this)),
       deviceLabel_(new QLabel("-", this)), iconButton_(new QToolButton(this)),
       shortcut_(new ShortcutRecorder(services.shortcuts, this)), iconMenu_(new QMenu(this)),
-      advancedButton_(button("Ad&vanced…", "Scripts of the device", this)),
-      removeButton_(button("−", "Remove the device", this)),
+      advancedButton_(button(uiText("Ad&vanced…"), uiText("Scripts of the device"), this)),
+      removeButton_(button("−", uiText("Remove the device"), this)),
       launchAtLogin_(new QCheckBox(uiText("Start Lanternbud at &login"), this)) {
   list_->setObjectName("devices");
   list_->setAccessibleName(uiText("Devices"));
@@ -57,14 +57,14 @@ DeviceListPane::DeviceListPane(DeviceSettingManager& registry, Services& service
   list_->setMinimumWidth(200);
   connect(list_, &QListWidget::currentRowChanged, this, [this] { showSelected(); });
 
-  auto* addButton = button("+", "Add a paired device", this);
+  auto* addButton = button("+", uiText("Add a paired device"), this);
   addButton->setObjectName("addDevice");
   addButton->setToolTip(uiText("Add a device that is paired with this computer"));
   connect(addButton, &QPushButton::clicked, this, &DeviceListPane::addNewDevice);
   removeButton_->setObjectName("remove");
   removeButton_->setToolTip(uiText("Remove the selected device from Lanternbud"));
   connect(removeButton_, &QPushButton::clicked, this, &DeviceListPane::removeSelectedDevice);
-  auto* byAddress = button("Add by &Address…", "Add a device by its address", this);
+  auto* byAddress = button(uiText("Add by &Address…"), uiText("Add a device by its address"), this);
   byAddress->setObjectName("addByAddress");
   connect(byAddress, &QPushButton::clicked, this, &DeviceListPane::addNewDeviceManually);
 
@@ -82,11 +82,11 @@ DeviceListPane::DeviceListPane(DeviceSettingManager& registry, Services& service
   iconMenu_->setToolTipsVisible(true);
   connect(iconMenu_, &QMenu::aboutToShow, this, &DeviceListPane::fillIconMenu);
 
-  auto makeSwitch = [this](const char* name, const char* title, bool (DeviceSetting::*get)() const,
+  auto makeSwitch = [this](const char* name, QString title, bool (DeviceSetting::*get)() const,
                            void (DeviceSetting::*set)(bool)) {
-    auto* box = new QCheckBox(uiText(title), this);
+    auto* box = new QCheckBox(title, this);
     box->setObjectName(name);
-    box->setAccessibleName(uiText(title).remove('&'));
+    box->setAccessibleName(title.remove('&'));
     connect(box, &QCheckBox::clicked, this, [this, set](bool on) {
       if (auto setting = selectedDeviceSetting()) {
         ((*setting).*set)(on);
@@ -95,12 +95,12 @@ DeviceListPane::DeviceListPane(DeviceSettingManager& registry, Services& service
     });
     switches_.push_back({box, get, set});
   };
-  makeSwitch("isActive", "Show in the &tray", &DeviceSetting::isActive, &DeviceSetting::setActive);
-  makeSwitch("connectOnlyMode", "&Connect only: a click never disconnects", &DeviceSetting::connectionOnlyMode,
+  makeSwitch("isActive", uiText("Show in the &tray"), &DeviceSetting::isActive, &DeviceSetting::setActive);
+  makeSwitch("connectOnlyMode", uiText("&Connect only: a click never disconnects"), &DeviceSetting::connectionOnlyMode,
              &DeviceSetting::setConnectionOnlyMode);
-  makeSwitch("keepDefaultAudioInput", "&Keep the sound input when connecting", &DeviceSetting::keepDefaultAudioInput,
-             &DeviceSetting::setKeepDefaultAudioInput);
-  makeSwitch("showBatteryLevel", "Show the &battery level", &DeviceSetting::showBatteryLevel,
+  makeSwitch("keepDefaultAudioInput", uiText("&Keep the sound input when connecting"),
+             &DeviceSetting::keepDefaultAudioInput, &DeviceSetting::setKeepDefaultAudioInput);
+  makeSwitch("showBatteryLevel", uiText("Show the &battery level"), &DeviceSetting::showBatteryLevel,
              &DeviceSetting::setShowBatteryLevel);
   advancedButton_->setObjectName("advanced");
   connect(advancedButton_, &QPushButton::clicked, this, &DeviceListPane::openAdvancedSheet);

@@ -1,5 +1,7 @@
 #include "ui/TrayHost.h"
 
+#include "core/Texts.h"
+
 #include <QDBusConnectionInterface>
 #include <QDBusServiceWatcher>
 #include <QEventLoop>
@@ -64,14 +66,15 @@ std::string TrayHost::describe(Kind kind) {
   return "no tray";
 }
 
-std::string TrayHost::missingAdvice(bool hasDisplay) {
-  const std::string how =
-      " Lanternbud keeps running: lanternbud-ctl lists, connects and disconnects the devices meanwhile.";
-  if (!hasDisplay) return "There is no display, so the devices get no tray icons." + how;
-  return "The desktop shows no tray, so the devices get no icons. On GNOME, install and enable the AppIndicator "
-         "extension (the Debian package gnome-shell-extension-appindicator), then log in again; other desktops "
-         "need a panel with a system tray." +
-         how;
+std::string_view TrayHost::missingAdvice(bool hasDisplay) {
+  if (!hasDisplay) {
+    return translatable("There is no display, so the devices get no tray icons. Lanternbud keeps running: "
+                        "lanternbud-ctl lists, connects and disconnects the devices meanwhile.");
+  }
+  return translatable("The desktop shows no tray, so the devices get no icons. On GNOME, install and enable the "
+                      "AppIndicator extension (the Debian package gnome-shell-extension-appindicator), then log in "
+                      "again; other desktops need a panel with a system tray. Lanternbud keeps running: "
+                      "lanternbud-ctl lists, connects and disconnects the devices meanwhile.");
 }
 
 } // namespace lb

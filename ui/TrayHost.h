@@ -5,6 +5,7 @@
 #include <QDBusConnection>
 
 #include <string>
+#include <string_view>
 
 namespace lb {
 
@@ -20,8 +21,9 @@ struct TrayHost {
   static Kind find(const QDBusConnection& session, Seconds wait);
   // "StatusNotifierItem over D-Bus", "XEmbed system tray", "no tray"
   static std::string describe(Kind kind);
-  // Why there are no tray icons and how to get them, for the user.
-  static std::string missingAdvice(bool hasDisplay);
+  // Why there are no tray icons and how to get them, in English: the key of
+  // what the user is told.
+  static std::string_view missingAdvice(bool hasDisplay);
 };
 
 } // namespace lb

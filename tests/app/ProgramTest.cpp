@@ -6,6 +6,7 @@
 
 #include <QDBusArgument>
 #include <QDBusMessage>
+#include <QDBusObjectPath>
 #include <QDBusVariant>
 #include <QElapsedTimer>
 
@@ -411,6 +412,43 @@ TEST(Demo, StartsWithItsDevices) {
     return status.ends_with(" - Connected");
   })) << status;
   EXPECT_EQ(program.ctl({"battery", "Lantern Buds"}).output, "Battery Level: L: 60% R: 75%\n");
+}
+
+// The locale's variables are enough: Qt reads the language from LANG even
+// where glibc has no such locale generated.
+TEST(Demo, SpeaksTheLanguageOfTheLocale) {
+  test::PrivateBus session(test::PrivateBus::Kind::session);
+  LB_REQUIRE_SERVICE(session.skipReason());
+  test::RunningProgram program(nullptr, session, "");
+  program.setVariable("LANG", "de_DE.UTF-8");
+  ASSERT_TRUE(program.start({"--demo"}));
+  auto scripting = session.connect("script");
+  auto property = [&](const char* device, const char* name) {
+    auto find = QDBusMessage::createMethodCall("org.lanternbud.Lanternbud", "/org/lanternbud/Lanternbud",
+                                               "org.lanternbud.Lanternbud", "FindDevice");
+    find << device;
+    const auto path = scripting.call(find, QDBus::Block, 5000).arguments().value(0).value<QDBusObjectPath>();
+    auto get = QDBusMessage::createMethodCall("org.lanternbud.Lanternbud", path.path(),
+                                              "org.freedesktop.DBus.Properties", "Get");
+    get << "org.lanternbud.Lanternbud.Device" << name;
+    return scripting.call(get, QDBus::Block, 5000)
+        .arguments()
+        .value(0)
+        .value<QDBusVariant>()
+        .variant()
+        .toString()
+        .toStdString();
+  };
+  EXPECT_EQ(property("Lantern Headset", "Status"), "Lantern Headset - Getrennt");
+  EXPECT_EQ(property("Lantern Headset", "BatteryLevelString"), "Akkustand: Unbekannt");
+
+  ASSERT_EQ(program.ctl({"connect", "Lantern Buds"}).status, 0);
+  std::string status;
+  EXPECT_TRUE(test::eventually([&] {
+    return (status = property("Lantern Buds", "Status")) == "Lantern Buds - Verbunden";
+  })) << status;
+  EXPECT_EQ(property("Lantern Buds", "BatteryLevelString"), "Akkustand: L: 60% R: 75%");
+  EXPECT_NE(program.logText().find("Texts in de"), std::string::npos);
 }
 
 } // namespace lb

@@ -19,6 +19,9 @@ RunningProgram::RunningProgram(const PrivateBus* system, const PrivateBus& sessi
   }
   environment_.remove("DISPLAY");
   environment_.remove("WAYLAND_DISPLAY");
+  // English whatever the developer's language, since the tests read texts.
+  for (const char* variable : {"LANGUAGE", "LC_ALL", "LC_MESSAGES"}) environment_.remove(variable);
+  environment_.insert("LANG", "C.UTF-8");
   program_.setProcessEnvironment(environment_);
   program_.setStandardOutputFile(QProcess::nullDevice());
   program_.setStandardErrorFile(QProcess::nullDevice());

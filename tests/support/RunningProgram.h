@@ -25,7 +25,7 @@ public:
   ~RunningProgram();
 
   // Sets a variable of the programs' environment; they run without a
-  // display unless given one.
+  // display, in English, unless given one or another language (LANG).
   void setVariable(const QString& name, const QString& value);
 
   std::filesystem::path settingsFile() const { return home_ / "config/lanternbud/settings.json"; }

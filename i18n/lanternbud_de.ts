@@ -1,0 +1,463 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="de">
+<context>
+    <name>Lanternbud</name>
+    <message>
+        <source>Lanternbud has no tray icons</source>
+        <translation>Lanternbud hat keine Symbole in der Systemleiste</translation>
+    </message>
+    <message>
+        <source>Version %@</source>
+        <translation>Version %@</translation>
+    </message>
+    <message>
+        <source>Build %@</source>
+        <translation>Build %@</translation>
+    </message>
+    <message>
+        <source>Copyright © 2026 the Lanternbud developers</source>
+        <translation>Copyright © 2026 die Lanternbud-Entwickler</translation>
+    </message>
+    <message>
+        <source>&amp;Manual</source>
+        <translation>&amp;Handbuch</translation>
+    </message>
+    <message>
+        <source>Open the manual</source>
+        <translation>Handbuch öffnen</translation>
+    </message>
+    <message>
+        <source>S&amp;upport</source>
+        <translation>S&amp;upport</translation>
+    </message>
+    <message>
+        <source>Open the support page</source>
+        <translation>Support-Seite öffnen</translation>
+    </message>
+    <message>
+        <source>Save Diagnostic &amp;Report…</source>
+        <translation>&amp;Diagnosebericht speichern…</translation>
+    </message>
+    <message>
+        <source>Saves Lanternbud’s logs, the journal and what the Bluetooth and sound systems say of their devices in one file to send to support.</source>
+        <translation>Speichert die Protokolle von Lanternbud, das Journal und die Angaben der Bluetooth- und Audiosysteme zu ihren Geräten in einer Datei, die Sie an den Support senden können.</translation>
+    </message>
+    <message>
+        <source>&amp;Hide the second half of Bluetooth addresses</source>
+        <translation>Zweite Hälfte der Bluetooth-&amp;Adressen ausblenden</translation>
+    </message>
+    <message>
+        <source>A device’s whole address can identify it and its owner.</source>
+        <translation>Die vollständige Adresse eines Geräts kann das Gerät und seinen Besitzer erkennbar machen.</translation>
+    </message>
+    <message>
+        <source>Add Device</source>
+        <translation>Gerät hinzufügen</translation>
+    </message>
+    <message>
+        <source>Add by Address</source>
+        <translation>Per Adresse hinzufügen</translation>
+    </message>
+    <message>
+        <source>Enter the address of a Bluetooth device to add it manually.</source>
+        <translation>Geben Sie die Adresse eines Bluetooth-Geräts ein, um es von Hand hinzuzufügen.</translation>
+    </message>
+    <message>
+        <source>To find the address, go to System Preferences ‣ Bluetooth and make sure that “Show Bluetooth in menu bar” is checked. Then Option-click the macOS Bluetooth menu at the top of the screen and look for the address under the device.</source>
+        <translation>Die Adresse steht in den Details des Geräts in den Bluetooth-Einstellungen Ihrer Arbeitsumgebung, oder führen Sie „bluetoothctl devices Paired“ in einem Terminal aus.</translation>
+    </message>
+    <message>
+        <source>Bluetooth address</source>
+        <translation>Bluetooth-Adresse</translation>
+    </message>
+    <message>
+        <source>This computer knows no Bluetooth device at %@. Pair the device in your desktop’s Bluetooth settings first, then add it here.</source>
+        <translation>Dieser Computer kennt kein Bluetooth-Gerät mit der Adresse %@. Koppeln Sie das Gerät zuerst in den Bluetooth-Einstellungen Ihrer Arbeitsumgebung und fügen Sie es dann hier hinzu.</translation>
+    </message>
+    <message>
+        <source>The device has already been added.</source>
+        <translation>Das Gerät wurde bereits hinzugefügt.</translation>
+    </message>
+    <message>
+        <source>Run this script after &amp;connecting:</source>
+        <translation>Dieses Skript nach dem &amp;Verbinden ausführen:</translation>
+    </message>
+    <message>
+        <source>Connect script</source>
+        <translation>Skript nach dem Verbinden</translation>
+    </message>
+    <message>
+        <source>Run this script after &amp;disconnecting:</source>
+        <translation>Dieses Skript nach dem &amp;Trennen ausführen:</translation>
+    </message>
+    <message>
+        <source>Disconnect script</source>
+        <translation>Skript nach dem Trennen</translation>
+    </message>
+    <message>
+        <source>Scripts of %@</source>
+        <translation>Skripte von %@</translation>
+    </message>
+    <message>
+        <source>Run the connect script</source>
+        <translation>Skript nach dem Verbinden ausführen</translation>
+    </message>
+    <message>
+        <source>Run the disconnect script</source>
+        <translation>Skript nach dem Trennen ausführen</translation>
+    </message>
+    <message>
+        <source>Done</source>
+        <translation>Fertig</translation>
+    </message>
+    <message>
+        <source>Unable to write script to the folder.</source>
+        <translation>Das Skript konnte nicht in den Ordner geschrieben werden.</translation>
+    </message>
+    <message>
+        <source>Your Mac could not connect to “%@”.</source>
+        <translation>Ihr Computer konnte keine Verbindung zu „%@“ herstellen.</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>Help</source>
+        <translation>Hilfe</translation>
+    </message>
+    <message>
+        <source>The Bluetooth connection timed out.</source>
+        <translation>Die Bluetooth-Verbindung hat das Zeitlimit überschritten.</translation>
+    </message>
+    <message>
+        <source>Please make sure that Bluetooth is enabled in the Bluetooth pane in System Settings.</source>
+        <translation>Bitte stellen Sie sicher, dass Bluetooth in den Bluetooth-Einstellungen Ihrer Arbeitsumgebung eingeschaltet ist.</translation>
+    </message>
+    <message>
+        <source>Please make sure that Bluetooth is On in the Bluetooth pane in System Preferences.</source>
+        <translation>Bitte stellen Sie sicher, dass Bluetooth in den Bluetooth-Einstellungen Ihrer Arbeitsumgebung eingeschaltet ist.</translation>
+    </message>
+    <message>
+        <source>Bluetooth reported error %@.</source>
+        <translation>Bluetooth meldete den Fehler %@.</translation>
+    </message>
+    <message>
+        <source>Lanternbud is in your tray</source>
+        <translation>Lanternbud ist in Ihrer Systemleiste</translation>
+    </message>
+    <message>
+        <source>Click a device&apos;s icon to connect or disconnect it. Right-click it for its menu.</source>
+        <translation>Klicken Sie auf das Symbol eines Geräts, um es zu verbinden oder zu trennen. Ein Rechtsklick öffnet sein Menü.</translation>
+    </message>
+    <message>
+        <source>Open Bluetooth &amp;Settings</source>
+        <translation>Bluetooth-&amp;Einstellungen öffnen</translation>
+    </message>
+    <message>
+        <source>Add a Device</source>
+        <translation>Gerät hinzufügen</translation>
+    </message>
+    <message>
+        <source>Select the Bluetooth device that you want to add to the menu bar:</source>
+        <translation>Wählen Sie das Bluetooth-Gerät, das Sie der Systemleiste hinzufügen möchten:</translation>
+    </message>
+    <message>
+        <source>Paired devices</source>
+        <translation>Gekoppelte Geräte</translation>
+    </message>
+    <message>
+        <source>Add by &amp;Address…</source>
+        <translation>Per &amp;Adresse hinzufügen…</translation>
+    </message>
+    <message>
+        <source>No Bluetooth device is paired with this computer. Pair one in your desktop’s Bluetooth settings, and it appears here.</source>
+        <translation>Mit diesem Computer ist kein Bluetooth-Gerät gekoppelt. Koppeln Sie eines in den Bluetooth-Einstellungen Ihrer Arbeitsumgebung, dann erscheint es hier.</translation>
+    </message>
+    <message>
+        <source>Every paired device is in Lanternbud already. Pair another one in your desktop’s Bluetooth settings, and it appears here.</source>
+        <translation>Alle gekoppelten Geräte sind bereits in Lanternbud. Koppeln Sie ein weiteres in den Bluetooth-Einstellungen Ihrer Arbeitsumgebung, dann erscheint es hier.</translation>
+    </message>
+    <message>
+        <source>The device is no longer paired with this computer.</source>
+        <translation>Das Gerät ist nicht mehr mit diesem Computer gekoppelt.</translation>
+    </message>
+    <message>
+        <source>No Bluetooth settings program was found. Pair the device in a terminal with bluetoothctl (scan on, then pair and trust its address), and it appears here.</source>
+        <translation>Es wurde kein Programm für die Bluetooth-Einstellungen gefunden. Koppeln Sie das Gerät in einem Terminal mit bluetoothctl (scan on, dann pair und trust mit seiner Adresse), dann erscheint es hier.</translation>
+    </message>
+    <message>
+        <source>Ad&amp;vanced…</source>
+        <translation>&amp;Erweitert…</translation>
+    </message>
+    <message>
+        <source>Scripts of the device</source>
+        <translation>Skripte des Geräts</translation>
+    </message>
+    <message>
+        <source>Remove the device</source>
+        <translation>Gerät entfernen</translation>
+    </message>
+    <message>
+        <source>Start Lanternbud at &amp;login</source>
+        <translation>Lanternbud beim A&amp;nmelden starten</translation>
+    </message>
+    <message>
+        <source>Devices</source>
+        <translation>Geräte</translation>
+    </message>
+    <message>
+        <source>Add a paired device</source>
+        <translation>Gekoppeltes Gerät hinzufügen</translation>
+    </message>
+    <message>
+        <source>Add a device that is paired with this computer</source>
+        <translation>Ein Gerät hinzufügen, das mit diesem Computer gekoppelt ist</translation>
+    </message>
+    <message>
+        <source>Remove the selected device from Lanternbud</source>
+        <translation>Das ausgewählte Gerät aus Lanternbud entfernen</translation>
+    </message>
+    <message>
+        <source>Add a device by its address</source>
+        <translation>Ein Gerät über seine Adresse hinzufügen</translation>
+    </message>
+    <message>
+        <source>Device name</source>
+        <translation>Gerätename</translation>
+    </message>
+    <message>
+        <source>Icon in the tray</source>
+        <translation>Symbol in der Systemleiste</translation>
+    </message>
+    <message>
+        <source>Choose the device&apos;s icon (hold Alt for the connected pictures)</source>
+        <translation>Symbol des Geräts wählen (Alt gedrückt halten für die Bilder im verbundenen Zustand)</translation>
+    </message>
+    <message>
+        <source>Show in the &amp;tray</source>
+        <translation>In der System&amp;leiste anzeigen</translation>
+    </message>
+    <message>
+        <source>&amp;Connect only: a click never disconnects</source>
+        <translation>Nur &amp;verbinden: Ein Klick trennt nie</translation>
+    </message>
+    <message>
+        <source>&amp;Keep the sound input when connecting</source>
+        <translation>Audioeingang beim Verbinden beibe&amp;halten</translation>
+    </message>
+    <message>
+        <source>Show the &amp;battery level</source>
+        <translation>Akkustand an&amp;zeigen</translation>
+    </message>
+    <message>
+        <source>Start Lanternbud at login</source>
+        <translation>Lanternbud beim Anmelden starten</translation>
+    </message>
+    <message>
+        <source>&amp;Icon:</source>
+        <translation>&amp;Symbol:</translation>
+    </message>
+    <message>
+        <source>&amp;Shortcut:</source>
+        <translation>&amp;Tastenkürzel:</translation>
+    </message>
+    <message>
+        <source>L</source>
+        <translation>L</translation>
+    </message>
+    <message>
+        <source>R</source>
+        <translation>R</translation>
+    </message>
+    <message>
+        <source>Unknown</source>
+        <translation>Unbekannt</translation>
+    </message>
+    <message>
+        <source>Battery Level</source>
+        <translation>Akkustand</translation>
+    </message>
+    <message>
+        <source>Connected</source>
+        <translation>Verbunden</translation>
+    </message>
+    <message>
+        <source>Disconnected</source>
+        <translation>Getrennt</translation>
+    </message>
+    <message>
+        <source>Fixing Sound Output</source>
+        <translation>Tonausgabe wird repariert</translation>
+    </message>
+    <message>
+        <source> (Not Sound Output)</source>
+        <translation> (nicht die Tonausgabe)</translation>
+    </message>
+    <message>
+        <source>Settings…</source>
+        <translation>Einstellungen…</translation>
+    </message>
+    <message>
+        <source>Quit</source>
+        <translation>Beenden</translation>
+    </message>
+    <message>
+        <source>Lanternbud Settings</source>
+        <translation>Lanternbud-Einstellungen</translation>
+    </message>
+    <message>
+        <source>&amp;Devices</source>
+        <translation>&amp;Geräte</translation>
+    </message>
+    <message>
+        <source>Ab&amp;out</source>
+        <translation>Ü&amp;ber</translation>
+    </message>
+    <message>
+        <source>Settings</source>
+        <translation>Einstellungen</translation>
+    </message>
+    <message>
+        <source>Save state</source>
+        <translation>Speicherstatus</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>Schließen</translation>
+    </message>
+    <message>
+        <source>Your changes could not be saved (%@); they apply until Lanternbud quits.</source>
+        <translation>Ihre Änderungen konnten nicht gespeichert werden (%@); sie gelten, bis Lanternbud beendet wird.</translation>
+    </message>
+    <message>
+        <source>Changes are saved as you make them.</source>
+        <translation>Änderungen werden sofort gespeichert.</translation>
+    </message>
+    <message>
+        <source>Save Diagnostic Report</source>
+        <translation>Diagnosebericht speichern</translation>
+    </message>
+    <message>
+        <source>Compressed archives (*.tar.gz)</source>
+        <translation>Komprimierte Archive (*.tar.gz)</translation>
+    </message>
+    <message>
+        <source>Collecting the log files</source>
+        <translation>Protokolldateien werden gesammelt</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+    <message>
+        <source>Saving Diagnostic Report</source>
+        <translation>Diagnosebericht wird gespeichert</translation>
+    </message>
+    <message>
+        <source>The report was cancelled; nothing was saved.</source>
+        <translation>Der Bericht wurde abgebrochen; es wurde nichts gespeichert.</translation>
+    </message>
+    <message>
+        <source>Saved the report to </source>
+        <translation>Der Bericht wurde gespeichert unter </translation>
+    </message>
+    <message>
+        <source>The report could not be saved.</source>
+        <translation>Der Bericht konnte nicht gespeichert werden.</translation>
+    </message>
+    <message>
+        <source>The diagnostic report could not be saved.</source>
+        <translation>Der Diagnosebericht konnte nicht gespeichert werden.</translation>
+    </message>
+    <message>
+        <source>Please select the User &gt; Library &gt; Application Scripts folder to save the scripts.</source>
+        <translation>Bitte wählen Sie den Ordner, der den Skriptordner von Lanternbud enthält.</translation>
+    </message>
+    <message>
+        <source>Please select the User &gt; Library &gt; Application Scripts &gt; </source>
+        <translation>Bitte wählen Sie den Skriptordner </translation>
+    </message>
+    <message>
+        <source> folder to save the scripts.</source>
+        <translation>, um die Skripte zu speichern.</translation>
+    </message>
+    <message>
+        <source>A shortcut is one combination of keys.</source>
+        <translation>Ein Tastenkürzel ist eine einzige Tastenkombination.</translation>
+    </message>
+    <message>
+        <source>A shortcut needs a key.</source>
+        <translation>Ein Tastenkürzel braucht eine Taste.</translation>
+    </message>
+    <message>
+        <source>“%@” is not a modifier key.</source>
+        <translation>„%@“ ist keine Zusatztaste.</translation>
+    </message>
+    <message>
+        <source>A shortcut needs a key besides its modifiers.</source>
+        <translation>Ein Tastenkürzel braucht außer den Zusatztasten eine weitere Taste.</translation>
+    </message>
+    <message>
+        <source>Use Ctrl, Alt or the Super key with it; only function keys may stand alone.</source>
+        <translation>Verwenden Sie dazu Strg, Alt oder die Super-Taste; nur Funktionstasten dürfen allein stehen.</translation>
+    </message>
+    <message>
+        <source>it is the shortcut of %@ already.</source>
+        <translation>es ist bereits das Tastenkürzel von %@.</translation>
+    </message>
+    <message>
+        <source>this desktop offers programs no global shortcuts.</source>
+        <translation>diese Arbeitsumgebung bietet Programmen keine globalen Tastenkürzel.</translation>
+    </message>
+    <message>
+        <source>Connect or disconnect %@</source>
+        <translation>%@ verbinden oder trennen</translation>
+    </message>
+    <message>
+        <source>It is the shortcut of %@ already.</source>
+        <translation>Es ist bereits das Tastenkürzel von %@.</translation>
+    </message>
+    <message>
+        <source>Clear</source>
+        <translation>Löschen</translation>
+    </message>
+    <message>
+        <source>Keyboard shortcut</source>
+        <translation>Tastenkürzel</translation>
+    </message>
+    <message>
+        <source>Click, then press the keys: Ctrl, Alt or Super with a key, or a function key alone</source>
+        <translation>Klicken, dann die Tasten drücken: Strg, Alt oder Super mit einer Taste, oder eine Funktionstaste allein</translation>
+    </message>
+    <message>
+        <source>Clear the keyboard shortcut</source>
+        <translation>Tastenkürzel löschen</translation>
+    </message>
+    <message>
+        <source>%@ cannot be the shortcut: </source>
+        <translation>%@ kann nicht das Tastenkürzel sein: </translation>
+    </message>
+    <message>
+        <source>This desktop offers programs no global shortcuts. Bind “lanternbud-ctl toggle %@” to a key in your desktop’s keyboard settings instead.</source>
+        <translation>Diese Arbeitsumgebung bietet Programmen keine globalen Tastenkürzel. Legen Sie stattdessen in den Tastatureinstellungen Ihrer Arbeitsumgebung eine Taste für „lanternbud-ctl toggle %@“ fest.</translation>
+    </message>
+    <message>
+        <source>The shortcut does nothing: </source>
+        <translation>Das Tastenkürzel ist wirkungslos: </translation>
+    </message>
+    <message>
+        <source>The desktop set it to %@.</source>
+        <translation>Die Arbeitsumgebung hat es auf %@ gesetzt.</translation>
+    </message>
+    <message>
+        <source>There is no display, so the devices get no tray icons. Lanternbud keeps running: lanternbud-ctl lists, connects and disconnects the devices meanwhile.</source>
+        <translation>Es gibt keine Anzeige, daher erhalten die Geräte keine Symbole in der Systemleiste. Lanternbud läuft weiter: lanternbud-ctl listet die Geräte derweil auf, verbindet und trennt sie.</translation>
+    </message>
+    <message>
+        <source>The desktop shows no tray, so the devices get no icons. On GNOME, install and enable the AppIndicator extension (the Debian package gnome-shell-extension-appindicator), then log in again; other desktops need a panel with a system tray. Lanternbud keeps running: lanternbud-ctl lists, connects and disconnects the devices meanwhile.</source>
+        <translation>Die Arbeitsumgebung zeigt keine Systemleiste, daher erhalten die Geräte keine Symbole. Installieren und aktivieren Sie unter GNOME die Erweiterung AppIndicator (das Debian-Paket gnome-shell-extension-appindicator) und melden Sie sich dann neu an; andere Arbeitsumgebungen brauchen eine Leiste mit einem Systembereich. Lanternbud läuft weiter: lanternbud-ctl listet die Geräte derweil auf, verbindet und trennt sie.</translation>
+    </message>
+</context>
+</TS>

@@ -1,0 +1,39 @@
+#include "core/Texts.h"
+
+#include <gtest/gtest.h>
+
+namespace lb {
+
+namespace {
+
+constexpr std::string_view reworded = "Your Mac could not connect to “%@”.";
+constexpr std::string_view alsoReworded =
+    "Please make sure that Bluetooth is enabled in the Bluetooth pane in System Settings.";
+
+// A language that has one of the reworded texts.
+std::optional<std::string> partlyGerman(std::string_view english) {
+  if (english == reworded) return "Ihr Computer konnte keine Verbindung zu „%@“ herstellen.";
+  return std::nullopt;
+}
+
+struct Installed {
+  explicit Installed(Translator translator) { installTranslator(translator); }
+  ~Installed() { installTranslator(nullptr); }
+};
+
+} // namespace
+
+TEST(Texts, ATranslationIsLookedUpByTheKeyAndMissingOnesKeepTheLinuxWording) {
+  EXPECT_EQ(localized(reworded), "Your computer could not connect to “%@”.");
+  {
+    Installed german(&partlyGerman);
+    EXPECT_EQ(formatted(localized(reworded), "Lantern Buds"),
+              "Ihr Computer konnte keine Verbindung zu „Lantern Buds“ herstellen.");
+    EXPECT_EQ(localized(alsoReworded),
+              "Please make sure that Bluetooth is turned on in your desktop’s Bluetooth settings.");
+    EXPECT_EQ(localized("Quit"), "Quit");
+  }
+  EXPECT_EQ(localized(reworded), "Your computer could not connect to “%@”.");
+}
+
+} // namespace lb
