@@ -14,14 +14,7 @@ namespace {
 
 constexpr std::string_view options[] = {"launchAtLogin",   "hideDockIcon", "currentSettingVersion",
                                         "scriptFolderURL", "devices",      DeviceSettingManager::unreadableDevicesKey};
-constexpr std::string_view shortcutPrefixes[] = {"shortcutDictForDevice", "shortcutForDevice"};
-
-std::vector<std::string_view> allKeys() {
-  std::vector<std::string_view> keys(std::begin(options), std::end(options));
-  keys.insert(keys.end(), std::begin(allLogAreaNames), std::end(allLogAreaNames));
-  for (const auto& [key, known] : tunable::known()) keys.push_back(key);
-  return keys;
-}
+constexpr std::string_view shortcutPrefixes[] = {SettingKeys::shortcutPrefix, "shortcutForDevice"};
 
 // Edits (insert, delete, replace) between two keys, ignoring letter case.
 std::size_t distance(std::string_view a, std::string_view b) {
@@ -43,6 +36,13 @@ std::size_t distance(std::string_view a, std::string_view b) {
 
 } // namespace
 
+std::vector<std::string_view> SettingKeys::all() {
+  std::vector<std::string_view> keys(std::begin(options), std::end(options));
+  keys.insert(keys.end(), std::begin(allLogAreaNames), std::end(allLogAreaNames));
+  for (const auto& [key, known] : tunable::known()) keys.push_back(key);
+  return keys;
+}
+
 bool SettingKeys::isKnown(std::string_view key) {
   for (auto prefix : shortcutPrefixes) {
     if (key.starts_with(prefix) && key.size() > prefix.size() &&
@@ -51,14 +51,14 @@ bool SettingKeys::isKnown(std::string_view key) {
       return true;
     }
   }
-  const auto keys = allKeys();
+  const auto keys = all();
   return std::find(keys.begin(), keys.end(), key) != keys.end();
 }
 
 std::optional<std::string> SettingKeys::nearest(std::string_view key) {
   std::optional<std::string> best;
   std::size_t bestDistance = std::max<std::size_t>(2, key.size() / 4) + 1;
-  for (auto known : allKeys()) {
+  for (auto known : all()) {
     if (auto d = distance(key, known); d < bestDistance) {
       bestDistance = d;
       best = std::string(known);

@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace lb {
 
@@ -14,6 +15,10 @@ struct SettingKeys {
   static bool isKnown(std::string_view key);
   // The known key that `key` is likely a misspelling of, if one is close.
   static std::optional<std::string> nearest(std::string_view key);
+  // Every key of fixed name; the shortcuts' keys are this prefix and a
+  // device's ID.
+  static std::vector<std::string_view> all();
+  static constexpr std::string_view shortcutPrefix = "shortcutDictForDevice";
 };
 
 } // namespace lb

@@ -11,16 +11,31 @@
 
 namespace lb {
 
-ProgramClient::ProgramClient() : bus_(QDBusConnection::sessionBus()) {}
+ProgramClient::ProgramClient(Start start) : bus_(QDBusConnection::sessionBus()), start_(start) {}
 
 bool ProgramClient::running() {
   return bus_.isConnected() && bus_.interface()->isServiceRegistered(bus::serviceName).value();
+}
+
+std::optional<std::string> ProgramClient::reach() {
+  if (!bus_.isConnected()) return "there is no session bus (" + bus_.lastError().message().toStdString() + ")";
+  if (running()) return std::nullopt;
+  if (start_ == Start::never) return "it is not running";
+  // The bus answers once the started program owns its name, or says why it
+  // could not start it; a program's start may take longer than a call.
+  auto message = QDBusMessage::createMethodCall("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+                                                "StartServiceByName");
+  message.setArguments({QString(bus::serviceName), 0u});
+  auto reply = bus_.call(message, QDBus::Block, 60000);
+  if (reply.type() == QDBusMessage::ErrorMessage) return reply.errorMessage().toStdString();
+  return std::nullopt;
 }
 
 QDBusMessage ProgramClient::call(const QString& path, const QString& interface, const QString& method,
                                  const QVariantList& arguments) {
   auto message = QDBusMessage::createMethodCall(bus::serviceName, path, interface, method);
   message.setArguments(arguments);
+  message.setAutoStartService(start_ == Start::onDemand);
   return bus_.call(message, QDBus::Block, 10000);
 }
 

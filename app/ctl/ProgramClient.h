@@ -7,6 +7,8 @@
 #include <QVariantMap>
 
 #include <chrono>
+#include <optional>
+#include <string>
 
 namespace lb {
 
@@ -17,9 +19,15 @@ class ProgramClient final : public QObject {
   Q_OBJECT
 
 public:
-  ProgramClient();
+  // Whether reaching the program may have the session bus start it (through
+  // its service file), or only finds one that runs.
+  enum class Start { onDemand, never };
+  explicit ProgramClient(Start start);
 
   bool running();
+  // Makes sure the program answers, having the bus start it if allowed. Why
+  // it does not, if so.
+  std::optional<std::string> reach();
 
   QDBusMessage call(const QString& path, const QString& interface, const QString& method,
                     const QVariantList& arguments = {});
@@ -41,6 +49,7 @@ private slots:
 
 private:
   QDBusConnection bus_;
+  Start start_;
   QString watched_;
   std::optional<bool> connected_;
 };

@@ -47,7 +47,7 @@ the file directly.
 
 Exit status: 0 done, 1 failed (not connected in time, key not set, device
 already added), 2 usage error or malformed address, 3 no such device,
-4 Lanternbud is not running.
+4 Lanternbud is not running and the session bus could not start it.
 )";
 
 const std::map<std::string, std::string> commandHelp = {
@@ -312,12 +312,15 @@ int run(const std::vector<std::string>& words) {
     std::cout << commandHelp.at(command);
     return ok;
   }
-  ProgramClient client;
+  // config and report work without the program, so they never have the bus
+  // start one.
+  const bool standalone = command == "config" || command == "report";
+  ProgramClient client(standalone ? ProgramClient::Start::never : ProgramClient::Start::onDemand);
   if (command == "config") return config(client, words);
   if (command == "report") return report(client, words);
-  if (!client.running()) {
-    return fail(notRunning, "Lanternbud is not running on this session bus; start it with `lanternbud` "
-                            "(or `lanternbud --demo`).");
+  if (auto why = client.reach()) {
+    return fail(notRunning, "Lanternbud is not running on this session bus and could not be started: " + *why +
+                                "; start it with `lanternbud` (or `lanternbud --demo`).");
   }
   if (command == "list") {
     if (words.size() > 2 || (words.size() == 2 && words[1] != "--json"))

@@ -4,6 +4,8 @@
 #include "foundation/AtomicFile.h"
 #include "foundation/XdgDirectories.h"
 
+#include <algorithm>
+
 namespace lb {
 
 std::filesystem::path XdgAutostart::defaultEntryFile() {
@@ -25,15 +27,20 @@ std::string XdgAutostart::entry(const std::string& program) {
     else if (c == '%') exec += "%%";
     else exec += c;
   }
-  return "[Desktop Entry]\n"
-         "Type=Application\n"
-         "Name=Lanternbud\n"
-         "Comment=Your Bluetooth devices in the tray\n"
-         "Exec=" +
-         exec +
-         "\n"
-         "Terminal=false\n"
-         "X-GNOME-Autostart-enabled=true\n";
+  std::string text;
+  std::string_view rest = desktopEntry;
+  while (!rest.empty()) {
+    const auto end = std::min(rest.find('\n'), rest.size());
+    const auto line = rest.substr(0, end);
+    rest.remove_prefix(std::min(end + 1, rest.size()));
+    if (!line.starts_with("Exec=")) {
+      text.append(line).append("\n");
+      continue;
+    }
+    text += "Exec=" + exec + "\n";
+    text += "X-GNOME-Autostart-enabled=true\n";
+  }
+  return text;
 }
 
 Result<> XdgAutostart::setEnabled(bool enabled) {
