@@ -138,9 +138,9 @@ void ShortcutBinder::bind(const std::string& defaultsKey) {
           if (taken) {
             state.trigger = taken.value();
           } else {
-            state.problem = taken.failure().reason;
+            state.problem = formatted(localized(taken.failure().reason), *keys);
             pxrLogError("The shortcut " + *keys + " for " + found->second.name +
-                        " does nothing: " + taken.failure().reason);
+                        " does nothing: " + formatted(taken.failure().reason, *keys));
           }
           listeners_.notify(defaultsKey);
         });

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "foundation/Translatable.h"
+
 #include <optional>
 #include <string>
 #include <string_view>
@@ -22,10 +24,5 @@ using Translator = std::optional<std::string> (*)(std::string_view english);
 // Installed by the program once at start, before other threads run; any
 // thread may make texts from then on. Null goes back to English.
 void installTranslator(Translator translator);
-
-// Marks a text that is looked up with localized() later, where it is also
-// used in English (a log line): the tools that gather the texts to
-// translate find it here.
-constexpr std::string_view translatable(std::string_view english) { return english; }
 
 } // namespace lb

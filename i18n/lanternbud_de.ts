@@ -304,6 +304,34 @@
         <translation>Beenden</translation>
     </message>
     <message>
+        <source>Collecting the log files</source>
+        <translation>Protokolldateien werden gesammelt</translation>
+    </message>
+    <message>
+        <source>Asking BlueZ about the adapters and paired devices</source>
+        <translation>BlueZ wird nach den Adaptern und gekoppelten Geräten gefragt</translation>
+    </message>
+    <message>
+        <source>Asking the sound server about its devices</source>
+        <translation>Der Soundserver wird nach seinen Geräten gefragt</translation>
+    </message>
+    <message>
+        <source>Reading the journal</source>
+        <translation>Das Journal wird gelesen</translation>
+    </message>
+    <message>
+        <source>Writing the report</source>
+        <translation>Der Bericht wird geschrieben</translation>
+    </message>
+    <message>
+        <source>the desktop refused it</source>
+        <translation>die Arbeitsumgebung hat es abgelehnt</translation>
+    </message>
+    <message>
+        <source>the desktop did not take it</source>
+        <translation>die Arbeitsumgebung hat es nicht übernommen</translation>
+    </message>
+    <message>
         <source>Lanternbud Settings</source>
         <translation>Lanternbud-Einstellungen</translation>
     </message>
@@ -342,10 +370,6 @@
     <message>
         <source>Compressed archives (*.tar.gz)</source>
         <translation>Komprimierte Archive (*.tar.gz)</translation>
-    </message>
-    <message>
-        <source>Collecting the log files</source>
-        <translation>Protokolldateien werden gesammelt</translation>
     </message>
     <message>
         <source>Cancel</source>
@@ -458,6 +482,18 @@
     <message>
         <source>The desktop shows no tray, so the devices get no icons. On GNOME, install and enable the AppIndicator extension (the Debian package gnome-shell-extension-appindicator), then log in again; other desktops need a panel with a system tray. Lanternbud keeps running: lanternbud-ctl lists, connects and disconnects the devices meanwhile.</source>
         <translation>Die Arbeitsumgebung zeigt keine Systemleiste, daher erhalten die Geräte keine Symbole. Installieren und aktivieren Sie unter GNOME die Erweiterung AppIndicator (das Debian-Paket gnome-shell-extension-appindicator) und melden Sie sich dann neu an; andere Arbeitsumgebungen brauchen eine Leiste mit einem Systembereich. Lanternbud läuft weiter: lanternbud-ctl listet die Geräte derweil auf, verbindet und trennt sie.</translation>
+    </message>
+    <message>
+        <source>X11 has no key for %@</source>
+        <translation>X11 kennt keine Taste für %@</translation>
+    </message>
+    <message>
+        <source>this keyboard has no key for %@</source>
+        <translation>diese Tastatur hat keine Taste für %@</translation>
+    </message>
+    <message>
+        <source>another program holds %@</source>
+        <translation>ein anderes Programm belegt %@</translation>
     </message>
 </context>
 </TS>

@@ -15,7 +15,7 @@ namespace lb {
 class DiagnosticReporter {
 public:
   // Tells how far the work has come: steps done of all steps, and what runs
-  // now. Called on the thread that saves.
+  // now, in English for the one lookup. Called on the thread that saves.
   using Progress = std::function<void(int done, int total, const std::string& what)>;
 
   virtual ~DiagnosticReporter() = default;

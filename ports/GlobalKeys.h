@@ -12,7 +12,8 @@ namespace lb {
 // desktop. Key sequences are Qt's portable text ("Ctrl+Alt+H"). Main thread.
 class GlobalKeys {
 public:
-  // The trigger the desktop shows for the keys, or why it did not take them.
+  // The trigger the desktop shows for the keys, or why it did not take them:
+  // English for the one lookup, with "%@" where the keys go.
   using Done = std::function<void(const Result<std::string>&)>;
 
   virtual ~GlobalKeys() = default;

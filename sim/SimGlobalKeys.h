@@ -16,7 +16,7 @@ public:
   void grab(const std::string& id, const std::string& keySequence, const std::string&, std::function<void()> pressed,
             Done done) override {
     grabs_.erase(id);
-    if (taken.contains(keySequence)) return done(Failure{keySequence + " is taken by another program"});
+    if (taken.contains(keySequence)) return done(Failure{"%@ is taken by another program"});
     grabs_[id] = {keySequence, std::move(pressed)};
     done(keySequence);
   }

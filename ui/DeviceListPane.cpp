@@ -31,6 +31,14 @@ struct DeviceListPane::Switch {
 
 namespace {
 
+// "horizontal-speaker" as "Horizontal speaker": a picture's name where the
+// catalogue gives it none.
+QString readable(const std::string& raw) {
+  auto name = QString::fromStdString(raw).replace('-', ' ');
+  if (!name.isEmpty()) name[0] = name[0].toUpper();
+  return name;
+}
+
 QString nameOf(MenuBarIconOption icon) {
   const auto name = rawValue(icon);
   return QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size()));
@@ -253,7 +261,7 @@ void DeviceListPane::fillIconMenu() {
     auto picture = connected ? connectedImage(services_.images, *entry) : services_.images.named(raw);
     const auto tip = lb::toolTip(*entry);
     auto* action = iconMenu_->addAction(TrayImage::iconOf(picture, ink),
-                                        QString::fromStdString(std::string(tip ? *tip : raw)));
+                                        tip ? QString::fromStdString(std::string(*tip)) : readable(raw));
     if (tip) action->setToolTip(QString::fromStdString(std::string(*tip)));
     action->setCheckable(true);
     action->setChecked(*entry == setting->icon());

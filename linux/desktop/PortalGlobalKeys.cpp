@@ -1,6 +1,7 @@
 #include "linux/desktop/PortalGlobalKeys.h"
 
 #include "foundation/PXRLog.h"
+#include "foundation/Translatable.h"
 
 #include <QDBusArgument>
 #include <QDBusMessage>
@@ -178,9 +179,9 @@ void PortalGlobalKeys::answerPending(const std::optional<QVariantMap>& bound) {
     if (!done) continue;
     auto trigger = triggers.find(id);
     if (!bound) {
-      done(Failure{"the desktop refused it"});
+      done(Failure{std::string(translatable("the desktop refused it"))});
     } else if (trigger == triggers.end()) {
-      done(Failure{"the desktop did not take it"});
+      done(Failure{std::string(translatable("the desktop did not take it"))});
     } else {
       done(trigger->second.empty() ? shortcut.keySequence : trigger->second);
     }

@@ -1,5 +1,7 @@
 #include "linux/desktop/X11GlobalKeys.h"
 
+#include "foundation/Translatable.h"
+
 #include <QCoreApplication>
 #include <QGuiApplication>
 #include <QKeySequence>
@@ -120,9 +122,10 @@ void X11GlobalKeys::grab(const std::string& id, const std::string& keySequence, 
   release(id);
   const auto sequence = QKeySequence::fromString(QString::fromStdString(keySequence), QKeySequence::PortableText);
   const auto keysym = sequence.count() == 1 ? keysymOf(sequence[0].key()) : 0;
-  if (keysym == 0) return done(Failure{"X11 has no key for " + keySequence});
+  if (keysym == 0) return done(Failure{std::string(translatable("X11 has no key for %@"))});
   std::unique_ptr<xcb_keycode_t, decltype(&std::free)> codes(xcb_key_symbols_get_keycode(symbols_, keysym), &std::free);
-  if (!codes || *codes == XCB_NO_SYMBOL) return done(Failure{"this keyboard has no key for " + keySequence});
+  if (!codes || *codes == XCB_NO_SYMBOL)
+    return done(Failure{std::string(translatable("this keyboard has no key for %@"))});
 
   Grab made{*codes, modifiersOf(sequence[0].keyboardModifiers()), std::move(pressed)};
   bool taken = false;
@@ -137,7 +140,7 @@ void X11GlobalKeys::grab(const std::string& id, const std::string& keySequence, 
   if (taken) {
     ungrab(made);
     xcb_flush(connection_);
-    return done(Failure{"another program holds " + keySequence});
+    return done(Failure{std::string(translatable("another program holds %@"))});
   }
   grabs_.emplace(id, std::move(made));
   done(sequence.toString(QKeySequence::NativeText).toStdString());

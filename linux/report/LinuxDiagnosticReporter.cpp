@@ -2,6 +2,7 @@
 
 #include "foundation/BluetoothAddress.h"
 #include "foundation/PXRLog.h"
+#include "foundation/Translatable.h"
 #include "linux/logging/OurLogFile.h"
 #include "linux/report/BluetoothSystemState.h"
 #include "linux/report/PXRDiagnosticReporter.h"
@@ -61,20 +62,20 @@ Result<void> LinuxDiagnosticReporter::saveReport(const std::filesystem::path& de
   constexpr int steps = 5;
   std::vector<PXRDiagnosticReporter::Item> items;
   try {
-    progress(0, steps, "Collecting the log files");
+    progress(0, steps, std::string(translatable("Collecting the log files")));
     // A log file that is not there (the helper never ran) is left out.
     for (const auto& file : sources_.logFiles) {
       if (auto text = contents(file)) items.push_back({file.filename().string(), masked(*text), {}});
     }
     throwIfCancelled(cancelled);
-    progress(1, steps, "Asking BlueZ about the adapters and paired devices");
+    progress(1, steps, std::string(translatable("Asking BlueZ about the adapters and paired devices")));
     items.push_back({"Bluetooth.txt", masked(BluetoothSystemState::describe(sources_.systemBus)), {}});
     if (auto config = contents(sources_.bluetoothConfig)) items.push_back({"main.conf", masked(*config), {}});
     throwIfCancelled(cancelled);
-    progress(2, steps, "Asking the sound server about its devices");
+    progress(2, steps, std::string(translatable("Asking the sound server about its devices")));
     items.push_back({"Sound.txt", masked(SoundServerState::describe(cancelled)), {}});
 
-    progress(3, steps, "Reading the journal");
+    progress(3, steps, std::string(translatable("Reading the journal")));
     TemporaryFolder journalFolder;
     if (!journalFolder.path().empty()) {
       PXRLogStoreExtractor::Options options;
@@ -90,7 +91,7 @@ Result<void> LinuxDiagnosticReporter::saveReport(const std::filesystem::path& de
     }
     // What went to standard error reaches the log file before it is read.
     std::fflush(stderr);
-    progress(4, steps, "Writing the report");
+    progress(4, steps, std::string(translatable("Writing the report")));
     PXRDiagnosticReporter::saveReport(destination, items, cancelled);
     progress(steps, steps, "Done");
     return {};

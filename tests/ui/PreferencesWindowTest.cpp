@@ -146,9 +146,9 @@ TEST_F(PreferencesWindowTest, TheListShowsTheDevicesWhoseOptionsApplyAndAreSaved
   QAction* mouse = nullptr;
   for (auto* action : actions) {
     if (action->isChecked()) checked << action->text();
-    if (action->text() == "mouse") mouse = action;
+    if (action->text() == "Mouse") mouse = action;
   }
-  EXPECT_EQ(checked, QStringList{"wand"}); // saved without a choice
+  EXPECT_EQ(checked, QStringList{"Wand"}); // saved without a choice
   ASSERT_TRUE(mouse);
   mouse->trigger();
   EXPECT_EQ(registry->deviceSettingList()[1]->icon(), MenuBarIconOption::mouse);
