@@ -49,19 +49,20 @@ ShortcutBinder::~ShortcutBinder() {
   for (const auto& [key, binding] : bindings_) keys_.release(key);
 }
 
-std::optional<std::string> ShortcutBinder::refusal(const std::string& keySequence) {
-  if (keySequence.find(',') != std::string::npos) return localized("A shortcut is one combination of keys.");
+std::optional<Wording> ShortcutBinder::refusal(const std::string& keySequence) {
+  if (keySequence.find(',') != std::string::npos)
+    return Wording{translatable("A shortcut is one combination of keys.")};
   const auto parts = partsOf(keySequence);
-  if (parts.empty()) return localized("A shortcut needs a key.");
+  if (parts.empty()) return Wording{translatable("A shortcut needs a key.")};
   static const std::set<std::string> modifiers{"Ctrl", "Alt", "Meta", "Shift"};
   bool strong = false;
   for (std::size_t i = 0; i + 1 < parts.size(); ++i) {
-    if (!modifiers.contains(parts[i])) return formatted(localized("“%@” is not a modifier key."), parts[i]);
+    if (!modifiers.contains(parts[i])) return Wording{translatable("“%@” is not a modifier key."), parts[i]};
     strong = strong || parts[i] != "Shift";
   }
-  if (modifiers.contains(parts.back())) return localized("A shortcut needs a key besides its modifiers.");
+  if (modifiers.contains(parts.back())) return Wording{translatable("A shortcut needs a key besides its modifiers.")};
   if (!strong && !isFunctionKey(parts.back())) {
-    return localized("Use Ctrl, Alt or the Super key with it; only function keys may stand alone.");
+    return Wording{translatable("Use Ctrl, Alt or the Super key with it; only function keys may stand alone.")};
   }
   return std::nullopt;
 }
@@ -109,16 +110,16 @@ void ShortcutBinder::bind(const std::string& defaultsKey) {
   keys_.release(defaultsKey);
   binding.state = {storedKeys(defaultsKey), std::nullopt, std::nullopt};
   const auto keys = binding.state.keySequence;
-  auto fail = [&](const std::string& problem) {
-    binding.state.problem = problem;
-    pxrLogError("The shortcut " + *keys + " for " + binding.name + " does nothing: " + problem);
+  auto fail = [&](const Wording& problem) {
+    binding.state.problem = problem.shown();
+    pxrLogError("The shortcut " + *keys + " for " + binding.name + " does nothing: " + problem.inEnglish());
   };
   if (!keys) {
     // nothing stored: nothing to reserve
   } else if (auto refused = refusal(*keys)) {
     fail(*refused);
   } else if (const auto* holder = holderOf(*keys, defaultsKey)) {
-    fail(formatted(localized("it is the shortcut of %@ already."), holder->name));
+    fail({translatable("it is the shortcut of %@ already."), holder->name});
   } else if (!keys_.method()) {
     binding.state.problem = localized("this desktop offers programs no global shortcuts.");
   } else {
@@ -154,7 +155,7 @@ Result<> ShortcutBinder::setShortcut(const std::string& defaultsKey, const std::
     defaults_.removeValue(defaultsKey);
     return {};
   }
-  if (auto refused = refusal(*keySequence)) return Failure{*refused};
+  if (auto refused = refusal(*keySequence)) return Failure{refused->shown()};
   if (const auto* holder = holderOf(*keySequence, defaultsKey)) {
     return Failure{formatted(localized("It is the shortcut of %@ already."), holder->name)};
   }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/Texts.h"
 #include "core/UserDefaults.h"
 #include "foundation/Listeners.h"
 #include "foundation/Result.h"
@@ -45,7 +46,7 @@ public:
   // stand alone), and keys another binding has.
   Result<> setShortcut(const std::string& defaultsKey, const std::optional<std::string>& keySequence);
   // Why these keys cannot be a shortcut; none when they can.
-  static std::optional<std::string> refusal(const std::string& keySequence);
+  static std::optional<Wording> refusal(const std::string& keySequence);
 
   // Told whenever a binding's state may have changed, with its key.
   std::unique_ptr<NotificationRegistration> addChangeListener(std::function<void(const std::string&)> listener) {

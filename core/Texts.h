@@ -17,6 +17,20 @@ std::string localized(std::string_view english);
 // `format` with its first "%@" replaced by `argument`, and "%%" as "%".
 std::string formatted(std::string_view format, std::string_view argument);
 
+// A text that is both logged and shown: in English for the log, in the
+// user's language for the user. `english` is a text for localized(),
+// written with translatable() so that the translators' tools find it, with
+// "%@" where `argument` goes.
+struct Wording {
+  Wording(std::string_view text, std::string filling = {}) : english(text), argument(std::move(filling)) {}
+
+  std::string_view english;
+  std::string argument;
+
+  std::string inEnglish() const { return formatted(english, argument); }
+  std::string shown() const { return formatted(localized(english), argument); }
+};
+
 // The translation of `english` into the user's language, or nothing when
 // it has none.
 using Translator = std::optional<std::string> (*)(std::string_view english);

@@ -68,9 +68,15 @@ TEST(ShortcutBinder, KeysThatCannotWorkAreRefusedOrSaidWhy) {
   EXPECT_EQ(refused.failure().reason, "It is the shortcut of Headset already.");
   EXPECT_FALSE(b.binder.setShortcut("shortcutDictForDevice2", "K"));
 
-  // Written from outside, the same keys twice: the second does nothing, and says so.
+  // Written from outside, the same keys twice: the second does nothing, and
+  // says so, in the user's language to the user and in English to the log.
+  installTranslator([](std::string_view english) -> std::optional<std::string> {
+    if (english == "it is the shortcut of %@ already.") return "es ist bereits das Tastenkürzel von %@.";
+    return std::nullopt;
+  });
   b.defaults.setValue("shortcutDictForDevice2", SettingsValue::Dictionary{{"keySequence", "Ctrl+Alt+H"}});
-  EXPECT_EQ(b.binder.state("shortcutDictForDevice2").problem, "it is the shortcut of Headset already.");
+  installTranslator(nullptr);
+  EXPECT_EQ(b.binder.state("shortcutDictForDevice2").problem, "es ist bereits das Tastenkürzel von Headset.");
   EXPECT_TRUE(
       log.contains("The shortcut Ctrl+Alt+H for Keyboard does nothing: it is the shortcut of Headset already."));
   b.keys.press("Ctrl+Alt+H");
