@@ -139,9 +139,10 @@ void ShortcutBinder::bind(const std::string& defaultsKey) {
           if (taken) {
             state.trigger = taken.value();
           } else {
-            state.problem = formatted(localized(taken.failure().reason), *keys);
+            const Wording problem{taken.failure().reason, *keys};
+            state.problem = problem.shown();
             pxrLogError("The shortcut " + *keys + " for " + found->second.name +
-                        " does nothing: " + formatted(taken.failure().reason, *keys));
+                        " does nothing: " + problem.inEnglish());
           }
           listeners_.notify(defaultsKey);
         });

@@ -28,7 +28,6 @@ public:
 
   // Shows the save dialog, without waiting for it.
   void start(bool maskAddresses);
-  bool isSaving() const { return saving_; }
 
 signals:
   // How it ended, in words for the window.

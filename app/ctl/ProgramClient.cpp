@@ -32,15 +32,16 @@ std::optional<std::string> ProgramClient::reach() {
 }
 
 QDBusMessage ProgramClient::call(const QString& path, const QString& interface, const QString& method,
-                                 const QVariantList& arguments) {
+                                 const QVariantList& arguments, std::chrono::milliseconds limit) {
   auto message = QDBusMessage::createMethodCall(bus::serviceName, path, interface, method);
   message.setArguments(arguments);
   message.setAutoStartService(start_ == Start::onDemand);
-  return bus_.call(message, QDBus::Block, 10000);
+  return bus_.call(message, QDBus::Block, static_cast<int>(limit.count()));
 }
 
-QDBusMessage ProgramClient::application(const QString& method, const QVariantList& arguments) {
-  return call(bus::applicationPath, bus::applicationInterface, method, arguments);
+QDBusMessage ProgramClient::application(const QString& method, const QVariantList& arguments,
+                                        std::chrono::milliseconds limit) {
+  return call(bus::applicationPath, bus::applicationInterface, method, arguments, limit);
 }
 
 QDBusMessage ProgramClient::device(const QString& path, const QString& method) {

@@ -29,9 +29,11 @@ public:
   // it does not, if so.
   std::optional<std::string> reach();
 
+  // A call answers within `limit`, or fails.
   QDBusMessage call(const QString& path, const QString& interface, const QString& method,
-                    const QVariantList& arguments = {});
-  QDBusMessage application(const QString& method, const QVariantList& arguments = {});
+                    const QVariantList& arguments = {}, std::chrono::milliseconds limit = std::chrono::seconds(10));
+  QDBusMessage application(const QString& method, const QVariantList& arguments = {},
+                           std::chrono::milliseconds limit = std::chrono::seconds(10));
   QDBusMessage device(const QString& path, const QString& method);
 
   QVariantMap properties(const QString& path);

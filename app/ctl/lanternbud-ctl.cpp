@@ -275,12 +275,9 @@ int report(ProgramClient& client, std::vector<std::string> arguments) {
   if (error || arguments[1].empty()) return fail(usageError, "\"" + arguments[1] + "\" is not a file name.");
   if (client.running()) {
     std::cerr << "Lanternbud is writing the report..." << std::endl;
-    auto message = QDBusMessage::createMethodCall(lb::bus::serviceName, lb::bus::applicationPath,
-                                                  lb::bus::applicationInterface, "SaveDiagnosticReport");
-    message << QString::fromStdString(file.string()) << mask;
-    message.setAutoStartService(false);
     // The journal of a busy machine takes a while to read.
-    const auto reply = QDBusConnection::sessionBus().call(message, QDBus::Block, 600'000);
+    const auto reply = client.application("SaveDiagnosticReport", {QString::fromStdString(file.string()), mask},
+                                          std::chrono::minutes(10));
     if (reply.type() == QDBusMessage::ErrorMessage)
       return fail(failed, "the report could not be saved: " + reply.errorMessage().toStdString());
   } else {

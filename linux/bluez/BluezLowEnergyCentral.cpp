@@ -4,10 +4,8 @@
 
 #include <QDBusArgument>
 #include <QDBusMessage>
-#include <QDBusMetaType>
 #include <QDBusObjectPath>
 #include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
 #include <QTimer>
 
 namespace lb {
@@ -22,6 +20,10 @@ constexpr const char* gattDescriptor = "org.bluez.GattDescriptor1";
 
 QString pathText(const QVariant& value) {
   return value.canConvert<QDBusObjectPath>() ? value.value<QDBusObjectPath>().path() : value.toString();
+}
+
+QDBusMessage call(const QString& path, const QString& interface, const QString& method) {
+  return QDBusMessage::createMethodCall(service, path, interface, method);
 }
 
 std::string errorText(const QDBusMessage& reply) {
@@ -48,10 +50,6 @@ BluezLowEnergyCentral::BluezLowEnergyCentral(QDBusConnection bus) : bus_(std::mo
 }
 
 BluezLowEnergyCentral::~BluezLowEnergyCentral() = default;
-
-QDBusMessage BluezLowEnergyCentral::call(const QString& path, const QString& interface, const QString& method) {
-  return QDBusMessage::createMethodCall(service, path, interface, method);
-}
 
 void BluezLowEnergyCentral::callAsync(const QDBusMessage& message,
                                       std::function<void(const QDBusMessage& reply)> answered) {

@@ -39,8 +39,7 @@ private slots:
                          const QDBusMessage& message);
 
 private:
-  QDBusMessage call(const QString& path, const QString& interface, const QString& method);
-  // Sends it; `answered` gets the error text, or none on success.
+  // Sends it; `answered` gets the reply, or the error.
   void callAsync(const QDBusMessage& message, std::function<void(const QDBusMessage& reply)> answered);
   void reportState();
   void reportServices(const QString& peripheral);

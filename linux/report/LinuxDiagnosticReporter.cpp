@@ -51,7 +51,7 @@ LinuxDiagnosticReporter::Sources LinuxDiagnosticReporter::Sources::thisMachine()
   return {{OurLogFile::path("lanternbud"), OurLogFile::path("LanternbudHelperTool")},
           "/etc/bluetooth/main.conf",
           std::nullopt,
-          QDBusConnection::systemBus()};
+          std::nullopt};
 }
 
 Result<void> LinuxDiagnosticReporter::saveReport(const std::filesystem::path& destination, bool maskAddresses,
@@ -69,7 +69,10 @@ Result<void> LinuxDiagnosticReporter::saveReport(const std::filesystem::path& de
     }
     throwIfCancelled(cancelled);
     progress(1, steps, std::string(translatable("Asking BlueZ about the adapters and paired devices")));
-    items.push_back({"Bluetooth.txt", masked(BluetoothSystemState::describe(sources_.systemBus)), {}});
+    items.push_back({"Bluetooth.txt",
+                     masked(BluetoothSystemState::describe(sources_.systemBus ? *sources_.systemBus
+                                                                              : QDBusConnection::systemBus())),
+                     {}});
     if (auto config = contents(sources_.bluetoothConfig)) items.push_back({"main.conf", masked(*config), {}});
     throwIfCancelled(cancelled);
     progress(2, steps, std::string(translatable("Asking the sound server about its devices")));

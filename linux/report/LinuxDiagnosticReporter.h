@@ -21,8 +21,9 @@ public:
     std::filesystem::path bluetoothConfig;
     // The journal folder; none: this machine's journal.
     std::optional<std::filesystem::path> journal;
-    // Where BlueZ answers.
-    QDBusConnection systemBus;
+    // Where BlueZ answers; none: the system bus, reached only when a
+    // report is made.
+    std::optional<QDBusConnection> systemBus;
 
     // This machine's: the log files in the user's state folder, the system
     // bus.

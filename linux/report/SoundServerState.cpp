@@ -23,11 +23,18 @@ std::string properties(pa_proplist* list) {
 
 std::string named(const char* text) { return text ? text : ""; }
 
-void done(Query& query, pa_operation* operation) {
+// Counts a request until its answer's end.
+void awaiting(Query& query, pa_operation* operation) {
   if (operation) {
     ++query.pending;
     pa_operation_unref(operation);
   }
+}
+
+// Whether a list's answer has ended (or failed): nothing more comes.
+bool ended(Query& query, int last) {
+  if (last) --query.pending;
+  return last != 0;
 }
 
 void serverInfo(pa_context*, const pa_server_info* info, void* data) {
@@ -39,32 +46,18 @@ void serverInfo(pa_context*, const pa_server_info* info, void* data) {
                  "\nDefault source: " + named(info->default_source_name) + "\n";
 }
 
-void sinkInfo(pa_context*, const pa_sink_info* info, int last, void* data) {
+// A sink or a source, into its list of the query.
+template <class Info, std::string Query::*list>
+void deviceInfo(pa_context*, const Info* info, int last, void* data) {
   auto& query = *static_cast<Query*>(data);
-  if (last) {
-    --query.pending;
-    return;
-  }
-  query.sinks += "  #" + std::to_string(info->index) + " " + named(info->name) + " “" + named(info->description) + "”" +
+  if (ended(query, last)) return;
+  query.*list += "  #" + std::to_string(info->index) + " " + named(info->name) + " “" + named(info->description) + "”" +
                  (info->mute ? " muted" : "") + "\n" + properties(info->proplist);
-}
-
-void sourceInfo(pa_context*, const pa_source_info* info, int last, void* data) {
-  auto& query = *static_cast<Query*>(data);
-  if (last) {
-    --query.pending;
-    return;
-  }
-  query.sources += "  #" + std::to_string(info->index) + " " + named(info->name) + " “" + named(info->description) +
-                   "”" + (info->mute ? " muted" : "") + "\n" + properties(info->proplist);
 }
 
 void cardInfo(pa_context*, const pa_card_info* info, int last, void* data) {
   auto& query = *static_cast<Query*>(data);
-  if (last) {
-    --query.pending;
-    return;
-  }
+  if (ended(query, last)) return;
   query.cards += "  #" + std::to_string(info->index) + " " + named(info->name) + "\n";
   for (std::uint32_t i = 0; i < info->n_profiles; ++i) {
     const auto* profile = info->profiles2[i];
@@ -105,10 +98,10 @@ std::string SoundServerState::describe(const std::atomic<bool>& cancelled) {
     return std::string("No sound server answers: ") + pa_strerror(pa_context_errno(context.get())) + "\n";
   }
   Query query;
-  done(query, pa_context_get_server_info(context.get(), serverInfo, &query));
-  done(query, pa_context_get_sink_info_list(context.get(), sinkInfo, &query));
-  done(query, pa_context_get_source_info_list(context.get(), sourceInfo, &query));
-  done(query, pa_context_get_card_info_list(context.get(), cardInfo, &query));
+  awaiting(query, pa_context_get_server_info(context.get(), serverInfo, &query));
+  awaiting(query, pa_context_get_sink_info_list(context.get(), deviceInfo<pa_sink_info, &Query::sinks>, &query));
+  awaiting(query, pa_context_get_source_info_list(context.get(), deviceInfo<pa_source_info, &Query::sources>, &query));
+  awaiting(query, pa_context_get_card_info_list(context.get(), cardInfo, &query));
   const bool answered = turn([&] { return query.pending == 0; });
   pa_context_disconnect(context.get());
   auto text = query.server + "\nSinks\n" + query.sinks + "\nSources\n" + query.sources + "\nCards\n" + query.cards;

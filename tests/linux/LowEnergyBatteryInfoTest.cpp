@@ -68,11 +68,4 @@ TEST(LowEnergyBatteryInfo, ReadsMatchingPeripheralsOnlyWhileSwitchedOnAndReconne
   EXPECT_TRUE(test::waitUntil([&] { return !discovering(); }));
 }
 
-TEST(LowEnergyBatteryInfo, KnowsTheBatteryLevelByItsShortOrLongUUID) {
-  EXPECT_EQ(LowEnergyBatteryInfo::uuidString("00002a19-0000-1000-8000-00805f9b34fb"), "2A19");
-  EXPECT_EQ(LowEnergyBatteryInfo::uuidString("0x2a19"), "2A19");
-  EXPECT_EQ(LowEnergyBatteryInfo::uuidString("6e400001-b5a3-f393-e0a9-e50e24dcca9e"),
-            "6E400001-B5A3-F393-E0A9-E50E24DCCA9E");
-}
-
 } // namespace lb
