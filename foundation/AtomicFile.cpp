@@ -58,8 +58,14 @@ Result<> AtomicFile::write(const std::filesystem::path& path, std::string_view c
 }
 
 Result<std::string> AtomicFile::read(const std::filesystem::path& path) {
-  int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  // Without blocking: a FIFO put in a file's place would wait for a writer.
+  int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
   if (descriptor < 0) return Failure{std::strerror(errno)};
+  struct stat info {};
+  if (fstat(descriptor, &info) != 0 || !S_ISREG(info.st_mode)) {
+    ::close(descriptor);
+    return Failure{"not a regular file"};
+  }
   std::string content;
   char buffer[65536];
   for (;;) {

@@ -17,7 +17,8 @@ struct AtomicFile {
   // renames it over `path`. On failure the old file is left as it was.
   static Result<> write(const std::filesystem::path& path, std::string_view content, mode_t mode);
 
-  // The whole file.
+  // The whole file; anything but a regular file (a FIFO, a folder) is
+  // refused without waiting.
   static Result<std::string> read(const std::filesystem::path& path);
 
   // How the temporary files of `fileName` begin: a writer killed before its

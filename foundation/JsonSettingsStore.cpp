@@ -7,6 +7,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <cstdio>
 #include <ctime>
 #include <fcntl.h>
 #include <sys/file.h>
@@ -25,13 +26,56 @@ std::string timestamp() {
   return text;
 }
 
-// Where a write goes: a symbolic link's target, so that the link stays.
-std::filesystem::path writtenPath(const std::filesystem::path& file) {
+// Where reads and writes go: the end of a chain of symbolic links, so that
+// every link stays. A link to nowhere, or a chain that does not end, is no
+// place to write.
+Result<std::filesystem::path> finalTarget(const std::filesystem::path& file) {
+  constexpr int maximumLinks = 40; // as the kernel follows them
+  auto path = file;
   std::error_code error;
-  if (!std::filesystem::is_symlink(file, error)) return file;
-  auto target = std::filesystem::read_symlink(file, error);
-  if (error) return file;
-  return target.is_absolute() ? target : file.parent_path() / target;
+  for (int links = 0; std::filesystem::is_symlink(path, error); ++links) {
+    if (links == maximumLinks) return Failure{file.string() + " is a chain of symbolic links that does not end"};
+    auto target = std::filesystem::read_symlink(path, error);
+    if (error) return Failure{"reading the link " + path.string() + " failed (" + error.message() + ")"};
+    path = target.is_absolute() ? target : path.parent_path() / target;
+  }
+  if (path != file && !std::filesystem::exists(std::filesystem::symlink_status(path, error))) {
+    return Failure{file.string() + " is a symbolic link to " + path.string() + ", which does not exist"};
+  }
+  return path;
+}
+
+const char* kindOf(std::filesystem::file_type type) {
+  switch (type) {
+  case std::filesystem::file_type::directory: return "a folder";
+  case std::filesystem::file_type::fifo: return "a FIFO";
+  case std::filesystem::file_type::socket: return "a socket";
+  case std::filesystem::file_type::block: return "a block device";
+  case std::filesystem::file_type::character: return "a character device";
+  default: return "a special file";
+  }
+}
+
+// Moves `file` to "<file>.unreadable-<time>", with "-2" and on when that is
+// taken: a file kept aside is never replaced.
+Result<std::filesystem::path> moveAside(const std::filesystem::path& file) {
+  const auto base = file.string() + ".unreadable-" + timestamp();
+  for (int n = 1; n < 1000; ++n) {
+    const auto aside = n == 1 ? base : base + "-" + std::to_string(n);
+    if (::renameat2(AT_FDCWD, file.c_str(), AT_FDCWD, aside.c_str(), RENAME_NOREPLACE) == 0) {
+      return std::filesystem::path(aside);
+    }
+    const int failed = errno;
+    // A file system without the flag: look first, with a moment's race.
+    std::error_code error;
+    if (failed == EINVAL && !std::filesystem::exists(aside, error)) {
+      std::filesystem::rename(file, aside, error);
+      if (!error) return std::filesystem::path(aside);
+      return Failure{error.message()};
+    }
+    if (failed != EEXIST && failed != EINVAL) return Failure{std::strerror(failed)};
+  }
+  return Failure{"too many files were kept aside in one second"};
 }
 
 // Settings can say where a user's scripts are and what they run: a folder
@@ -82,60 +126,73 @@ bool JsonSettingsStore::canSave() const {
   return access_ == Access::readWrite && !unreadable_;
 }
 
-JsonSettingsStore::Read JsonSettingsStore::readFile() {
-  std::error_code error;
-  if (!std::filesystem::exists(file_, error)) return Read::absent;
-  auto text = AtomicFile::read(file_);
-  if (!text) {
-    PXR_LOG_ERROR("Could not read the settings file " + file_.string() + " (" + text.failure().reason +
-                  "); Lanternbud starts from its defaults and saves nothing until the file can be read.");
+JsonSettingsStore::Read JsonSettingsStore::readFile(SettingsValue::Dictionary& found) {
+  const auto startsFromDefaults = [this](const std::string& why, const char* until) {
+    PXR_LOG_ERROR("The settings file " + why + "; Lanternbud starts from its defaults and saves nothing until " +
+                  until + ".");
+    std::lock_guard lock(mutex_);
+    unreadable_ = why;
     return Read::unreadable;
+  };
+  auto target = finalTarget(file_);
+  if (!target) return startsFromDefaults(target.failure().reason, "the link is mended or removed");
+  const auto path = target.value();
+  std::error_code error;
+  const auto type = std::filesystem::status(path, error).type();
+  if (type == std::filesystem::file_type::not_found) return Read::absent;
+  // Opening a FIFO would wait for a writer for ever.
+  if (type != std::filesystem::file_type::regular) {
+    return startsFromDefaults(path.string() + " is " + kindOf(type) + ", not a file",
+                              "it is replaced by a file; it is left as it is");
+  }
+  auto text = AtomicFile::read(path);
+  if (!text) {
+    return startsFromDefaults(path.string() + " could not be read (" + text.failure().reason + ")",
+                              "the file can be read");
   }
   std::string problem;
   auto parsed = SettingsJson::parse(text.value(), problem);
   if (parsed && parsed->is<SettingsValue::Dictionary>()) {
-    std::lock_guard lock(mutex_);
-    values_ = *parsed->as<SettingsValue::Dictionary>();
+    found = *parsed->as<SettingsValue::Dictionary>();
     return Read::ok;
   }
   if (parsed) problem = "the top level is not a dictionary";
   if (access_ == Access::readOnly) {
-    PXR_LOG_ERROR("The settings file " + file_.string() + " is not valid settings (" + problem + ").");
+    PXR_LOG_ERROR("The settings file " + path.string() + " is not valid settings (" + problem + ").");
     return Read::notSettings;
   }
-  auto aside = file_;
-  aside += ".unreadable-" + timestamp();
-  std::filesystem::rename(file_, aside, error);
-  if (error) {
-    PXR_LOG_ERROR("The settings file " + file_.string() + " is not valid settings (" + problem +
-                  ") and could not be moved aside (" + error.message() +
-                  "); Lanternbud starts from its defaults and saves nothing until it can be.");
-    return Read::unreadable;
+  auto aside = moveAside(path);
+  if (!aside) {
+    return startsFromDefaults(path.string() + " is not valid settings (" + problem +
+                                  ") and could not be moved aside (" + aside.failure().reason + ")",
+                              "it can be");
   }
-  PXR_LOG_ERROR("The settings file " + file_.string() + " is not valid settings (" + problem + "). It was moved to " +
-                aside.string() +
+  PXR_LOG_ERROR("The settings file " + path.string() + " is not valid settings (" + problem + "). It was moved to " +
+                aside.value().string() +
                 " and Lanternbud starts from its defaults; repair that file and move it back to restore "
                 "your settings.");
   return Read::notSettings;
 }
 
 void JsonSettingsStore::load() {
-  if (access_ == Access::readOnly) {
-    readFile();
-    return;
+  SettingsValue::Dictionary found;
+  std::optional<FileLock> lock;
+  if (access_ == Access::readWrite) {
+    lock.emplace(file_);
+    removeLeftovers();
   }
-  FileLock lock(file_);
-  removeLeftovers();
-  const bool unreadable = readFile() == Read::unreadable;
+  if (readFile(found) != Read::ok) return;
   std::lock_guard guard(mutex_);
-  unreadable_ = unreadable;
+  values_ = std::move(found);
 }
 
 // Temporary files of writers that were killed before their rename.
 void JsonSettingsStore::removeLeftovers() const {
-  const auto prefix = AtomicFile::temporaryPrefix(writtenPath(file_).filename().string());
+  auto target = finalTarget(file_);
+  if (!target) return;
+  const auto prefix = AtomicFile::temporaryPrefix(target.value().filename().string());
   std::error_code error;
-  for (const auto& entry : std::filesystem::directory_iterator(writtenPath(file_).parent_path(), error)) {
+  for (const auto& entry : std::filesystem::directory_iterator(target.value().parent_path(), error)) {
     if (entry.path().filename().string().starts_with(prefix)) std::filesystem::remove(entry.path(), error);
   }
 }
@@ -153,65 +210,78 @@ void JsonSettingsStore::setValue(const std::string& key, SettingsValue value) {
                   " holds a number that is not finite, which a settings file cannot keep.");
     return;
   }
-  change([&](SettingsValue::Dictionary& values) {
-    values.insert_or_assign(key, value);
-    return true;
-  });
+  change(key, std::move(value));
 }
 
-void JsonSettingsStore::removeValue(const std::string& key) {
-  change([&](SettingsValue::Dictionary& values) { return values.erase(key) > 0; });
-}
+void JsonSettingsStore::removeValue(const std::string& key) { change(key, std::nullopt); }
 
 std::optional<std::string> JsonSettingsStore::saveProblem() const {
   std::lock_guard guard(mutex_);
-  if (unreadable_) return file_.string() + " could not be read, and writing would replace it";
+  if (unreadable_) return *unreadable_ + ", and nothing is saved while it stays so";
   return saveProblem_;
 }
 
-void JsonSettingsStore::change(const std::function<bool(SettingsValue::Dictionary&)>& modify) {
+void JsonSettingsStore::change(const std::string& key, std::optional<SettingsValue> value) {
+  const auto apply = [](SettingsValue::Dictionary& values, const std::string& name,
+                        const std::optional<SettingsValue>& given) {
+    if (given) values.insert_or_assign(name, *given);
+    else values.erase(name);
+  };
   if (!canSave()) {
     std::unique_lock guard(mutex_);
-    modify(values_);
+    apply(values_, key, value);
     const bool tell = access_ == Access::readWrite && !std::exchange(toldNotSaving_, true);
+    const auto why = unreadable_.value_or("");
     guard.unlock();
     if (tell) {
-      PXR_LOG_ERROR("Not saving the settings: " + file_.string() +
-                    " could not be read, and writing would replace it. Make it readable (or move it away) and "
-                    "start Lanternbud again.");
+      PXR_LOG_ERROR("Not saving the settings: " + why +
+                    ". Mend it (or move it away) and start Lanternbud again; until then changes last for this run.");
     }
     return;
   }
   FileLock lock(file_);
   // Another writer may have changed the file since it was read.
-  if (readFile() == Read::unreadable) {
-    std::lock_guard guard(mutex_);
-    unreadable_ = true;
-    modify(values_);
-    return;
-  }
+  SettingsValue::Dictionary onDisk;
+  const auto read = readFile(onDisk);
   SettingsValue::Dictionary snapshot;
   {
     std::lock_guard guard(mutex_);
-    if (!modify(values_)) return;
+    pending_.insert_or_assign(key, std::move(value));
+    if (read == Read::ok) values_ = onDisk;
+    for (const auto& [name, given] : pending_) apply(values_, name, given);
+    if (read == Read::unreadable) return;
+    if (read == Read::ok && values_ == onDisk) {
+      pending_.clear();
+      saveProblem_.reset();
+      return;
+    }
     snapshot = values_;
   }
-  save(snapshot);
+  if (save(snapshot)) {
+    std::lock_guard guard(mutex_);
+    pending_.clear();
+  }
 }
 
-void JsonSettingsStore::save(const SettingsValue::Dictionary& values) {
-  const auto path = writtenPath(file_);
+bool JsonSettingsStore::save(const SettingsValue::Dictionary& values) {
+  const auto target = finalTarget(file_);
+  const auto path = target ? target.value() : file_;
   std::optional<std::string> problem;
-  if (auto error = makeFolder(path.parent_path())) {
+  if (!target) {
+    problem = target.failure().reason;
+  } else if (auto error = makeFolder(path.parent_path())) {
     problem = "creating " + path.parent_path().string() + " failed (" + error.message() + ")";
-    PXR_LOG_ERROR("Could not save the settings: " + *problem + ".");
   } else if (auto written = AtomicFile::write(path, SettingsJson::write(values), 0600); !written) {
     problem = "writing " + path.string() + " failed (" + written.failure().reason + ")";
-    PXR_LOG_ERROR("Could not save the settings to " + path.string() + " (" + written.failure().reason +
-                  "); the previous file is unchanged.");
+  }
+  if (problem) {
+    PXR_LOG_ERROR("Could not save the settings: " + *problem +
+                  ". The previous file is unchanged; the change stays in effect and is saved with the next one "
+                  "that can be.");
   }
   std::lock_guard guard(mutex_);
-  saveProblem_ = std::move(problem);
+  saveProblem_ = problem;
+  return !problem;
 }
 
 } // namespace lb

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <set>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -60,21 +61,25 @@ TEST(JsonSettingsStore, KeepsEveryKindOfValueAcrossARestart) {
   EXPECT_EQ(filesIn(file.parent_path()).size(), 1u); // no temporary files left behind
 }
 
+// Each is kept byte for byte under a name of its own, also within a second.
 TEST(JsonSettingsStore, AnUnreadableFileIsMovedAsideAndReported) {
   test::CapturedLog log;
   test::TemporaryDirectory home;
   auto file = home / "settings.json";
+  std::set<std::string> kept;
   for (std::string broken : {"{\"devices\": [1, 2,", "[\"an array\"]", "{\"x\": null}"}) {
     test::writeFile(file, broken);
     JsonSettingsStore store(file);
     EXPECT_FALSE(store.value("devices"));
     EXPECT_FALSE(std::filesystem::exists(file));
-    auto files = filesIn(home.path());
-    ASSERT_EQ(files.size(), 1u);
-    EXPECT_EQ(test::readFile(files[0]), broken); // preserved byte for byte
-    EXPECT_TRUE(log.contains("It was moved to " + files[0].string())) << log.messages().back();
-    std::filesystem::remove(files[0]);
+    kept.insert(broken);
   }
+  std::set<std::string> found;
+  for (const auto& aside : filesIn(home.path())) {
+    found.insert(test::readFile(aside));
+    EXPECT_TRUE(log.contains("It was moved to " + aside.string()));
+  }
+  EXPECT_EQ(found, kept);
 }
 
 TEST(JsonSettingsStore, ACrashWhileWritingLeavesTheOldFileIntact) {
@@ -108,7 +113,9 @@ TEST(JsonSettingsStore, ACrashWhileWritingLeavesTheOldFileIntact) {
   EXPECT_FALSE(after.value("devices"));
 }
 
-TEST(JsonSettingsStore, AFailedWriteIsReportedAndTheOldFileKept) {
+// A change that cannot be written stays in effect, is said, and goes with
+// the next save that works.
+TEST(JsonSettingsStore, AFailedWriteIsReportedAndSavedWithTheNextChange) {
   test::TemporaryDirectory home;
   auto file = home / "settings.json";
   JsonSettingsStore(file).setValue("currentSettingVersion", "2.8.2");
@@ -119,19 +126,25 @@ TEST(JsonSettingsStore, AFailedWriteIsReportedAndTheOldFileKept) {
   if (child == 0) {
     // With SIGXFSZ ignored the write fails with EFBIG instead of killing us.
     signal(SIGXFSZ, SIG_IGN);
-    rlimit limit{64, 64};
+    rlimit limit{64, RLIM_INFINITY};
     setrlimit(RLIMIT_FSIZE, &limit);
     test::CapturedLog log;
     JsonSettingsStore store(file);
     store.setValue("devices", SettingsValue::Array(200, sampleDevice()));
-    bool reported = log.contains("the previous file is unchanged");
-    _exit(reported && store.value("devices") ? 0 : 1);
+    const bool failed = log.contains("The previous file is unchanged") && store.value("devices") &&
+                        store.saveProblem() && test::readFile(file) == before;
+    limit.rlim_cur = RLIM_INFINITY;
+    setrlimit(RLIMIT_FSIZE, &limit);
+    store.setValue("LogConnect", true);
+    _exit(failed && !store.saveProblem() ? 0 : 1);
   }
   int status = 0;
   waitpid(child, &status, 0);
   ASSERT_TRUE(WIFEXITED(status));
   EXPECT_EQ(WEXITSTATUS(status), 0) << "the failure was not reported, or the value was lost for the run";
-  EXPECT_EQ(test::readFile(file), before);
+  JsonSettingsStore after(file);
+  EXPECT_EQ(after.value("devices"), SettingsValue(SettingsValue::Array(200, sampleDevice())));
+  EXPECT_EQ(after.value("LogConnect"), SettingsValue(true));
   EXPECT_EQ(filesIn(home.path()).size(), 1u);
 }
 
@@ -167,7 +180,23 @@ TEST(JsonSettingsStore, NothingUnreadableIsWrittenOverAndReadersChangeNothing) {
   store.setValue("LogConnect", true);
   EXPECT_EQ(store.value("LogConnect"), SettingsValue(true));
   EXPECT_TRUE(std::filesystem::is_directory(file));
-  EXPECT_TRUE(log.contains("Not saving the settings: " + file.string()));
+  EXPECT_TRUE(log.contains("Not saving the settings: " + file.string() + " is a folder"));
+
+  // A FIFO is not opened (that would wait for a writer for ever) nor replaced.
+  std::filesystem::remove(file);
+  ASSERT_EQ(mkfifo(file.c_str(), 0600), 0);
+  JsonSettingsStore fifo(file);
+  fifo.setValue("LogConnect", true);
+  EXPECT_EQ(fifo.saveProblem(), file.string() + " is a FIFO, not a file, and nothing is saved while it stays so");
+  EXPECT_TRUE(std::filesystem::is_fifo(file));
+
+  // A link to nowhere is said, and nothing is made where it points.
+  std::filesystem::remove(file);
+  std::filesystem::create_symlink(home / "gone/settings.json", file);
+  JsonSettingsStore dangling(file);
+  dangling.setValue("LogConnect", true);
+  EXPECT_TRUE(log.contains("which does not exist; Lanternbud starts from its defaults"));
+  EXPECT_FALSE(std::filesystem::exists(home / "gone"));
 }
 
 // Writers in separate processes lose nothing of each other's; a symbolic
@@ -196,14 +225,17 @@ TEST(JsonSettingsStore, ConcurrentWritersLoseNothingAndLinksAndFoldersAreKept) {
   ASSERT_EQ(stat(file.parent_path().c_str(), &info), 0);
   EXPECT_EQ(info.st_mode & 0777, 0700u);
 
+  // settings.json -> link2 -> real.json: written through, every link kept.
   auto target = home / "lanternbud/real.json";
   std::filesystem::rename(file, target);
-  std::filesystem::create_symlink("real.json", file);
+  std::filesystem::create_symlink("real.json", home / "lanternbud/link2");
+  std::filesystem::create_symlink("link2", file);
   test::writeFile(home / "lanternbud/.real.json.partial-Ab12Cd", "half");
   JsonSettingsStore linked(file);
   EXPECT_FALSE(std::filesystem::exists(home / "lanternbud/.real.json.partial-Ab12Cd"));
   linked.setValue("LogConnect", true);
   EXPECT_TRUE(std::filesystem::is_symlink(file));
+  EXPECT_TRUE(std::filesystem::is_symlink(home / "lanternbud/link2"));
   EXPECT_EQ(JsonSettingsStore(target).value("LogConnect"), SettingsValue(true));
 }
 
