@@ -91,6 +91,15 @@ TEST(OurLogFile, AnUnwritablePlaceIsReportedNotFatal) {
   std::string error;
   EXPECT_FALSE(LogFileSink::open(folder / "not-a-folder/app.log", error));
   EXPECT_FALSE(error.empty());
+
+  // The program says so on standard error too, even when it is no terminal.
+  setenv("XDG_STATE_HOME", (folder / "not-a-folder/state").c_str(), 1);
+  testing::internal::CaptureStderr();
+  LinuxLogger::install([](const std::string&) { return false; }, "lanternbud");
+  PXRLogger::setSharedLogger(nullptr);
+  EXPECT_NE(testing::internal::GetCapturedStderr().find("lanternbud: No log file is written (creating " +
+                                                        (folder / "not-a-folder/state/lanternbud").string()),
+            std::string::npos);
 }
 
 } // namespace lb
