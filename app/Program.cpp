@@ -138,7 +138,12 @@ int Program::runApplication(UserDefaults& defaults, Tunables& tunables, bool dem
   platform->windows().detach();
   if (session.isConnected()) session.unregisterService(bus::serviceName);
   app.applicationWillTerminate();
-  PXR_LOG(launchLog(), "Saved the device list; goodbye.");
+  if (auto problem = platform->services().defaults.saveProblem()) {
+    PXR_LOG_ERROR("The settings of this run are not saved (" + *problem +
+                  "): changes since the last save are lost; goodbye.");
+  } else {
+    PXR_LOG(launchLog(), "Saved the device list; goodbye.");
+  }
   // A worker blocked in a Bluetooth call (a device that does not answer) may
   // take a minute; a logout will not wait. Everything is saved: leave without
   // taking down what the worker still uses.

@@ -1,8 +1,10 @@
 #include "core/DeviceSettingManager.h"
 
 #include "core/LogAreas.h"
+#include "core/SettingKeys.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <set>
 
 namespace lb {
@@ -56,9 +58,10 @@ void DeviceSettingManager::load() {
                           return element.is<SettingsValue::Dictionary>();
                         });
   if (!readable) {
-    services_.defaults.setValue(unreadableDevicesKey, *stored);
-    PXR_LOG_ERROR("The saved device list is not a list of devices; it is kept under \"" +
-                  std::string(unreadableDevicesKey) + "\" in the settings, and Lanternbud starts without devices.");
+    const auto aside = keyForUnreadableDevices();
+    services_.defaults.setValue(aside, *stored);
+    PXR_LOG_ERROR("The saved device list is not a list of devices; it is kept under \"" + aside +
+                  "\" in the settings, and Lanternbud starts without devices.");
     return;
   }
   std::vector<SettingsValue::Dictionary> entries;
@@ -69,6 +72,24 @@ void DeviceSettingManager::load() {
     PXR_LOG(dockLog(), "Loading device setting:", setting->description());
     list_.push_back(setting);
   }
+}
+
+// A key of its own for every list kept aside, so that none replaces another:
+// "devices.unreadable-20261124-094107" (UTC), with "-2" and on within a second.
+std::string DeviceSettingManager::keyForUnreadableDevices() const {
+  const auto now = std::chrono::floor<std::chrono::seconds>(services_.loop.now());
+  const auto day = std::chrono::floor<std::chrono::days>(now);
+  const std::chrono::year_month_day date{day};
+  const std::chrono::hh_mm_ss time{now - day};
+  char stamp[32];
+  std::snprintf(stamp, sizeof stamp, "%04d%02u%02u-%02lld%02lld%02lld", static_cast<int>(date.year()),
+                static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
+                static_cast<long long>(time.hours().count()), static_cast<long long>(time.minutes().count()),
+                static_cast<long long>(time.seconds().count()));
+  const auto base = std::string(SettingKeys::unreadableDevicesPrefix) + stamp;
+  auto key = base;
+  for (int n = 2; services_.defaults.object(key); ++n) key = base + "-" + std::to_string(n);
+  return key;
 }
 
 // Valid IDs stay as they are; an entry whose ID is missing, repeated, not an

@@ -18,8 +18,6 @@ namespace lb {
 class DeviceSettingManager {
 public:
   static constexpr const char* currentSettingVersion = "2.8.2";
-  // Where a saved list that is not a list of devices is kept.
-  static constexpr const char* unreadableDevicesKey = "devices.unreadable";
   // IDs run from 1 to this; they name script files and interface paths.
   static constexpr std::int64_t maximumDeviceID = std::int64_t{1} << 31;
 
@@ -75,6 +73,7 @@ private:
   void checkMigration();
   void load();
   void giveValidIDs(std::vector<SettingsValue::Dictionary>& entries);
+  std::string keyForUnreadableDevices() const;
 
   Services& services_;
   ScriptSaver scriptSaver_;

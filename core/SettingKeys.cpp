@@ -1,20 +1,95 @@
 #include "core/SettingKeys.h"
 
-#include "core/DeviceSettingManager.h"
 #include "core/LogAreas.h"
 #include "core/Tunables.h"
+#include "foundation/Printing.h"
+#include "foundation/SettingsJson.h"
 
 #include <algorithm>
 #include <cctype>
+#include <limits>
 #include <vector>
 
 namespace lb {
 
 namespace {
 
-constexpr std::string_view options[] = {"launchAtLogin",   "hideDockIcon", "currentSettingVersion",
-                                        "scriptFolderURL", "devices",      DeviceSettingManager::unreadableDevicesKey};
+struct Option {
+  std::string_view key;
+  SettingType type;
+};
+// The registry checks the device list itself, and keeps one it cannot read.
+constexpr Option options[] = {{"launchAtLogin", SettingType::boolean},
+                              {"hideDockIcon", SettingType::boolean},
+                              {"currentSettingVersion", SettingType::text},
+                              {"scriptFolderURL", SettingType::data},
+                              {"devices", SettingType::anything}};
 constexpr std::string_view shortcutPrefixes[] = {SettingKeys::shortcutPrefix, "shortcutForDevice"};
+
+bool hasPrefixAndNumber(std::string_view key, std::string_view prefix) {
+  return key.starts_with(prefix) && key.size() > prefix.size() &&
+         std::all_of(key.begin() + static_cast<std::ptrdiff_t>(prefix.size()), key.end(),
+                     [](char c) { return std::isdigit(static_cast<unsigned char>(c)); });
+}
+
+// What the table expects of `key`; none for a key outside it.
+std::optional<tunable::Known> expectation(std::string_view key) {
+  if (auto found = tunable::known().find(key); found != tunable::known().end()) return found->second;
+  for (const auto& option : options) {
+    if (option.key == key) return tunable::Known{option.type, {}};
+  }
+  if (std::find(std::begin(allLogAreaNames), std::end(allLogAreaNames), key) != std::end(allLogAreaNames)) {
+    return tunable::Known{SettingType::boolean, {}};
+  }
+  for (auto prefix : shortcutPrefixes) {
+    if (hasPrefixAndNumber(key, prefix)) return tunable::Known{SettingType::shortcut, {}};
+  }
+  return std::nullopt;
+}
+
+bool isText(const SettingsValue& value) { return value.is<std::string>(); }
+
+bool fits(SettingType type, const SettingsValue& value) {
+  switch (type) {
+  case SettingType::boolean: return value.is<bool>();
+  case SettingType::integer: return value.is<std::int64_t>();
+  case SettingType::number: return value.is<std::int64_t>() || value.is<double>();
+  case SettingType::text: return isText(value);
+  case SettingType::textList: {
+    const auto* array = value.as<SettingsValue::Array>();
+    return array && std::all_of(array->begin(), array->end(), isText);
+  }
+  case SettingType::data: return value.is<SettingsValue::Data>();
+  case SettingType::shortcut: {
+    const auto* dictionary = value.as<SettingsValue::Dictionary>();
+    auto found = dictionary ? dictionary->find("keySequence") : SettingsValue::Dictionary::const_iterator{};
+    return dictionary && found != dictionary->end() && isText(found->second);
+  }
+  case SettingType::anything: return true;
+  }
+  return false;
+}
+
+std::string described(const tunable::Known& expected) {
+  const auto& range = expected.range;
+  const bool bounded = range.minimum > -std::numeric_limits<double>::infinity() ||
+                       range.maximum < std::numeric_limits<double>::infinity();
+  const auto between = [&](auto describe) {
+    return bounded ? " from " + describe(range.minimum) + " to " + describe(range.maximum) : std::string();
+  };
+  const auto whole = [](double value) { return std::to_string(static_cast<long long>(value)); };
+  switch (expected.type) {
+  case SettingType::boolean: return "true or false";
+  case SettingType::integer: return "a whole number" + between(whole);
+  case SettingType::number: return "a number" + between(pxrDescribeDouble);
+  case SettingType::text: return expected.form ? expected.form : "text";
+  case SettingType::textList: return "a list of texts such as [\"a\", \"b\"]";
+  case SettingType::data: return "data";
+  case SettingType::shortcut: return "a shortcut such as {\"keySequence\": \"Ctrl+Alt+H\"}";
+  case SettingType::anything: break;
+  }
+  return "anything";
+}
 
 // Edits (insert, delete, replace) between two keys, ignoring letter case.
 std::size_t distance(std::string_view a, std::string_view b) {
@@ -37,22 +112,26 @@ std::size_t distance(std::string_view a, std::string_view b) {
 } // namespace
 
 std::vector<std::string_view> SettingKeys::all() {
-  std::vector<std::string_view> keys(std::begin(options), std::end(options));
+  std::vector<std::string_view> keys;
+  for (const auto& option : options) keys.push_back(option.key);
   keys.insert(keys.end(), std::begin(allLogAreaNames), std::end(allLogAreaNames));
   for (const auto& [key, known] : tunable::known()) keys.push_back(key);
   return keys;
 }
 
-bool SettingKeys::isKnown(std::string_view key) {
-  for (auto prefix : shortcutPrefixes) {
-    if (key.starts_with(prefix) && key.size() > prefix.size() &&
-        std::all_of(key.begin() + static_cast<std::ptrdiff_t>(prefix.size()), key.end(),
-                    [](char c) { return std::isdigit(static_cast<unsigned char>(c)); })) {
-      return true;
-    }
-  }
-  const auto keys = all();
-  return std::find(keys.begin(), keys.end(), key) != keys.end();
+bool SettingKeys::isKnown(std::string_view key) { return expectation(key) || key.starts_with(unreadableDevicesPrefix); }
+
+std::optional<std::string> SettingKeys::problem(std::string_view key, const SettingsValue& value) {
+  const auto expected = expectation(key);
+  if (!expected) return std::nullopt;
+  const auto* number = value.as<double>();
+  const auto* integer = value.as<std::int64_t>();
+  const bool fitting = fits(expected->type, value) && (!number || expected->range.contains(*number)) &&
+                       (!integer || expected->range.contains(static_cast<double>(*integer))) &&
+                       (!expected->textCheck || expected->textCheck(*value.as<std::string>()));
+  if (fitting) return std::nullopt;
+  const auto given = SettingsJson::isWritable(value) ? SettingsJson::writeLine(value) : value.description();
+  return std::string(key) + " takes " + described(*expected) + ", not " + given + ".";
 }
 
 std::optional<std::string> SettingKeys::nearest(std::string_view key) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "foundation/SettingsValue.h"
+
 #include <optional>
 #include <string>
 #include <string_view>
@@ -13,12 +15,18 @@ namespace lb {
 // likely mistyped it.
 struct SettingKeys {
   static bool isKnown(std::string_view key);
+  // Why `value` cannot be what `key` holds: its type, or its range, from the
+  // one table of keys. None when it fits, or when `key` is not in the table.
+  static std::optional<std::string> problem(std::string_view key, const SettingsValue& value);
   // The known key that `key` is likely a misspelling of, if one is close.
   static std::optional<std::string> nearest(std::string_view key);
   // Every key of fixed name; the shortcuts' keys are this prefix and a
   // device's ID.
   static std::vector<std::string_view> all();
   static constexpr std::string_view shortcutPrefix = "shortcutDictForDevice";
+  // Device lists that could not be read are kept under this prefix and the
+  // time they were found.
+  static constexpr std::string_view unreadableDevicesPrefix = "devices.unreadable-";
 };
 
 } // namespace lb

@@ -8,7 +8,6 @@
 #include <map>
 #include <mutex>
 #include <optional>
-#include <set>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -25,39 +24,55 @@ enum class TunableRead {
 };
 
 // The values a number may take. One outside them, or no number at all, is
-// ignored with a log line when found, and refused when set through the
-// running program: an interval of 0 would spin a core.
+// ignored with a log line when found, and refused when set: an interval of 0
+// would spin a core.
 struct TunableRange {
   double minimum = -std::numeric_limits<double>::infinity();
   double maximum = std::numeric_limits<double>::infinity();
   bool contains(double value) const { return value >= minimum && value <= maximum; } // false for NaN
 };
 
+// What a setting holds, as the key table says and a stored value is checked
+// against.
+enum class SettingType { boolean, integer, number, text, textList, data, shortcut, anything };
+
 namespace tunable {
 struct Known {
-  bool numeric;
+  SettingType type;
   TunableRange range;
+  // A text must also pass this, which `form` describes; none: any text.
+  bool (*textCheck)(std::string_view) = nullptr;
+  const char* form = nullptr;
 };
 // Every tunable by its key, filled as the tunables below are defined.
 std::map<std::string_view, Known>& known();
-// Why `value` cannot be what the tunable `key` is set to; none when it can,
-// or when `key` is no tunable.
-std::optional<std::string> problem(std::string_view key, const SettingsValue& value);
+// "#rgb", "#rrggbb" (and Qt's longer forms) or a colour name.
+bool isColour(std::string_view text);
 } // namespace tunable
 
 template <class T>
 struct Tunable {
   static constexpr bool numeric = std::is_arithmetic_v<T> || std::is_same_v<T, Seconds>;
 
-  Tunable(std::string_view name, T value, TunableRead when, TunableRange valid = {})
+  Tunable(std::string_view name, T value, TunableRead when, TunableRange valid = {},
+          bool (*textCheck)(std::string_view) = nullptr, const char* form = nullptr)
       : key(name), defaultValue(std::move(value)), read(when), range(valid) {
-    tunable::known().insert_or_assign(key, tunable::Known{numeric && !std::is_same_v<T, bool>, range});
+    tunable::known().insert_or_assign(key, tunable::Known{type(), range, textCheck, form});
   }
 
   std::string_view key;
   T defaultValue;
   TunableRead read;
   TunableRange range;
+
+private:
+  static constexpr SettingType type() {
+    if constexpr (std::is_same_v<T, bool>) return SettingType::boolean;
+    else if constexpr (std::is_integral_v<T>) return SettingType::integer;
+    else if constexpr (numeric) return SettingType::number;
+    else if constexpr (std::is_same_v<T, std::string>) return SettingType::text;
+    else return SettingType::textList;
+  }
 };
 
 // Every tunable key with its type and compiled-in default. No window shows
@@ -112,7 +127,8 @@ inline const Tunable<double> NotAudioOutputFraction{"NotAudioOutputFraction", 0.
 inline const Tunable<double> StatusItemLength{"StatusItemLength", 0.0, once, {0, 1000}};
 // The colour of the tray's pictures ("white", "#303030"); empty follows the
 // desktop theme's text colour, which a tray host does not tell.
-inline const Tunable<std::string> TrayIconColor{"TrayIconColor", "", each};
+inline const Tunable<std::string> TrayIconColor{
+    "TrayIconColor", "", each, {}, isColour, "a colour name or #rrggbb, or nothing for the theme's"};
 // How long a program started with the session waits for the panel's tray.
 inline const Tunable<Seconds> TrayHostWaitInterval{"TrayHostWaitInterval", Seconds(5.0), once, {0, 120}};
 inline const Tunable<Seconds> DeviceInfoStalenessInterval{
@@ -155,33 +171,29 @@ public:
   // With a default that only the caller knows.
   template <class T>
   T operator()(const Tunable<T>& tunable, const T& fallback) const {
-    if (tunable.read != TunableRead::oncePerProcess) return read(tunable.key, fallback, tunable.range);
+    if (tunable.read != TunableRead::oncePerProcess) return read(tunable.key, fallback);
     std::lock_guard lock(mutex_);
     auto found = once_.find(tunable.key);
-    if (found == once_.end()) found = once_.emplace(tunable.key, read(tunable.key, fallback, tunable.range)).first;
+    if (found == once_.end()) found = once_.emplace(tunable.key, read(tunable.key, fallback)).first;
     return std::get<T>(found->second);
   }
 
 private:
   using Value = std::variant<bool, std::int64_t, double, Seconds, std::string, tunable::Names>;
 
-  bool read(std::string_view key, bool fallback, const TunableRange&) const;
-  std::int64_t read(std::string_view key, std::int64_t fallback, const TunableRange& range) const;
-  double read(std::string_view key, double fallback, const TunableRange& range) const;
+  // Type and range are checked where the value is read: a value that does
+  // not fit its key gives `fallback`, with a log line.
+  bool read(std::string_view key, bool fallback) const;
+  std::int64_t read(std::string_view key, std::int64_t fallback) const;
+  double read(std::string_view key, double fallback) const;
   // Durations are stored as numbers of seconds.
-  Seconds read(std::string_view key, Seconds fallback, const TunableRange& range) const {
-    return Seconds(read(key, fallback.count(), range));
-  }
-  // Whether the value is in range; one that is not is said once a key.
-  bool usable(std::string_view key, double value, const TunableRange& range) const;
-  std::string read(std::string_view key, const std::string& fallback, const TunableRange&) const;
-  tunable::Names read(std::string_view key, const tunable::Names& fallback, const TunableRange&) const;
+  Seconds read(std::string_view key, Seconds fallback) const { return Seconds(read(key, fallback.count())); }
+  std::string read(std::string_view key, const std::string& fallback) const;
+  tunable::Names read(std::string_view key, const tunable::Names& fallback) const;
 
   UserDefaults& defaults_;
   mutable std::mutex mutex_;
   mutable std::map<std::string_view, Value> once_;
-  mutable std::mutex reportedMutex_;
-  mutable std::set<std::string, std::less<>> reported_;
 };
 
 } // namespace lb

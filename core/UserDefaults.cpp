@@ -1,5 +1,6 @@
 #include "core/UserDefaults.h"
 
+#include "core/SettingKeys.h"
 #include "foundation/PXRLog.h"
 #include "foundation/SettingsJson.h"
 
@@ -40,6 +41,14 @@ std::optional<double> parseDouble(const std::string& text) {
   return value;
 }
 
+template <class T>
+SettingsValue asSettingsValue(const T& value) {
+  return SettingsValue(value);
+}
+SettingsValue asSettingsValue(const std::vector<std::string>& strings) {
+  return SettingsValue::Array(strings.begin(), strings.end());
+}
+
 std::optional<std::vector<std::string>> stringArray(const SettingsValue& value) {
   auto array = value.as<SettingsValue::Array>();
   if (!array) return std::nullopt;
@@ -69,34 +78,52 @@ UserDefaults::Arguments UserDefaults::argumentDomain(const std::vector<std::stri
   return arguments;
 }
 
+// A stored value that does not fit its key is said once and stays in the
+// file for the user to mend; the registered default applies meanwhile.
 std::optional<SettingsValue> UserDefaults::storedOrRegistered(const std::string& key) const {
-  if (auto stored = store_.value(key)) return stored;
+  if (auto stored = store_.value(key)) {
+    auto problem = SettingKeys::problem(key, *stored);
+    if (!problem) return stored;
+    if (firstReport("stored " + key)) {
+      PXR_LOG_ERROR("Ignoring the stored setting: " + *problem + " The default applies until it is set again (" +
+                    "lanternbud-ctl config set " + key + " ...).");
+    }
+  }
   std::lock_guard lock(mutex_);
   auto found = registered_.find(key);
   if (found == registered_.end()) return std::nullopt;
   return found->second;
 }
 
-// A mistyped command-line value is said once, not at every read.
-void UserDefaults::reportUnusable(const std::string& key, const std::string& text, const char* wanted) const {
-  {
-    std::lock_guard lock(mutex_);
-    if (!reported_.insert(key).second) return;
-  }
-  PXR_LOG_ERROR("Ignoring the command-line value \"" + text + "\" of -" + key + ": it is not " + wanted +
-                "; using the default.");
+bool UserDefaults::firstReport(const std::string& what) const {
+  std::lock_guard lock(mutex_);
+  return reported_.insert(what).second;
 }
 
-// The command line decides if it has the key (a value it cannot read is
-// reported once and gives the default); then the stored or registered value,
-// if it has the wanted type.
+// A mistyped command-line value is said once, not at every read.
+void UserDefaults::reportUnusable(const std::string& key, const std::string& text, const std::string& why) const {
+  if (!firstReport("argument " + key)) return;
+  PXR_LOG_ERROR("Ignoring the command-line value \"" + text + "\" of -" + key + ": " + why +
+                " The default applies for this run.");
+}
+
+// The command line decides if it has the key (a value it cannot read, or
+// that does not fit the key, is reported once and gives the default); then
+// the stored or registered value, if it has the wanted type.
 template <class T, class FromText, class FromStored>
 T UserDefaults::read(const std::string& key, const T& fallback, FromText fromText, const char* wanted,
                      FromStored fromStored) const {
   if (auto argument = arguments_.find(key); argument != arguments_.end()) {
-    if (auto parsed = fromText(argument->second)) return *parsed;
-    reportUnusable(key, argument->second, wanted);
-    return fallback;
+    auto parsed = fromText(argument->second);
+    if (!parsed) {
+      reportUnusable(key, argument->second, std::string("it is not ") + wanted + ".");
+      return fallback;
+    }
+    if (auto problem = SettingKeys::problem(key, asSettingsValue(*parsed))) {
+      reportUnusable(key, argument->second, *problem);
+      return fallback;
+    }
+    return *parsed;
   }
   auto value = storedOrRegistered(key);
   std::optional<T> stored = value ? fromStored(*value) : std::nullopt;

@@ -16,8 +16,8 @@ namespace lb {
 // The user's settings as the program reads them, from three domains in
 // order: the command line ("-Key value", for this run only), the stored
 // settings, and the registered defaults. The first domain holding a key
-// decides; a value of the wrong type there counts as absent, so the read's
-// own default applies.
+// decides; a value that does not fit the key (its type or range, from the
+// key table) is said once and counts as absent, so the default applies.
 class UserDefaults {
 public:
   using Arguments = std::map<std::string, std::string>;
@@ -61,7 +61,9 @@ public:
 
 private:
   std::optional<SettingsValue> storedOrRegistered(const std::string& key) const;
-  void reportUnusable(const std::string& key, const std::string& text, const char* wanted) const;
+  // Whether `what` is said for the first time.
+  bool firstReport(const std::string& what) const;
+  void reportUnusable(const std::string& key, const std::string& text, const std::string& why) const;
   template <class T, class FromText, class FromStored>
   T read(const std::string& key, const T& fallback, FromText fromText, const char* wanted, FromStored fromStored) const;
 

@@ -111,6 +111,10 @@ std::string SettingsJson::write(const SettingsValue& value) {
   return toJson(value).dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 
+std::string SettingsJson::writeLine(const SettingsValue& value) {
+  return toJson(value).dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
 bool SettingsJson::isWritable(const SettingsValue& value) {
   if (auto real = value.as<double>()) return std::isfinite(*real);
   if (auto array = value.as<SettingsValue::Array>()) {

@@ -19,6 +19,8 @@ struct SettingsJson {
   static std::optional<SettingsValue> parse(std::string_view text, std::string& error);
 
   static std::string write(const SettingsValue& value);
+  // The same on one line, without its end, as messages quote a value.
+  static std::string writeLine(const SettingsValue& value);
 
   // Whether `write` can keep the value exactly (no NaN or infinity).
   static bool isWritable(const SettingsValue& value);

@@ -175,6 +175,10 @@ QDBusObjectPath ScriptingService::addDevice(const QString& text) {
   }
   auto added = registry->add(*device);
   registry->synchronize();
+  if (reportedNotSaved(QString::fromStdString(added->deviceName().value_or(address->toString())) + " added as device " +
+                       QString::number(added->deviceID()))) {
+    return {};
+  }
   return QDBusObjectPath(devicePath(added->deviceID()));
 }
 
@@ -183,8 +187,10 @@ void ScriptingService::removeDevice(const QDBusObjectPath& path) {
     const auto& list = registry->deviceSettingList();
     for (std::size_t index = 0; index < list.size(); ++index) {
       if (devicePath(list[index]->deviceID()) != path.path()) continue;
+      const auto name = QString::fromStdString(list[index]->deviceName().value_or("The device"));
       registry->remove(index);
       registry->synchronize();
+      reportedNotSaved(name + " removed");
       return;
     }
   }
@@ -216,18 +222,31 @@ QString ScriptingService::setSetting(const QString& key, const QString& json) {
                            (nearest ? "; did you mean " + QString::fromStdString(*nearest) + "?" : QString(".")));
     return {};
   }
-  if (auto problem = tunable::problem(key.toStdString(), *value)) {
+  if (auto problem = SettingKeys::problem(key.toStdString(), *value)) {
     fail("InvalidValue", QString::fromStdString(*problem));
     return {};
   }
   services_.defaults.setValue(key.toStdString(), std::move(*value));
+  if (reportedNotSaved(quoted(key) + " set")) return {};
   return whenItTakesEffect(key);
 }
 
 QString ScriptingService::unsetSetting(const QString& key) {
   if (refusesWhileRunning(key)) return {};
   services_.defaults.removeValue(key.toStdString());
+  if (reportedNotSaved(quoted(key) + " unset")) return {};
   return whenItTakesEffect(key);
+}
+
+// The change stays in the running program, and the next save that works
+// writes it too; the caller must know meanwhile.
+bool ScriptingService::reportedNotSaved(const QString& done) {
+  auto problem = services_.defaults.saveProblem();
+  if (!problem) return false;
+  fail("NotSaved", done + ", but not saved: " + QString::fromStdString(*problem) +
+                       ". It applies until Lanternbud quits; once the settings can be written, the next change "
+                       "saves it.");
+  return true;
 }
 
 // Written on a worker: the bus and the tray go on meanwhile. The answer

@@ -73,6 +73,7 @@ private:
   // Outside text as error messages quote it: the first 100 characters.
   static QString quoted(const QString& text);
   bool refusesWhileRunning(const QString& key);
+  bool reportedNotSaved(const QString& done);
   QString whenItTakesEffect(const QString& key) const;
 
   QDBusConnection bus_;

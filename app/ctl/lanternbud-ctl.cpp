@@ -1,6 +1,7 @@
 // lanternbud-ctl: lists and drives the running Lanternbud's devices over its
 // scripting interface on the session bus, and reads and writes its settings.
 #include "app/ctl/ProgramClient.h"
+#include "core/SettingKeys.h"
 #include "foundation/JsonSettingsStore.h"
 #include "foundation/SettingsJson.h"
 #include "linux/report/LinuxDiagnosticReporter.h"
@@ -46,7 +47,8 @@ the only writer of the settings file; when it is not running, config writes
 the file directly.
 
 Exit status: 0 done, 1 failed (not connected in time, key not set, device
-already added), 2 usage error or malformed address, 3 no such device,
+already added, a change not saved), 2 usage error, malformed address,
+unknown key or a value the key does not take, 3 no such device,
 4 Lanternbud is not running and the session bus could not start it.
 )";
 
@@ -67,7 +69,7 @@ const std::map<std::string, std::string> commandHelp = {
                "output instead.\n"},
     {"add", "lanternbud-ctl add <address>\n\nAdds the paired device with this Bluetooth address (bluetoothctl "
             "devices Paired\nlists them) and prints its ID. Exit status 2: not an address; 3: the system knows no "
-            "such\ndevice; 1: added already.\n"},
+            "such\ndevice; 1: added already, or added but not saved (the settings cannot be written).\n"},
     {"remove", "lanternbud-ctl remove <device>\n\nTakes the device out of the tray, with its scripts and "
                "shortcut.\n"},
     {"battery", "lanternbud-ctl battery <device>\n\nPrints \"Battery Level: 85%\" or \"Battery Level: Unknown\".\n"},
@@ -81,7 +83,9 @@ const std::map<std::string, std::string> commandHelp = {
      "lanternbud-ctl config get <Key>\nlanternbud-ctl config set <Key> <value>\nlanternbud-ctl config unset <Key>\n\n"
      "Values are JSON (2, 0.5, true, \"text\", [\"a\"]); YES and NO are Booleans and any other\n"
      "word is text. A tunable that the running program has read already takes effect at its\n"
-     "next start; set says so. While it runs, devices are added and removed with add and remove.\n"},
+     "next start; set says so. While it runs, devices are added and removed with add and remove.\n"
+     "Exit status 2: an unknown key, or a value of the wrong type or out of range (the message\n"
+     "names what the key takes); 1: the change could not be saved.\n"},
 };
 
 int fail(Exit status, const std::string& message) {
@@ -239,7 +243,12 @@ int config(ProgramClient& client, const std::vector<std::string>& words) {
           {QString::fromStdString(key), QString::fromStdString(lb::SettingsJson::write(*parseValue(words[3])))});
     }
     if (action == "unset") reply = client.application("UnsetSetting", {QString::fromStdString(key)});
-    if (reply.type() == QDBusMessage::ErrorMessage) return fail(failed, reply.errorMessage().toStdString());
+    if (reply.type() == QDBusMessage::ErrorMessage) {
+      const auto error = reply.errorName().toStdString();
+      const auto kind = error.substr(error.rfind('.') + 1);
+      const bool refused = kind == "InvalidValue" || kind == "UnknownKey";
+      return fail(refused ? usageError : failed, reply.errorMessage().toStdString());
+    }
     const auto answer = reply.arguments().value(0).toString().toStdString();
     if (action == "get") std::cout << answer << "\n";
     if (answer == "nextStart") {
@@ -247,6 +256,14 @@ int config(ProgramClient& client, const std::vector<std::string>& words) {
     }
     return ok;
   }
+  // The running program's checks, so that what is written here is used.
+  const auto value = action == "set" ? parseValue(words[3]) : std::nullopt;
+  if (value && !lb::SettingKeys::isKnown(key)) {
+    const auto nearest = lb::SettingKeys::nearest(key);
+    return fail(usageError,
+                "No setting is called \"" + key + "\"" + (nearest ? "; did you mean " + *nearest + "?" : "."));
+  }
+  if (auto problem = value ? lb::SettingKeys::problem(key, *value) : std::nullopt) return fail(usageError, *problem);
   using Access = lb::JsonSettingsStore::Access;
   lb::JsonSettingsStore store(lb::JsonSettingsStore::defaultFile(),
                               action == "get" ? Access::readOnly : Access::readWrite);
@@ -254,12 +271,14 @@ int config(ProgramClient& client, const std::vector<std::string>& words) {
     return fail(failed, store.file().string() + " cannot be read, so it is not written over; make it readable first.");
   }
   if (action == "get") {
-    auto value = store.value(key);
-    if (!value) return fail(failed, "\"" + key + "\" is not set; its default applies.");
-    std::cout << lb::SettingsJson::write(*value); // ends in a line feed
+    auto stored = store.value(key);
+    if (!stored) return fail(failed, "\"" + key + "\" is not set; its default applies.");
+    std::cout << lb::SettingsJson::write(*stored); // ends in a line feed
   }
-  if (action == "set") store.setValue(key, *parseValue(words[3]));
+  if (value) store.setValue(key, *value);
   if (action == "unset") store.removeValue(key);
+  if (auto problem = store.saveProblem())
+    return fail(failed, key + " " + action + ", but not saved: " + *problem + ".");
   return ok;
 }
 

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <regex>
+
 namespace lb {
 
 namespace {
@@ -45,9 +47,18 @@ TEST(DeviceSettingManager, OneElementThatIsNotADictionaryLoadsNothing) {
   EXPECT_TRUE(registry.firstLaunch());
   EXPECT_EQ(registry.maxDeviceID(), 1);
   EXPECT_TRUE(log.contains(R"(Devices to load: [["device": "a", "deviceID": 1], "not a device"])"));
-  // Kept aside: the save at quit writes this run's empty list.
+  // Kept aside, each under a key of its own: the save at quit writes this
+  // run's empty list, and a second bad list replaces no first one.
   registry.synchronize();
-  EXPECT_EQ(store.value("devices.unreadable"), SettingsValue(SettingsValue::Array{saved(1, "a"), "not a device"}));
+  store.setValue("devices", "second");
+  DeviceSettingManager again(sim.services);
+  std::vector<std::optional<SettingsValue>> kept; // under the keys the log names
+  for (const auto& message : log.messages()) {
+    const std::regex keptUnder(R"re(kept under "(devices\.unreadable-\d{8}-\d{6}(-2)?)")re");
+    if (std::smatch match; std::regex_search(message, match, keptUnder)) kept.push_back(store.value(match[1]));
+  }
+  EXPECT_EQ(kept, (std::vector<std::optional<SettingsValue>>{SettingsValue::Array{saved(1, "a"), "not a device"},
+                                                             SettingsValue("second")}));
 
   InMemorySettingsStore empty;
   SimulatedPlatform fresh(empty);

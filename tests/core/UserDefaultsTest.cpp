@@ -51,14 +51,31 @@ TEST(UserDefaults, CommandLineTextIsReadAsTheWantedType) {
   EXPECT_TRUE(log.contains("-Bad"));
 }
 
-TEST(UserDefaults, AStoredValueOfTheWrongTypeCountsAsAbsent) {
-  InMemorySettingsStore store({{"HeadsetBattery", "85"}, {"Flag", 1}, {"Interval", 10}, {"Tries", 2.5}});
+// A stored value that does not fit its key is said once, gives the default
+// and stays in the file for the user to mend.
+TEST(UserDefaults, AStoredValueThatDoesNotFitItsKeyIsSaidAndGivesTheDefault) {
+  const SettingsValue::Dictionary wrong{{"launchAtLogin", "yes"},
+                                        {"LogConnect", "YES"},
+                                        {"MissingAudioDeviceTries", 2.5},
+                                        {"TrayIconColor", "#zzzzzz"},
+                                        {"shortcutDictForDevice1", "Ctrl+Alt+H"},
+                                        {"HeadsetBattery", "85"}};
+  InMemorySettingsStore store(wrong);
   UserDefaults defaults(store);
-  EXPECT_EQ(defaults.integerValue("HeadsetBattery", -1), -1);
-  EXPECT_FALSE(defaults.boolValue("Flag", false));
-  EXPECT_EQ(defaults.integerValue("Tries", 5), 5);
-  EXPECT_DOUBLE_EQ(defaults.doubleValue("Interval", 1), 10.0); // a whole number of seconds is fine
-  EXPECT_EQ(defaults.stringArrayValue("HeadsetBattery", {"d"}), std::vector<std::string>{"d"});
+  defaults.registerDefaults({{"launchAtLogin", false}});
+  test::CapturedLog log;
+  for (int twice = 0; twice < 2; ++twice) {
+    EXPECT_FALSE(defaults.boolValue("launchAtLogin", true));
+    EXPECT_TRUE(defaults.boolValue("LogConnect", true));
+    EXPECT_EQ(defaults.integerValue("MissingAudioDeviceTries", 5), 5);
+    EXPECT_EQ(defaults.stringValue("TrayIconColor", ""), "");
+    EXPECT_EQ(defaults.object("shortcutDictForDevice1"), std::nullopt);
+    EXPECT_EQ(defaults.integerValue("HeadsetBattery", -1), -1); // no key of ours: silently absent
+  }
+  EXPECT_EQ(log.messages().size(), 5u);
+  EXPECT_TRUE(log.contains("Ignoring the stored setting: MissingAudioDeviceTries takes a whole number"));
+  EXPECT_TRUE(log.contains("lanternbud-ctl config set TrayIconColor"));
+  for (const auto& [key, value] : wrong) EXPECT_EQ(store.value(key), value) << key;
 }
 
 TEST(Tunables, ReadOnceKeysKeepTheirFirstValueAndOthersFollowTheSettings) {
@@ -103,14 +120,15 @@ TEST(Tunables, OutOfRangeValuesAreIgnoredAndUnknownKeysHaveNeighbours) {
   EXPECT_EQ(tunables(tunable::ConnectionUpdateTimerInterval), Seconds(1.0));
   EXPECT_DOUBLE_EQ(tunables(tunable::NotAudioOutputFraction), 0.25);
   EXPECT_DOUBLE_EQ(tunables(tunable::NotAudioOutputFraction), 0.25);
-  int told = 0;
-  for (const auto& message : log.messages()) told += message.starts_with("Ignoring the setting NotAudioOutputFraction");
-  EXPECT_EQ(told, 1);
+  EXPECT_EQ(log.messages().size(), 2u);
+  EXPECT_TRUE(log.contains("ConnectionUpdateTimerInterval takes a number from 0.05"));
 
-  EXPECT_TRUE(tunable::problem("ConnectionUpdateTimerInterval", SettingsValue(0.0)));
-  EXPECT_TRUE(tunable::problem("MissingAudioDeviceTries", SettingsValue(1e308)));
-  EXPECT_FALSE(tunable::problem("ConnectionUpdateTimerInterval", SettingsValue(std::int64_t{2})));
-  EXPECT_FALSE(tunable::problem("LogConnect", SettingsValue(true)));
+  EXPECT_TRUE(SettingKeys::problem("ConnectionUpdateTimerInterval", SettingsValue(0.0)));
+  EXPECT_TRUE(SettingKeys::problem("MissingAudioDeviceTries", SettingsValue(1e308)));
+  EXPECT_FALSE(SettingKeys::problem("ConnectionUpdateTimerInterval", SettingsValue(std::int64_t{2})));
+  EXPECT_EQ(SettingKeys::problem("LogConnect", SettingsValue("on")), "LogConnect takes true or false, not \"on\".");
+  EXPECT_FALSE(SettingKeys::problem("TrayIconColor", SettingsValue("#30303a")));
+  EXPECT_FALSE(SettingKeys::problem("Frobnicate", SettingsValue(1)));
 
   EXPECT_TRUE(SettingKeys::isKnown("LogConnect"));
   EXPECT_TRUE(SettingKeys::isKnown("ManualConnectionAudioOutputWindow"));
