@@ -47,8 +47,8 @@ void PXRLogger::addSink(std::shared_ptr<LogSink> sink) {
   sinks_.push_back(std::move(sink));
 }
 
-std::string PXRLogger::trimmedLog(std::string_view data) {
-  const std::size_t excess = data.size() > logFileLimit ? data.size() - logFileLimit : 0;
+std::string PXRLogger::trimmedLog(std::string_view data, std::size_t keep) {
+  const std::size_t excess = data.size() > keep ? data.size() - keep : 0;
   std::string kept;
   kept.reserve(data.size() - excess + 1);
   std::size_t dropped = 0;

@@ -39,12 +39,13 @@ public:
   static void keepEarlyLine(LogLine line);
   void replayEarlyLines();
 
-  // A log file at least this large is trimmed when it is attached.
+  // A log file at least this large is trimmed when it is attached, and
+  // while it is written.
   static constexpr std::size_t logFileLimit = 524'288;
 
-  // Drops whole lines from the front until at least `size - logFileLimit`
-  // bytes are gone. Empty lines vanish and every kept line ends in a line feed.
-  static std::string trimmedLog(std::string_view data);
+  // Drops whole lines from the front until at least `size - keep` bytes are
+  // gone. Empty lines vanish and every kept line ends in a line feed.
+  static std::string trimmedLog(std::string_view data, std::size_t keep = logFileLimit);
 
 private:
   AreaSwitch areaSwitch_;

@@ -11,6 +11,24 @@
 
 namespace lb {
 
+namespace {
+
+// The file's lines without the oldest, so that at most `keep` bytes are left.
+Result<> trimmed(const std::filesystem::path& path, std::size_t keep) {
+  auto content = AtomicFile::read(path);
+  if (!content) return Failure{"reading " + path.string() + " to trim it: " + content.failure().reason};
+  if (auto written = AtomicFile::write(path, PXRLogger::trimmedLog(content.value(), keep), 0600); !written) {
+    return Failure{"trimming " + path.string() + ": " + written.failure().reason};
+  }
+  return {};
+}
+
+int openForAppending(const std::filesystem::path& path) {
+  return ::open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0600);
+}
+
+} // namespace
+
 std::shared_ptr<LogFileSink> LogFileSink::open(const std::filesystem::path& path, std::string& error) {
   std::error_code directoryError;
   std::filesystem::create_directories(path.parent_path(), directoryError);
@@ -21,25 +39,24 @@ std::shared_ptr<LogFileSink> LogFileSink::open(const std::filesystem::path& path
   std::error_code sizeError;
   auto size = std::filesystem::file_size(path, sizeError);
   if (!sizeError && size >= PXRLogger::logFileLimit) {
-    auto content = AtomicFile::read(path);
-    if (!content) {
-      error = "reading " + path.string() + " to trim it: " + content.failure().reason;
-      return nullptr;
-    }
-    if (auto written = AtomicFile::write(path, PXRLogger::trimmedLog(content.value()), 0600); !written) {
-      error = "trimming " + path.string() + ": " + written.failure().reason;
+    if (auto done = trimmed(path, PXRLogger::logFileLimit); !done) {
+      error = done.failure().reason;
       return nullptr;
     }
   }
-  int descriptor = ::open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0600);
+  int descriptor = openForAppending(path);
   if (descriptor < 0) {
     error = "opening " + path.string() + ": " + std::strerror(errno);
     return nullptr;
   }
-  return std::shared_ptr<LogFileSink>(new LogFileSink(descriptor));
+  size = std::filesystem::file_size(path, sizeError);
+  return std::shared_ptr<LogFileSink>(new LogFileSink(path, descriptor, sizeError ? 0 : size));
 }
 
-LogFileSink::~LogFileSink() { ::close(descriptor_); }
+LogFileSink::~LogFileSink() {
+  for (const auto& summary : repeats_.flush()) append(summary);
+  ::close(descriptor_);
+}
 
 std::string LogFileSink::format(const LogLine& line) {
   auto since = line.time.time_since_epoch();
@@ -59,9 +76,29 @@ std::string LogFileSink::format(const LogLine& line) {
 }
 
 void LogFileSink::write(const LogLine& line) {
+  for (const auto& kept : repeats_.take(line)) append(kept);
+}
+
+void LogFileSink::append(const LogLine& line) {
   // A failed write is dropped: logging never fails its caller.
   auto text = format(line);
-  [[maybe_unused]] auto written = ::write(descriptor_, text.data(), text.size());
+  if (auto written = ::write(descriptor_, text.data(), text.size()); written > 0) size_ += written;
+  if (size_ >= PXRLogger::logFileLimit) trim();
+}
+
+// Trimmed to three quarters of the limit, so that a busy log is read and
+// written again once every 128 KiB, not at every line. The file is replaced:
+// lines go to the new one. A failure leaves the file growing, and is tried
+// again a limit later.
+void LogFileSink::trim() {
+  size_ = 0;
+  if (!trimmed(path_, PXRLogger::logFileLimit / 4 * 3)) return;
+  const int reopened = openForAppending(path_);
+  if (reopened < 0) return;
+  ::close(descriptor_);
+  descriptor_ = reopened;
+  std::error_code error;
+  size_ = std::filesystem::file_size(path_, error);
 }
 
 } // namespace lb

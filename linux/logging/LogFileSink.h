@@ -1,5 +1,6 @@
 #pragma once
 
+#include "foundation/LogRepeatFolder.h"
 #include "foundation/LogSink.h"
 
 #include <filesystem>
@@ -9,7 +10,9 @@
 namespace lb {
 
 // Appends each log line to a file with a single write, so lines stay whole
-// even with other writers on the file.
+// even with other writers on the file. The file never grows past the
+// logger's limit: at the limit it is trimmed to three quarters of it, at
+// once, and a line met again within seconds is folded.
 class LogFileSink final : public LogSink {
 public:
   // Opens the file for appending, creating it (and its folder) when needed.
@@ -27,8 +30,15 @@ public:
   static std::string format(const LogLine& line);
 
 private:
-  explicit LogFileSink(int descriptor) : descriptor_(descriptor) {}
+  LogFileSink(std::filesystem::path path, int descriptor, std::uintmax_t size)
+      : path_(std::move(path)), descriptor_(descriptor), size_(size) {}
+  void append(const LogLine& line);
+  void trim();
+
+  std::filesystem::path path_;
   int descriptor_;
+  std::uintmax_t size_;
+  LogRepeatFolder repeats_;
 };
 
 } // namespace lb

@@ -24,7 +24,7 @@ TEST(OurLogFile, LinesFromEightThreadsLandWholeInTheStateFolder) {
   std::vector<std::thread> threads;
   for (int t = 0; t < 8; ++t) {
     threads.emplace_back([t] {
-      for (int i = 0; i < 500; ++i) PXR_LOG(connectLog(), "thread", t, "line", i, std::string(200, 'x'));
+      for (int i = 0; i < 150; ++i) PXR_LOG(connectLog(), "thread", t, "line", i, std::string(200, 'x'));
     });
   }
   for (auto& thread : threads) thread.join();
@@ -45,7 +45,7 @@ TEST(OurLogFile, LinesFromEightThreadsLandWholeInTheStateFolder) {
   for (std::string line; std::getline(lines, line); ++count) {
     ASSERT_TRUE(isWhole(line)) << "line " << count << ": " << line.substr(0, 120);
   }
-  EXPECT_EQ(count, 8 * 500);
+  EXPECT_EQ(count, 8 * 150); // under the limit: none trimmed
 }
 
 TEST(LinuxLogger, AnAreaSwitchedOnForOneRunWritesToTheLogFile) {
@@ -83,6 +83,24 @@ TEST(OurLogFile, AFileAtTheLimitIsTrimmedWhenAttached) {
   test::writeFile(file, "short\n");
   ASSERT_TRUE(LogFileSink::open(file, error));
   EXPECT_EQ(test::readFile(file), "short\n"); // under the limit: left alone
+
+  // While written, never past the limit however long the lines; a line met
+  // again within seconds is folded.
+  auto running = LogFileSink::open(file, error);
+  const auto start = std::chrono::system_clock::now();
+  for (int i = 0; i < 50; ++i) {
+    running->write({start, "f.cpp", 1, "f", "LogConnect", std::to_string(i) + std::string(100'000, 'n')});
+    ASSERT_LE(std::filesystem::file_size(file), PXRLogger::logFileLimit) << i;
+  }
+  for (int i = 0; i < 1000; ++i) running->write({start + std::chrono::milliseconds(i), "f.cpp", 2, "f", {}, "Flap"});
+  running->write({start + std::chrono::seconds(6), "f.cpp", 3, "f", {}, "Later"});
+  running.reset();
+  const auto content = test::readFile(file);
+  EXPECT_NE(content.find("f.cpp:2 f: Flap\n"), std::string::npos);
+  EXPECT_NE(content.find("f.cpp:2 f: … repeated 999 times: Flap\n"), std::string::npos);
+  EXPECT_NE(content.find("f.cpp:3 f: Later\n"), std::string::npos);
+  EXPECT_NE(content.find("49nnn"), std::string::npos);
+  EXPECT_LT(content.size(), PXRLogger::logFileLimit);
 }
 
 TEST(OurLogFile, AnUnwritablePlaceIsReportedNotFatal) {
