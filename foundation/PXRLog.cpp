@@ -15,8 +15,10 @@ bool PXRLog::isEnabled() const {
   return logger && logger->isEnabledForArea(area_);
 }
 
+// Every line is one line, whatever its text took in from outside.
 void PXRLog::write(std::string message, std::source_location site) const {
   if (disabled_) return;
+  message = pxrPrintable(message);
   if (auto logger = PXRLogger::sharedLogger()) {
     logger->log(site.file_name(), site.line(), site.function_name(), area_, std::move(message));
   } else if (!area_) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <charconv>
 #include <concepts>
 #include <cstdint>
@@ -50,6 +51,48 @@ inline std::string pxrQuoted(std::string_view text) {
     quoted += c;
   }
   return quoted + "\"";
+}
+
+// The text with its control characters (C0, DEL and C1) written as escapes,
+// so that text from outside (a device's name, a script's output) can neither
+// begin a line of its own nor drive a terminal: "\n", "\t", "\r", and
+// "\u001b" for the others. The escapes are JSON's too, so JSON text stays JSON.
+inline std::string pxrPrintable(std::string_view text) {
+  static constexpr char digits[] = "0123456789abcdef";
+  const auto escaped = [](unsigned code) {
+    if (code == '\n') return std::string("\\n");
+    if (code == '\t') return std::string("\\t");
+    if (code == '\r') return std::string("\\r");
+    return std::string("\\u00") + digits[code >> 4] + digits[code & 0xf];
+  };
+  std::string printable;
+  printable.reserve(text.size());
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const auto byte = static_cast<unsigned char>(text[i]);
+    const auto next = i + 1 < text.size() ? static_cast<unsigned char>(text[i + 1]) : 0u;
+    if (byte < 0x20 || byte == 0x7f) {
+      printable += escaped(byte);
+    } else if (byte == 0xc2 && next >= 0x80 && next <= 0x9f) { // U+0080 to U+009F in UTF-8
+      printable += escaped(next);
+      ++i;
+    } else {
+      printable += text[i];
+    }
+  }
+  return printable;
+}
+
+// As pxrPrintable, line by line: the line feeds stay, so that a text of
+// many lines (JSON as written, a file) keeps them.
+inline std::string pxrPrintableLines(std::string_view text) {
+  std::string printable;
+  for (std::size_t start = 0; start < text.size();) {
+    const auto end = std::min(text.find('\n', start), text.size());
+    printable += pxrPrintable(text.substr(start, end - start));
+    if (end < text.size()) printable += '\n';
+    start = end + 1;
+  }
+  return printable;
 }
 
 // One value as text; `nested` values sit inside a collection, where strings

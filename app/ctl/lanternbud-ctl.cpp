@@ -3,6 +3,7 @@
 #include "app/ctl/ProgramClient.h"
 #include "core/SettingKeys.h"
 #include "foundation/JsonSettingsStore.h"
+#include "foundation/Printing.h"
 #include "foundation/SettingsJson.h"
 #include "linux/report/LinuxDiagnosticReporter.h"
 #include "scripting/BusNames.h"
@@ -88,8 +89,10 @@ const std::map<std::string, std::string> commandHelp = {
      "names what the key takes); 1: the change could not be saved.\n"},
 };
 
+// What the program says quotes names from outside (a device may call itself
+// anything): no control character reaches the terminal.
 int fail(Exit status, const std::string& message) {
-  std::cerr << "lanternbud-ctl: " << message << "\n";
+  std::cerr << "lanternbud-ctl: " << lb::pxrPrintable(message) << "\n";
   return status;
 }
 
@@ -121,13 +124,13 @@ int list(ProgramClient& client, bool json) {
   auto all = nlohmann::json::array();
   for (const auto& path : client.devices()) all.push_back(asJson(client.properties(path.path())));
   if (json) {
-    std::cout << all.dump(2) << "\n";
+    std::cout << lb::pxrPrintableLines(all.dump(2)) << "\n";
     return ok;
   }
   std::printf("%-4s %-24s %-18s %-13s %s\n", "ID", "NAME", "ADDRESS", "STATE", "BATTERY");
   for (const auto& device : all) {
     auto text = [&](const char* key) {
-      return device[key].is_null() ? std::string("-") : device[key].get<std::string>();
+      return device[key].is_null() ? std::string("-") : lb::pxrPrintable(device[key].get<std::string>());
     };
     const auto level = device["batteryLevel"];
     std::printf("%-4lld %-24s %-18s %-13s %s\n", device["id"].get<long long>(), text("name").c_str(),
@@ -153,7 +156,7 @@ int show(ProgramClient& client, const QString& path) {
     auto value = it.value();
     std::string text = value.typeId() == QMetaType::QByteArray
                            ? std::to_string(value.toByteArray().size()) + " bytes of PNG"
-                           : value.toString().toStdString();
+                           : lb::pxrPrintable(value.toString().toStdString());
     if (value.typeId() == QMetaType::Bool) text = value.toBool() ? "true" : "false";
     std::cout << it.key().toStdString() << ": " << text << "\n";
   }
@@ -163,7 +166,7 @@ int show(ProgramClient& client, const QString& path) {
 // Asks the device to connect, disconnect or toggle, then (with `wait`)
 // waits for the change that the program announces.
 int request(ProgramClient& client, const QString& path, const std::string& command, bool wait) {
-  const auto name = client.property(path, "Name").toString().toStdString();
+  const auto name = lb::pxrPrintable(client.property(path, "Name").toString().toStdString());
   client.watch(path);
   const QString method = command == "connect" ? "Connect" : command == "disconnect" ? "Disconnect" : "Toggle";
   auto reply = client.device(path, method);
@@ -207,13 +210,13 @@ int add(ProgramClient& client, const std::string& address) {
   }
   const auto path = reply.arguments().value(0).value<QDBusObjectPath>().path();
   const auto device = client.properties(path);
-  std::cout << "Added " << device.value("Name").toString().toStdString() << " as device "
+  std::cout << "Added " << lb::pxrPrintable(device.value("Name").toString().toStdString()) << " as device "
             << device.value("ID").toLongLong() << ".\n";
   return ok;
 }
 
 int remove(ProgramClient& client, const QString& path) {
-  const auto name = client.property(path, "Name").toString().toStdString();
+  const auto name = lb::pxrPrintable(client.property(path, "Name").toString().toStdString());
   auto reply = client.application("RemoveDevice", {QVariant::fromValue(QDBusObjectPath(path))});
   if (reply.type() == QDBusMessage::ErrorMessage) return fail(failed, reply.errorMessage().toStdString());
   std::cout << "Removed " << name << ".\n";
@@ -250,7 +253,7 @@ int config(ProgramClient& client, const std::vector<std::string>& words) {
       return fail(refused ? usageError : failed, reply.errorMessage().toStdString());
     }
     const auto answer = reply.arguments().value(0).toString().toStdString();
-    if (action == "get") std::cout << answer << "\n";
+    if (action == "get") std::cout << lb::pxrPrintableLines(answer) << "\n";
     if (answer == "nextStart") {
       std::cout << key << " is read once per run: the change takes effect when Lanternbud starts again.\n";
     }
@@ -258,10 +261,8 @@ int config(ProgramClient& client, const std::vector<std::string>& words) {
   }
   // The running program's checks, so that what is written here is used.
   const auto value = action == "set" ? parseValue(words[3]) : std::nullopt;
-  if (value && !lb::SettingKeys::isKnown(key)) {
-    const auto nearest = lb::SettingKeys::nearest(key);
-    return fail(usageError,
-                "No setting is called \"" + key + "\"" + (nearest ? "; did you mean " + *nearest + "?" : "."));
+  if (auto unknown = value ? lb::SettingKeys::whyUnknown(key) : lb::SettingKeys::tooLong(key)) {
+    return fail(usageError, *unknown);
   }
   if (auto problem = value ? lb::SettingKeys::problem(key, *value) : std::nullopt) return fail(usageError, *problem);
   using Access = lb::JsonSettingsStore::Access;
@@ -273,7 +274,7 @@ int config(ProgramClient& client, const std::vector<std::string>& words) {
   if (action == "get") {
     auto stored = store.value(key);
     if (!stored) return fail(failed, "\"" + key + "\" is not set; its default applies.");
-    std::cout << lb::SettingsJson::write(*stored); // ends in a line feed
+    std::cout << lb::pxrPrintableLines(lb::SettingsJson::write(*stored)); // ends in a line feed
   }
   if (value) store.setValue(key, *value);
   if (action == "unset") store.removeValue(key);
@@ -353,7 +354,7 @@ int run(const std::vector<std::string>& words) {
   if (!path) return status;
   if (command == "show") return show(client, *path);
   if (command == "battery") {
-    std::cout << client.property(*path, "BatteryLevelString").toString().toStdString() << "\n";
+    std::cout << lb::pxrPrintable(client.property(*path, "BatteryLevelString").toString().toStdString()) << "\n";
     return ok;
   }
   if (command == "remove") return remove(client, *path);

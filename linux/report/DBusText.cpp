@@ -1,5 +1,7 @@
 #include "linux/report/DBusText.h"
 
+#include "foundation/Printing.h"
+
 #include <QDBusArgument>
 #include <QDBusObjectPath>
 #include <QDBusSignature>
@@ -46,8 +48,10 @@ QString dbusText(const QVariant& value) {
   if (type == qMetaTypeId<QDBusObjectPath>()) return value.value<QDBusObjectPath>().path();
   if (type == qMetaTypeId<QDBusSignature>()) return value.value<QDBusSignature>().signature();
   if (type == QMetaType::QByteArray) return QString::fromLatin1(value.toByteArray().toHex(' '));
-  if (type == QMetaType::QStringList) return "[" + value.toStringList().join(", ") + "]";
-  return value.toString();
+  // A device's name is outside text: it must not begin a line of the report.
+  const auto printable = [](const QString& text) { return QString::fromStdString(pxrPrintable(text.toStdString())); };
+  if (type == QMetaType::QStringList) return printable("[" + value.toStringList().join(", ") + "]");
+  return printable(value.toString());
 }
 
 } // namespace lb

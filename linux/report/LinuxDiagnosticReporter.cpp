@@ -65,7 +65,7 @@ Result<void> LinuxDiagnosticReporter::saveReport(const std::filesystem::path& de
     progress(0, steps, std::string(translatable("Collecting the log files")));
     // A log file that is not there (the helper never ran) is left out.
     for (const auto& file : sources_.logFiles) {
-      if (auto text = contents(file)) items.push_back({file.filename().string(), masked(*text), {}});
+      if (auto text = contents(file)) items.push_back({file.filename().string(), masked(pxrPrintableLines(*text)), {}});
     }
     throwIfCancelled(cancelled);
     progress(1, steps, std::string(translatable("Asking BlueZ about the adapters and paired devices")));

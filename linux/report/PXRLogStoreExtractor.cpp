@@ -1,5 +1,6 @@
 #include "linux/report/PXRLogStoreExtractor.h"
 
+#include "foundation/Printing.h"
 #include "linux/report/ReportCancelled.h"
 
 #include <systemd/sd-journal.h>
@@ -96,10 +97,6 @@ PXRLogStoreExtractor::Entry PXRLogStoreExtractor::entry() {
   entry.sender = firstOf(journal_, {"_EXE", "_COMM"});
   entry.subsystem = firstOf(journal_, {"PXR_AREA", "_SYSTEMD_USER_UNIT", "_SYSTEMD_UNIT"});
   entry.message = field(journal_, "MESSAGE");
-  // One entry, one line.
-  for (auto& c : entry.message) {
-    if (c == '\n' || c == '\r') c = ' ';
-  }
   return entry;
 }
 
@@ -112,8 +109,9 @@ std::string PXRLogStoreExtractor::string(const Entry& entry) {
   const auto length = std::strftime(date, sizeof date, "%Y-%m-%d %H:%M:%S", &local);
   char fraction[8];
   std::snprintf(fraction, sizeof fraction, ".%03d", static_cast<int>(milliseconds));
-  return std::string(date, length) + fraction + ' ' + pxrFixedWidthName(entry.priority) + ' ' + entry.process + " (" +
-         entry.sender + ") [" + entry.subsystem + "] " + entry.message;
+  // One entry, one line, whatever any process wrote.
+  return std::string(date, length) + fraction + ' ' + pxrFixedWidthName(entry.priority) + ' ' +
+         pxrPrintable(entry.process + " (" + entry.sender + ") [" + entry.subsystem + "] " + entry.message);
 }
 
 std::string PXRLogStoreExtractor::pxrName(std::optional<int> priority) {

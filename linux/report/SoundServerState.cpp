@@ -1,5 +1,6 @@
 #include "linux/report/SoundServerState.h"
 
+#include "foundation/Printing.h"
 #include "linux/report/ReportCancelled.h"
 
 #include <pulse/pulseaudio.h>
@@ -16,12 +17,18 @@ struct Query {
   int pending = 0;
 };
 
-std::string properties(pa_proplist* list) {
-  std::unique_ptr<char, decltype(&pa_xfree)> text(pa_proplist_to_string_sep(list, "\n      "), pa_xfree);
-  return text ? "      " + std::string(text.get()) + "\n" : std::string();
-}
+// Names and properties are outside text: none may begin a line of its own.
+std::string named(const char* text) { return text ? pxrPrintable(text) : ""; }
 
-std::string named(const char* text) { return text ? text : ""; }
+std::string properties(pa_proplist* list) {
+  std::string text;
+  void* state = nullptr;
+  while (const char* key = pa_proplist_iterate(list, &state)) {
+    const char* value = pa_proplist_gets(list, key); // none for a binary value
+    text += "      " + named(key) + " = \"" + (value ? named(value) : "(binary)") + "\"\n";
+  }
+  return text;
+}
 
 // Counts a request until its answer's end.
 void awaiting(Query& query, pa_operation* operation) {

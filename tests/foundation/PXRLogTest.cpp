@@ -60,6 +60,13 @@ TEST(PXRLog, ErrorsAreWrittenWithEveryAreaOff) {
   PXR_LOG_ERROR("joined", std::optional<int>(), 7);
   EXPECT_EQ(log.messages(), (std::vector<std::string>{"plain", "joined nil 7"}));
   EXPECT_FALSE(log.lines().front().area);
+
+  // Outside text (a device's name) can neither begin a line nor drive a
+  // terminal: C0, DEL and C1 are escaped, other text stays.
+  PXR_LOG_ERROR("Mouse\n2026-11-24 09:41:07.250 [error] FORGED\x1b[2J\x1b]0;pwned\a\x7f\u009b Köln\t");
+  EXPECT_EQ(log.messages().back(),
+            "Mouse\\n2026-11-24 09:41:07.250 [error] FORGED\\u001b[2J\\u001b]0;pwned\\u0007\\u007f\\u009b Köln\\t");
+  EXPECT_EQ(pxrPrintableLines("a\x1b\nb\n"), "a\\u001b\nb\n");
 }
 
 TEST(PXRLog, WithoutASharedLoggerEveryCallReturnsQuietly) {
