@@ -1,5 +1,7 @@
 #include "foundation/BluetoothAddress.h"
 
+#include <algorithm>
+
 namespace lb {
 
 namespace {
@@ -36,17 +38,27 @@ std::optional<BluetoothAddress> BluetoothAddress::findIn(std::string_view text) 
   return std::nullopt;
 }
 
+// Also twelve hexadecimal digits standing alone ("001D43A00002"): a number
+// of that form masked by mistake costs less than an address left whole.
 std::string BluetoothAddress::masked(std::string_view text) {
+  constexpr std::size_t compactLength = 12;
   std::string result(text);
+  // Within a longer run of hexadecimal digits (a key, a hash) there is no
+  // address.
+  const auto alone = [&](std::size_t start, std::size_t length) {
+    return start + length <= result.size() && (start == 0 || hexValue(result[start - 1]) < 0) &&
+           (start + length == result.size() || hexValue(result[start + length]) < 0);
+  };
   std::size_t start = 0;
-  while (start + textLength <= result.size()) {
-    // Within a longer run of hexadecimal digits (a key, a hash) there is no
-    // address.
-    const bool alone = (start == 0 || hexValue(result[start - 1]) < 0) &&
-                       (start + textLength == result.size() || hexValue(result[start + textLength]) < 0);
-    if (alone && parse(std::string_view(result).substr(start, textLength))) {
+  while (start + compactLength <= result.size()) {
+    const auto compact = std::string_view(result).substr(start, compactLength);
+    if (alone(start, textLength) && parse(std::string_view(result).substr(start, textLength))) {
       for (std::size_t at = start + 9; at < start + textLength; at += 3) result.replace(at, 2, "XX");
       start += textLength;
+    } else if (alone(start, compactLength) &&
+               std::all_of(compact.begin(), compact.end(), [](char c) { return hexValue(c) >= 0; })) {
+      result.replace(start + 6, 6, "XXXXXX");
+      start += compactLength;
     } else {
       ++start;
     }

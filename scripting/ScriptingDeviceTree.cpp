@@ -80,6 +80,10 @@ ScriptingDeviceObject* ScriptingDeviceTree::device(const QString& path) const {
 QDBusMessage ScriptingDeviceTree::answer(const QDBusMessage& message, ScriptingDeviceObject& device) const {
   const auto* method = ScriptingDeviceObject::method(message.member());
   if (method && (message.interface().isEmpty() || message.interface() == bus::deviceInterface)) {
+    if (!message.signature().isEmpty()) {
+      return error(message, QDBusError::InvalidArgs,
+                   message.member() + " takes no arguments, not (" + message.signature() + ").");
+    }
     auto outcome = device.call(*method);
     if (!outcome) return error(message, QDBusError::UnknownObject, "The device " + message.path() + " is gone.");
     return message.createReply(ScriptingDeviceObject::describe(*outcome));
@@ -89,6 +93,13 @@ QDBusMessage ScriptingDeviceTree::answer(const QDBusMessage& message, ScriptingD
                  "A device has the methods Connect, Disconnect and Toggle, and properties: use " + propertiesInterface +
                      ".Get, GetAll or Set.");
   }
+  static const QMap<QString, QString> takes{{"Get", "ss"}, {"GetAll", "s"}, {"Set", "ssv"}};
+  const auto member = message.member();
+  if (!takes.contains(member)) return error(message, QDBusError::UnknownMethod, "No method " + member + ".");
+  if (message.signature() != takes[member]) {
+    return error(message, QDBusError::InvalidArgs,
+                 member + " takes (" + takes[member] + "), not (" + message.signature() + ").");
+  }
   const auto arguments = message.arguments();
   const auto interface = arguments.value(0).toString();
   if (interface != bus::deviceInterface) {
@@ -96,13 +107,11 @@ QDBusMessage ScriptingDeviceTree::answer(const QDBusMessage& message, ScriptingD
   }
   // A client asked: battery values are read if stale.
   const auto values = device.values(BatteryReading::ifStale);
-  const auto member = message.member();
   if (member == "GetAll") return message.createReply(QVariant::fromValue(values));
   const auto name = arguments.value(1).toString();
   const auto* property = ScriptingDeviceObject::property(name);
   if (!property) return error(message, QDBusError::UnknownProperty, "A device has no property \"" + name + "\".");
   if (member == "Get") return message.createReply(QVariant::fromValue(QDBusVariant(values.value(name))));
-  if (member != "Set") return error(message, QDBusError::UnknownMethod, "No method " + member + ".");
   if (!property->set) {
     return error(message, QDBusError::PropertyReadOnly,
                  name + " is read-only; only " + writableNames() + " can be set.");

@@ -2,11 +2,15 @@
 
 #include "core/SettingKeys.h"
 #include "foundation/BluetoothAddress.h"
+#include "foundation/PXRLog.h"
 #include "foundation/SettingsJson.h"
 #include "scripting/ScriptingDeviceObject.h"
 
 #include <QDBusAbstractAdaptor>
+#include <QDBusConnectionInterface>
 #include <QDBusMessage>
+#include <QDBusServiceWatcher>
+#include <QPointer>
 #include <QTimer>
 
 namespace lb {
@@ -55,7 +59,9 @@ ScriptingService::ScriptingService(QDBusConnection bus, AppDelegate& app, Servic
 }
 
 ScriptingService::~ScriptingService() {
-  reportsCancelled_->store(true);
+  for (const auto& report : reports_) {
+    if (auto cancelled = report.lock()) cancelled->store(true);
+  }
   listening_.reset();
   bus_.unregisterObject(bus::deviceRoot);
   bus_.unregisterObject(bus::applicationPath);
@@ -198,6 +204,7 @@ void ScriptingService::removeDevice(const QDBusObjectPath& path) {
 }
 
 QString ScriptingService::getSetting(const QString& key) {
+  if (refusesLongKey(key)) return {};
   auto value = services_.defaults.object(key.toStdString());
   if (!value) {
     fail("NotSet", "\"" + key + "\" is not set; its default applies.");
@@ -207,19 +214,15 @@ QString ScriptingService::getSetting(const QString& key) {
 }
 
 QString ScriptingService::setSetting(const QString& key, const QString& json) {
-  std::string error;
-  auto value = SettingsJson::parse(json.toStdString(), error);
-  if (key.isEmpty() || !value) {
-    fail("InvalidValue", key.isEmpty()
-                             ? QString("The key is empty.")
-                             : "\"" + quoted(json) + "\" is no settings value: " + QString::fromStdString(error));
+  if (auto unknown = SettingKeys::whyUnknown(key.toStdString())) {
+    fail("UnknownKey", QString::fromStdString(*unknown));
     return {};
   }
   if (refusesWhileRunning(key)) return {};
-  if (!SettingKeys::isKnown(key.toStdString())) {
-    auto nearest = SettingKeys::nearest(key.toStdString());
-    fail("UnknownKey", "No setting is called \"" + quoted(key) + "\"" +
-                           (nearest ? "; did you mean " + QString::fromStdString(*nearest) + "?" : QString(".")));
+  std::string error;
+  auto value = SettingsJson::parse(json.toStdString(), error);
+  if (!value) {
+    fail("InvalidValue", "\"" + quoted(json) + "\" is no settings value: " + QString::fromStdString(error));
     return {};
   }
   if (auto problem = SettingKeys::problem(key.toStdString(), *value)) {
@@ -232,7 +235,7 @@ QString ScriptingService::setSetting(const QString& key, const QString& json) {
 }
 
 QString ScriptingService::unsetSetting(const QString& key) {
-  if (refusesWhileRunning(key)) return {};
+  if (refusesLongKey(key) || refusesWhileRunning(key)) return {};
   services_.defaults.removeValue(key.toStdString());
   if (reportedNotSaved(quoted(key) + " unset")) return {};
   return whenItTakesEffect(key);
@@ -250,19 +253,36 @@ bool ScriptingService::reportedNotSaved(const QString& done) {
 }
 
 // Written on a worker: the bus and the tray go on meanwhile. The answer
-// comes when the file is whole.
+// comes when the file is whole. A caller that leaves (Ctrl-C, killed) takes
+// its report with it: it stops and leaves nothing.
 void ScriptingService::saveDiagnosticReport(const QString& path, bool maskAddresses) {
   if (!path.startsWith('/')) {
     fail("InvalidPath", "\"" + quoted(path) + "\" is not an absolute path; the report needs one.");
     return;
   }
   setDelayedReply(true);
+  const auto caller = message().service();
+  auto cancelled = std::make_shared<std::atomic<bool>>(false);
+  std::erase_if(reports_, [](const auto& report) { return report.expired(); });
+  reports_.push_back(cancelled);
+  QPointer watcher = new QDBusServiceWatcher(caller, bus_, QDBusServiceWatcher::WatchForUnregistration, this);
+  const auto callerLeft = [caller, cancelled] {
+    if (cancelled->exchange(true)) return;
+    PXR_LOG_ERROR("The caller of the diagnostic report (" + caller.toStdString() + ") left; stopping the report.");
+  };
+  connect(watcher, &QDBusServiceWatcher::serviceUnregistered, this, callerLeft);
+  // It may have left before the watch began.
+  if (!bus_.interface()->isServiceRegistered(caller)) callerLeft();
   services_.loop.runBlocking(
-      [&reporter = reporter_, destination = path.toStdString(), maskAddresses, cancelled = reportsCancelled_] {
+      [&reporter = reporter_, destination = path.toStdString(), maskAddresses, cancelled] {
         return reporter.saveReport(
             destination, maskAddresses, [](int, int, const std::string&) {}, *cancelled);
       },
-      [bus = bus_, request = message()](const Result<void>& result) mutable {
+      [bus = bus_, request = message(), watcher, path, cancelled](const Result<void>& result) mutable {
+        if (watcher) watcher->deleteLater();
+        if (!result && *cancelled) {
+          PXR_LOG_ERROR("The diagnostic report to " + path.toStdString() + " was cancelled; nothing was saved.");
+        }
         bus.send(result ? request.createReply()
                         : request.createErrorReply(QString(bus::errorPrefix) + "ReportFailed",
                                                    QString::fromStdString(result.failure().reason)));
@@ -274,6 +294,12 @@ QString ScriptingService::whenItTakesEffect(const QString& key) const {
 }
 
 // The running program owns the device list and writes it at quit.
+bool ScriptingService::refusesLongKey(const QString& key) {
+  auto refusal = SettingKeys::tooLong(key.toStdString());
+  if (refusal) fail("UnknownKey", QString::fromStdString(*refusal));
+  return refusal.has_value();
+}
+
 bool ScriptingService::refusesWhileRunning(const QString& key) {
   if (key != "devices") return false;
   fail("ReadOnly", "The device list changes only by adding and removing devices while Lanternbud runs: "

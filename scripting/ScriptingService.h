@@ -11,9 +11,11 @@
 #include <QObject>
 #include <QVariantMap>
 
+#include <atomic>
 #include <map>
-#include <set>
 #include <memory>
+#include <set>
+#include <vector>
 
 namespace lb {
 
@@ -72,6 +74,7 @@ private:
   void fail(const char* error, const QString& message);
   // Outside text as error messages quote it: the first 100 characters.
   static QString quoted(const QString& text);
+  bool refusesLongKey(const QString& key);
   bool refusesWhileRunning(const QString& key);
   bool reportedNotSaved(const QString& done);
   QString whenItTakesEffect(const QString& key) const;
@@ -80,8 +83,9 @@ private:
   AppDelegate& app_;
   Services& services_;
   DiagnosticReporter& reporter_;
-  // Set when the service goes: a report still being written stops.
-  std::shared_ptr<std::atomic<bool>> reportsCancelled_ = std::make_shared<std::atomic<bool>>(false);
+  // The reports being written, each stopped when its caller leaves or the
+  // service goes.
+  std::vector<std::weak_ptr<std::atomic<bool>>> reports_;
   ScriptingDeviceTree::Objects objects_;
   ScriptingDeviceTree tree_{objects_};
   QList<QDBusObjectPath> shownList_;

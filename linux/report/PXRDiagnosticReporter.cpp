@@ -6,6 +6,7 @@
 #include <archive_entry.h>
 
 #include <cerrno>
+#include <climits>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
@@ -13,6 +14,7 @@
 #include <fstream>
 #include <memory>
 #include <stdexcept>
+#include <string_view>
 #include <unistd.h>
 
 namespace lb {
@@ -72,9 +74,18 @@ std::string PXRDiagnosticReporter::folderName(const std::filesystem::path& desti
 
 void PXRDiagnosticReporter::saveReport(const std::filesystem::path& destination, const std::vector<Item>& items,
                                        const std::atomic<bool>& cancelled) {
+  // A device node or a folder is never replaced by the report.
+  std::error_code statusError;
+  const auto type = std::filesystem::status(destination, statusError).type();
+  if (type != std::filesystem::file_type::not_found && type != std::filesystem::file_type::regular) {
+    throw std::runtime_error(destination.string() + " exists and is not a file; choose a file name");
+  }
   auto folder = destination.parent_path();
   if (folder.empty()) folder = ".";
-  std::string partial = (folder / ("." + destination.filename().string() + ".partial-XXXXXX")).string();
+  // Within the longest name the folder takes, whatever the report's own.
+  constexpr std::size_t marks = std::string_view("..partial-XXXXXX").size();
+  const auto name = destination.filename().string().substr(0, NAME_MAX - marks);
+  std::string partial = (folder / ("." + name + ".partial-XXXXXX")).string();
   int fd = mkstemp(partial.data());
   if (fd < 0) throw std::runtime_error("cannot write to " + folder.string() + ": " + std::strerror(errno));
   try {

@@ -9,7 +9,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstring>
 #include <map>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
 
 namespace lb {
 
@@ -98,6 +102,35 @@ TEST(Report, SaysWhatBluetoothAndSoundWereDoingWithAddressesMasked) {
   EXPECT_NE(program.logText().find("Error saving diagnostic report: cannot write to"), std::string::npos);
   auto left = std::distance(std::filesystem::directory_iterator(out.path()), std::filesystem::directory_iterator());
   EXPECT_EQ(left, 3) << "direct.tar.gz, Lanternbud Report.tar.gz and a file, no partial archive";
+
+  // A caller that leaves (Ctrl-C, killed) takes its report along. Here a
+  // sound server that never answers keeps the report waiting until it does.
+  program.process().terminate();
+  ASSERT_TRUE(program.process().waitForFinished(10000));
+  const auto silentServer = out / "silent";
+  const int silent = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  sockaddr_un address{};
+  address.sun_family = AF_UNIX;
+  std::strncpy(address.sun_path, silentServer.c_str(), sizeof address.sun_path - 1);
+  ASSERT_EQ(bind(silent, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+  ASSERT_EQ(listen(silent, 16), 0);
+  program.setVariable("PULSE_SERVER", QString::fromStdString("unix:" + silentServer.string()));
+  ASSERT_TRUE(program.start());
+  {
+    auto caller = session.connect("caller");
+    auto call = QDBusMessage::createMethodCall("org.lanternbud.Lanternbud", "/org/lanternbud/Lanternbud",
+                                               "org.lanternbud.Lanternbud", "SaveDiagnosticReport");
+    call << QString::fromStdString(out / "left.tar.gz") << true;
+    caller.send(call);
+    caller.interface()->isServiceRegistered("org.lanternbud.Lanternbud"); // the call is out before the caller goes
+    QDBusConnection::disconnectFromBus(caller.name());
+  }
+  EXPECT_TRUE(test::waitUntil([&] {
+    return program.logText().find("was cancelled; nothing was saved") != std::string::npos;
+  })) << program.logText();
+  left = std::distance(std::filesystem::directory_iterator(out.path()), std::filesystem::directory_iterator());
+  EXPECT_EQ(left, 4) << "the socket beside the three, no report";
+  close(silent);
 }
 
 } // namespace lb

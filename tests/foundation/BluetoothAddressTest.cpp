@@ -38,8 +38,10 @@ TEST(BluetoothAddress, MasksTheSecondHalfOfEveryAddressInAText) {
             "/org/bluez/hci0/dev_00_1B_66_XX_XX_XX/service0001");
   EXPECT_EQ(BluetoothAddress::masked("hid-f0:99:b6:11:22:33-battery"), "hid-f0:99:b6:XX:XX:XX-battery");
   EXPECT_EQ(BluetoothAddress::masked("00:1B:66:AA:BB:CC"), "00:1B:66:XX:XX:XX");
+  EXPECT_EQ(BluetoothAddress::masked("Speaker 001D43A00002, 001d43a00002"), "Speaker 001D43XXXXXX, 001d43XXXXXX");
   // Hexadecimal that only looks like an address in part stays as it is.
-  for (auto text : {"key 3f00:1B:66:AA:BB:CC", "00:1B:66:AA:BB:CCe", "AA:BB-CC:DD:EE:0F", "0000110b-0000-1000"}) {
+  for (auto text : {"key 3f00:1B:66:AA:BB:CC", "00:1B:66:AA:BB:CCe", "AA:BB-CC:DD:EE:0F", "0000110b-0000-1000",
+                    "hash 0001D43A00002f"}) {
     EXPECT_EQ(BluetoothAddress::masked(text), text);
   }
 }

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+
 namespace lb {
 
 // Cancelled at its last step, while the archive is begun: nothing is left
@@ -30,9 +32,23 @@ TEST(DiagnosticReporter, ACancelledReportLeavesNothing) {
   EXPECT_EQ(left, 1) << "only the log file";
 
   cancelled = false;
-  EXPECT_TRUE(reporter.saveReport(
-      folder / "report.tar.gz", true, [](int, int, const std::string&) {}, cancelled));
+  const auto save = [&](const std::filesystem::path& file) {
+    return reporter.saveReport(
+        file, true, [](int, int, const std::string&) {}, cancelled);
+  };
+  EXPECT_TRUE(save(folder / "report.tar.gz"));
   EXPECT_TRUE(std::filesystem::exists(folder / "report.tar.gz"));
+
+  // Any name the folder takes is taken; a FIFO (like a device node) in the
+  // way is refused and stays.
+  const auto longest = folder / (std::string(248, 'r') + ".tar.gz");
+  EXPECT_TRUE(save(longest));
+  EXPECT_TRUE(std::filesystem::is_regular_file(longest));
+  ASSERT_EQ(mkfifo((folder / "fifo").c_str(), 0600), 0);
+  auto refused = save(folder / "fifo");
+  ASSERT_FALSE(refused);
+  EXPECT_EQ(refused.failure().reason, (folder / "fifo").string() + " exists and is not a file; choose a file name");
+  EXPECT_TRUE(std::filesystem::is_fifo(folder / "fifo"));
 }
 
 } // namespace lb
