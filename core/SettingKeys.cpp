@@ -130,11 +130,29 @@ std::optional<std::string> SettingKeys::problem(std::string_view key, const Sett
                        (!integer || expected->range.contains(static_cast<double>(*integer))) &&
                        (!expected->textCheck || expected->textCheck(*value.as<std::string>()));
   if (fitting) return std::nullopt;
-  const auto given = SettingsJson::isWritable(value) ? SettingsJson::writeLine(value) : value.description();
+  auto given = SettingsJson::isWritable(value) ? SettingsJson::writeLine(value) : value.description();
+  if (given.size() > 100) given = given.substr(0, 100) + "…";
   return std::string(key) + " takes " + described(*expected) + ", not " + given + ".";
 }
 
+std::optional<std::string> SettingKeys::tooLong(std::string_view key) {
+  if (key.size() <= maximumLength) return std::nullopt;
+  return "No setting has a name of " + std::to_string(key.size()) + " bytes; none is longer than " +
+         std::to_string(maximumLength) + ".";
+}
+
+std::optional<std::string> SettingKeys::whyUnknown(std::string_view key) {
+  if (key.empty()) return "The key is empty.";
+  if (auto refusal = tooLong(key)) return refusal;
+  if (isKnown(key)) return std::nullopt;
+  const auto near = nearest(key);
+  return "No setting is called \"" + std::string(key) + "\"" + (near ? "; did you mean " + *near + "?" : ".");
+}
+
+// The edit distance takes the product of the lengths: a name longer than any
+// key has no neighbour worth that.
 std::optional<std::string> SettingKeys::nearest(std::string_view key) {
+  if (key.size() > maximumLength) return std::nullopt;
   std::optional<std::string> best;
   std::size_t bestDistance = std::max<std::size_t>(2, key.size() / 4) + 1;
   for (auto known : all()) {

@@ -18,8 +18,14 @@ struct SettingKeys {
   // Why `value` cannot be what `key` holds: its type, or its range, from the
   // one table of keys. None when it fits, or when `key` is not in the table.
   static std::optional<std::string> problem(std::string_view key, const SettingsValue& value);
+  // Why `key` names no setting (empty, too long, or unknown, with the key it
+  // is likely a misspelling of); none when it is known.
+  static std::optional<std::string> whyUnknown(std::string_view key);
+  // Refuses a name longer than any key at once, before any work on it.
+  static std::optional<std::string> tooLong(std::string_view key);
   // The known key that `key` is likely a misspelling of, if one is close.
   static std::optional<std::string> nearest(std::string_view key);
+  static constexpr std::size_t maximumLength = 256;
   // Every key of fixed name; the shortcuts' keys are this prefix and a
   // device's ID.
   static std::vector<std::string_view> all();

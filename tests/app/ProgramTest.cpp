@@ -6,6 +6,7 @@
 
 #include <QDBusArgument>
 #include <QDBusMessage>
+#include <QDBusPendingCall>
 #include <QDBusObjectPath>
 #include <QDBusVariant>
 #include <QElapsedTimer>
@@ -139,8 +140,10 @@ TEST_F(ProgramTest, ConnectingAHeadsetMakesItTheSoundOutput) {
 
 // While the program runs, the device list changes only by adding and
 // removing, which save at once; a removed device takes its scripts along.
+// A name that would forge a log line or drive the terminal does neither.
 TEST_F(ProgramTest, DevicesAreAddedAndRemovedWhileItRuns) {
-  system.bluez("/", "org.bluez.Mock", "AddDevice", {"hci0", "A0:B1:C2:D3:E4:F5", "Desk Speaker"});
+  const QString forging = "Desk Speaker\n2026-11-24 09:41:07.250 [error] FORGED\x1b[2J";
+  system.bluez("/", "org.bluez.Mock", "AddDevice", {"hci0", "A0:B1:C2:D3:E4:F5", forging});
   system.bluez("/", "org.bluez.Mock", "PairDevice", {"hci0", "A0:B1:C2:D3:E4:F5", 0x240414});
   ASSERT_TRUE(program->start());
   EXPECT_EQ(program->ctl({"add", "A0:B1:C2"}).status, 2);
@@ -156,7 +159,10 @@ TEST_F(ProgramTest, DevicesAreAddedAndRemovedWhileItRuns) {
   test::writeFile(folder, "");
   auto added = program->ctl({"add", "a0:b1:c2:d3:e4:f5"});
   EXPECT_EQ(added.status, 1);
-  EXPECT_NE(added.errors.find("Desk Speaker added as device 4, but not saved: "), std::string::npos) << added.errors;
+  EXPECT_NE(added.errors.find("Desk Speaker\\n2026-11-24 09:41:07.250 [error] FORGED\\u001b[2J added as device 4, but "
+                              "not saved: "),
+            std::string::npos)
+      << added.errors;
   std::filesystem::remove(folder);
   std::filesystem::rename(folder.string() + ".away", folder);
   auto saved = [&] { return nlohmann::json::parse(std::ifstream(program->settingsFile()))["devices"].size(); };
@@ -170,7 +176,10 @@ TEST_F(ProgramTest, DevicesAreAddedAndRemovedWhileItRuns) {
   EXPECT_EQ(refused.status, 1);
   EXPECT_NE(refused.errors.find("lanternbud-ctl add"), std::string::npos) << refused.errors;
 
-  EXPECT_EQ(program->ctl({"remove", "Desk Speaker"}).status, 0);
+  const auto listed = program->ctl({"list"}).output + program->ctl({"list", "--json"}).output;
+  EXPECT_EQ(listed.find('\x1b'), std::string::npos) << listed;
+  EXPECT_EQ(program->logText().find("\n2026-11-24 09:41:07.250"), std::string::npos);
+  EXPECT_EQ(program->ctl({"remove", "4"}).status, 0);
   EXPECT_EQ(saved(), 3u);
   EXPECT_FALSE(std::filesystem::exists(program->scriptsFolder() / "4.connected"));
   EXPECT_EQ(program->ctl({"show", "4"}).status, 3);
@@ -282,6 +291,22 @@ TEST_F(ProgramTest, TheScriptingInterfaceSaysWhatWasWrong) {
   EXPECT_EQ(scripting.call(aliased, QDBus::Block, 5000).errorName(), "org.freedesktop.DBus.Error.UnknownObject");
   EXPECT_EQ(program->ctl({"connect"}).status, 2);
   EXPECT_EQ(program->ctl({"frobnicate"}).status, 2);
+
+  auto connect = QDBusMessage::createMethodCall("org.lanternbud.Lanternbud", "/org/lanternbud/Lanternbud/Device/1",
+                                                "org.lanternbud.Lanternbud.Device", "Connect");
+  connect << "x";
+  EXPECT_EQ(scripting.call(connect, QDBus::Block, 5000).errorName(), "org.freedesktop.DBus.Error.InvalidArgs");
+  // A key longer than any is refused at once: the next call is answered.
+  auto huge = QDBusMessage::createMethodCall("org.lanternbud.Lanternbud", "/org/lanternbud/Lanternbud",
+                                             "org.lanternbud.Lanternbud", "SetSetting");
+  huge << QString(2'000'000, 'k') << "1";
+  auto refusing = scripting.asyncCall(huge);
+  auto next = QDBusMessage::createMethodCall("org.lanternbud.Lanternbud", "/org/lanternbud/Lanternbud",
+                                             "org.lanternbud.Lanternbud", "GetSetting");
+  next << "LogConnect";
+  EXPECT_EQ(scripting.call(next, QDBus::Block, 5000).errorName(), "org.lanternbud.Lanternbud.Error.NotSet");
+  refusing.waitForFinished();
+  EXPECT_EQ(refusing.error().name(), "org.lanternbud.Lanternbud.Error.UnknownKey");
 
   auto set = QDBusMessage::createMethodCall("org.lanternbud.Lanternbud", "/org/lanternbud/Lanternbud/Device/1",
                                             "org.freedesktop.DBus.Properties", "Set");
