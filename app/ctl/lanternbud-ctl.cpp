@@ -166,7 +166,9 @@ int show(ProgramClient& client, const QString& path) {
 // Asks the device to connect, disconnect or toggle, then (with `wait`)
 // waits for the change that the program announces.
 int request(ProgramClient& client, const QString& path, const std::string& command, bool wait) {
-  const auto name = lb::pxrPrintable(client.property(path, "Name").toString().toStdString());
+  // A device the system does not know has no name: its ID stands in.
+  auto name = lb::pxrPrintable(client.property(path, "Name").toString().toStdString());
+  if (name.empty()) name = "device " + std::to_string(client.property(path, "ID").toLongLong());
   client.watch(path);
   const QString method = command == "connect" ? "Connect" : command == "disconnect" ? "Disconnect" : "Toggle";
   auto reply = client.device(path, method);
@@ -187,7 +189,8 @@ int request(ProgramClient& client, const QString& path, const std::string& comma
     return fail(failed, name + " is set to connection-only: Lanternbud does not disconnect it.");
   }
   if (outcome == "noDevice") {
-    return fail(failed, "the system has no Bluetooth device at " + name + "'s address; is it still paired?");
+    return fail(failed, "the system has no Bluetooth device for " + name +
+                            "; is it still paired (bluetoothctl devices Paired)?");
   }
   const bool target = outcome == "connecting";
   std::cout << (target ? "Connecting " : "Disconnecting ") << name << (wait ? "..." : ".") << std::endl;

@@ -12,6 +12,10 @@
 #include <QDBusPendingReply>
 #include <QDBusReply>
 #include <QDBusServiceWatcher>
+#include <QTimer>
+
+#include <algorithm>
+#include <utility>
 
 namespace lb {
 
@@ -53,10 +57,27 @@ BluezBluetooth::BluezBluetooth(QDBusConnection bus) : bus_(std::move(bus)) {
   QDBusReply<BluezObjectMap> reply = bus_.call(call, QDBus::Block, 3000);
   if (reply.isValid()) {
     rebuild(reply.value());
-  } else {
+  } else if (!retryIfStalled(reply.error().name())) {
     pxrLogError("BlueZ is not available (" + reply.error().name().toStdString() +
                 "); Bluetooth devices appear when bluetoothd starts.");
   }
+}
+
+// A bluetoothd that is stopped or busy keeps its bus name, so no new owner
+// will say when it is back: it is asked again, at growing intervals, until
+// it answers. One that left the bus is awaited by the watcher instead.
+bool BluezBluetooth::retryIfStalled(const QString& errorName) {
+  if (errorName != "org.freedesktop.DBus.Error.NoReply" && errorName != "org.freedesktop.DBus.Error.Timeout" &&
+      errorName != "org.freedesktop.DBus.Error.TimedOut") {
+    return false;
+  }
+  if (retryMilliseconds_ == firstRetryMilliseconds) {
+    pxrLogError("BlueZ does not answer (" + errorName.toStdString() +
+                "); Lanternbud asks again at growing intervals, and the devices appear when it answers.");
+  }
+  QTimer::singleShot(retryMilliseconds_, this, [this] { reload(); });
+  retryMilliseconds_ = std::min(retryMilliseconds_ * 2, 30'000);
+  return true;
 }
 
 BluezBluetooth::~BluezBluetooth() = default;
@@ -71,8 +92,15 @@ void BluezBluetooth::reload() {
   auto* pending = new QDBusPendingCallWatcher(bus_.asyncCall(call), this);
   connect(pending, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher* finished) {
     QDBusPendingReply<BluezObjectMap> reply = *finished;
-    if (reply.isValid()) rebuild(reply.value());
     finished->deleteLater();
+    if (!reply.isValid()) {
+      retryIfStalled(reply.error().name());
+      return;
+    }
+    if (std::exchange(retryMilliseconds_, firstRetryMilliseconds) != firstRetryMilliseconds) {
+      pxrLogError("BlueZ answers again; its devices are read.");
+    }
+    rebuild(reply.value());
   });
 }
 

@@ -19,7 +19,8 @@ namespace lb {
 // (GetManagedObjects once, then InterfacesAdded, InterfacesRemoved and
 // PropertiesChanged) and answers every query from the mirror: idle, it sends
 // nothing. When bluetoothd leaves the bus, lookups find nothing; when it
-// returns, the mirror is rebuilt. Lives on the main thread.
+// returns, or answers again after not answering, the mirror is rebuilt.
+// Lives on the main thread.
 class BluezBluetooth final : public QObject, public Bluetooth {
   Q_OBJECT
 
@@ -53,6 +54,10 @@ private:
 
   void rebuild(const BluezObjectMap& objects);
   void reload();
+  // Whether the error is one of a bluetoothd that does not answer, and so
+  // another reload is on its way.
+  bool retryIfStalled(const QString& errorName);
+  static constexpr int firstRetryMilliseconds = 1000;
 
   QDBusConnection bus_;
   std::shared_ptr<BluezMirror> mirror_ = std::make_shared<BluezMirror>();
@@ -60,6 +65,7 @@ private:
   std::map<std::uint64_t, Subscription> subscriptions_;
   std::uint64_t nextSubscription_ = 0;
   Listeners<> pairingListeners_;
+  int retryMilliseconds_ = firstRetryMilliseconds;
 };
 
 } // namespace lb

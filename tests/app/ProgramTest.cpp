@@ -386,14 +386,17 @@ TEST_F(ProgramTest, BadSettingsAreKeptSaidAndNeverStopTheStart) {
 
   test::writeFile(file, std::string(R"({"devices": [{"deviceID": -4, "device": ")") + headsetAddress +
                             R"("}, {"deviceID": 9223372036854775807, "device": ")" + keyboardAddress +
-                            R"("}, {"deviceID": "1", "device": ")" + silentHeadsetAddress + "\"}]}");
+                            R"("}, {"deviceID": "1", "device": ")" + silentHeadsetAddress +
+                            R"("}, {"device": "11:22:33:44:55:66"}]})");
   ASSERT_TRUE(program->start());
   auto list = program->ctl({"list", "--json"});
   EXPECT_EQ(list.status, 0) << list.errors;
   std::set<long long> IDs;
   for (const auto& device : nlohmann::json::parse(list.output)) IDs.insert(device["id"].get<long long>());
-  EXPECT_EQ(IDs, (std::set<long long>{1, 2, 3}));
+  EXPECT_EQ(IDs, (std::set<long long>{1, 2, 3, 4}));
   EXPECT_NE(program->ctl({"show", keyboardAddress}).output.find("Name: K380 Keyboard"), std::string::npos);
+  EXPECT_NE(program->ctl({"connect", "4"}).errors.find("no Bluetooth device for device 4; is it still paired"),
+            std::string::npos);
   program->process().terminate();
   ASSERT_TRUE(program->process().waitForFinished(10000));
 

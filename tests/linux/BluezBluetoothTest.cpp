@@ -167,6 +167,15 @@ TEST_F(BluezTest, ABluetoothdRestartIsFollowed) {
   populate();
   EXPECT_TRUE(test::waitUntil([&] { return bluetooth->deviceWithAddressString("00-1b-66-aa-bb-cc") != nullptr; }));
   EXPECT_TRUE(pxrIsSuccess(onWorker([&] { return held->openConnection(); })));
+
+  // Stopped while the program starts, it keeps its name and answers
+  // nothing: it is asked again until it answers.
+  bus.pauseBluez(true);
+  BluezBluetooth starting(bus.connect("starting"));
+  EXPECT_TRUE(log.contains("BlueZ does not answer (org.freedesktop.DBus.Error.NoReply)"));
+  bus.pauseBluez(false);
+  EXPECT_TRUE(test::waitUntil([&] { return starting.deviceWithAddressString(headsetAddress) != nullptr; }));
+  EXPECT_TRUE(log.contains("BlueZ answers again"));
 }
 
 TEST_F(BluezTest, ABatteryLevelComesFromTheMirror) {

@@ -8,6 +8,7 @@
 #include <QVariantMap>
 
 #include <algorithm>
+#include <csignal>
 #include <filesystem>
 
 namespace lb::test {
@@ -165,6 +166,10 @@ void PrivateBus::killBluez() {
   bluez_->kill();
   bluez_->waitForFinished(5000);
   bluez_.reset();
+}
+
+void PrivateBus::pauseBluez(bool paused) {
+  if (bluez_) ::kill(static_cast<pid_t>(bluez_->processId()), paused ? SIGSTOP : SIGCONT);
 }
 
 QDBusMessage PrivateBus::bluez(const QString& path, const QString& interface, const QString& method,

@@ -42,6 +42,9 @@ public:
   bool bluezConnected(const std::string& address);
   // Kills it, as a crash of bluetoothd would.
   void killBluez();
+  // Stops it (SIGSTOP) or lets it go on: a stopped daemon keeps its name
+  // and answers nothing.
+  void pauseBluez(bool paused);
 
   // A method call on the BlueZ model; the reply (or error) message.
   QDBusMessage bluez(const QString& path, const QString& interface, const QString& method,
