@@ -55,6 +55,7 @@ public:
   void setCurrent(const Device& device);
   // Told, on any thread, when the system's devices or defaults change.
   void setChangeHandler(std::function<void()> handler) { hardware_.setChangeHandler(std::move(handler)); }
+  bool serverAnswers() const { return hardware_.serverAnswers(); }
 
 protected:
   AudioHardware& hardware_;

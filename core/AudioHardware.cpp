@@ -2,6 +2,8 @@
 
 #include "foundation/PXRLog.h"
 
+#include <algorithm>
+
 namespace lb {
 
 std::optional<std::string> AudioHardware::pxrAudioDeviceName(AudioDeviceID id) const {
@@ -23,6 +25,26 @@ std::optional<bool> AudioHardware::pxrAudioDeviceIsSpeaker(AudioDeviceID id) con
   if (read.status != 0)
     PXR_LOG_ERROR("Error getting speaker status for id " + std::to_string(id) + ": " + std::to_string(read.status));
   return read.value;
+}
+
+void AudioHardware::setChangeHandler(std::function<void()> handler) {
+  if (!handler) return system_.setChangeHandler({});
+  system_.setChangeHandler([this, handler = std::move(handler)] {
+    forgetDevicesThatLeft();
+    handler();
+  });
+}
+
+void AudioHardware::forgetDevicesThatLeft() {
+  auto present = system_.deviceIDs();
+  std::sort(present.begin(), present.end());
+  std::lock_guard lock(presentMutex_);
+  for (auto id : present_) {
+    if (std::binary_search(present.begin(), present.end(), id)) continue;
+    deviceNamesCache_.remove(id);
+    deviceUIDsCache_.remove(id);
+  }
+  present_ = std::move(present);
 }
 
 } // namespace lb

@@ -36,6 +36,14 @@ void OutputFixer::didFailToSetAudioOutput() {
   const State current = state();
   PXR_LOG(outputFixerLog(), "Failed to set audio output with state", current, deviceSetting_.description());
   if (!services_.tunables(tunable::WorkAroundMissingAudioDevice)) return;
+  // Without a sound server no reconnection brings the output: the device
+  // stays connected, and any repair under way ends.
+  if (!services_.outputDeviceManager.serverAnswers()) {
+    PXR_LOG_ERROR("No sound server answers, so", deviceSetting_.description(),
+                  "stays connected without being made the sound output.");
+    setOk("no sound server answers");
+    return;
+  }
 
   switch (current.kind) {
   case State::Kind::waitingToDisconnect:
@@ -67,7 +75,8 @@ void OutputFixer::didFailToSetAudioOutput() {
 // output again is the repair, and the connection stays.
 void OutputFixer::closeUnlessListed(DeviceSetting& setting) {
   if (setting.isAudioOutput() != false || setting.isPotentialAudioOutput() != true) {
-    PXR_LOG(outputFixerLog(), "Skipping retry because audio output is now correct");
+    // Correct, or not to be known: either way this repair is over.
+    if (state().kind == State::Kind::waitingToDisconnect) setOk("audio output is now correct or cannot be known");
   } else if (services_.outputDeviceManager.isPotentialOutput(setting)) {
     PXR_LOG(outputFixerLog(), "Setting audio output again because its device is listed now:", setting.description());
     setting.tracker().setDefaultAudioOutput();

@@ -38,6 +38,10 @@ public:
   virtual AudioRead<std::uint32_t> transportType(AudioDeviceID id) const = 0;
   virtual AudioRead<bool> hasOutputStreams(AudioDeviceID id) const = 0;
 
+  // Whether a sound server answers. Without one there are no devices and no
+  // default to set, and reconnecting a headset cannot bring its output.
+  virtual bool serverAnswers() const = 0;
+
   virtual std::optional<AudioDeviceID> defaultDevice(AudioDirection direction) const = 0;
   // The status of the request; 0 when the system took it.
   virtual std::int32_t setDefaultDevice(AudioDirection direction, AudioDeviceID id) = 0;

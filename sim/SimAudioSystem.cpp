@@ -49,6 +49,11 @@ AudioRead<bool> SimAudioSystem::hasOutputStreams(AudioDeviceID id) const {
   return {0, found->second.output};
 }
 
+bool SimAudioSystem::serverAnswers() const {
+  std::lock_guard lock(mutex_);
+  return serverAnswers_;
+}
+
 std::optional<AudioDeviceID> SimAudioSystem::defaultDevice(AudioDirection direction) const {
   std::lock_guard lock(mutex_);
   if (unreadable_) return std::nullopt;
@@ -104,6 +109,17 @@ void SimAudioSystem::setOutcome(SetOutcome outcome) {
   std::lock_guard lock(mutex_);
   outcome_ = outcome;
   unreadable_ = false;
+}
+
+void SimAudioSystem::stopServer() {
+  {
+    std::lock_guard lock(mutex_);
+    serverAnswers_ = false;
+    devices_.clear();
+    defaultOutput_.reset();
+    defaultInput_.reset();
+  }
+  changed();
 }
 
 void SimAudioSystem::failNameReads(AudioDeviceID id, std::int32_t status) {

@@ -28,6 +28,7 @@ public:
   AudioRead<std::string> serialNumber(AudioDeviceID id) const override;
   AudioRead<std::uint32_t> transportType(AudioDeviceID id) const override;
   AudioRead<bool> hasOutputStreams(AudioDeviceID id) const override;
+  bool serverAnswers() const override;
   std::optional<AudioDeviceID> defaultDevice(AudioDirection direction) const override;
   std::int32_t setDefaultDevice(AudioDirection direction, AudioDeviceID id) override;
 
@@ -37,6 +38,8 @@ public:
   // The system switches by itself.
   void makeDefault(AudioDirection direction, std::optional<AudioDeviceID> id);
   void setOutcome(SetOutcome outcome);
+  // No sound server: no devices, no defaults, as when none runs on Linux.
+  void stopServer();
   // Reads of this device's name fail with `status`.
   void failNameReads(AudioDeviceID id, std::int32_t status);
   int setCalls(AudioDirection direction) const;
@@ -51,6 +54,7 @@ private:
   std::optional<AudioDeviceID> defaultInput_;
   SetOutcome outcome_ = SetOutcome::takes;
   bool unreadable_ = false;
+  bool serverAnswers_ = true;
   std::map<AudioDirection, int> setCalls_;
   mutable int nameReads_ = 0;
 };

@@ -39,10 +39,10 @@ public:
   AudioRead<std::string> serialNumber(AudioDeviceID id) const override;
   AudioRead<std::uint32_t> transportType(AudioDeviceID id) const override;
   AudioRead<bool> hasOutputStreams(AudioDeviceID id) const override;
+  bool serverAnswers() const override { return ready_; }
   std::optional<AudioDeviceID> defaultDevice(AudioDirection direction) const override;
   std::int32_t setDefaultDevice(AudioDirection direction, AudioDeviceID id) override;
 
-  bool isConnected() const { return ready_; }
   // Every request sent to the server so far, for the idle benchmark.
   std::uint64_t requestsSent() const { return requests_; }
   // Every connection to the server tried so far.

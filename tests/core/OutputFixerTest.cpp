@@ -70,10 +70,18 @@ TEST(OutputFixer, TheDelayedCloseIsSkippedUnlessTheOutputIsStillWrong) {
   d.sim.loop.advance(0.99);
   EXPECT_FALSE(log.contains("Skipping retry"));
   d.sim.loop.advance(0.01);
-  // Nothing says this device could be an output, so nothing is closed.
-  EXPECT_TRUE(log.contains("Skipping retry because audio output is now correct"));
+  // Nothing says this device could be an output, so nothing is closed, and
+  // the repair is over.
+  EXPECT_TRUE(log.contains("Setting state to .ok because audio output is now correct or cannot be known"));
+  EXPECT_FALSE(d.setting->outputFixer().isRetrying());
   d.sim.loop.advance(5);
   EXPECT_EQ(d.device->disconnectCalls(), 0);
+
+  // Without a sound server no repair begins.
+  d.sim.audio.stopServer();
+  d.setting->outputFixer().didFailToSetAudioOutput();
+  EXPECT_EQ(d.setting->outputFixer().state(), State::ok());
+  EXPECT_TRUE(log.contains("No sound server answers, so <DeviceSetting: Headset> stays connected"));
 }
 
 TEST(OutputFixer, AManualDisconnectDuringARepairIsAnOrdinaryDisconnection) {

@@ -120,7 +120,7 @@ TEST(PulseAudioAway, NoServerMeansNoDevicesAndAFewAttempts) {
   auto started = std::chrono::steady_clock::now();
   auto audio = std::make_unique<PulseAudioSystem>("unix:" + (folder / "none").string());
   EXPECT_LT(std::chrono::steady_clock::now() - started, std::chrono::seconds(10)); // it ends at all
-  EXPECT_FALSE(audio->isConnected());
+  EXPECT_FALSE(audio->serverAnswers());
   EXPECT_TRUE(audio->deviceIDs().empty());
   EXPECT_TRUE(log.contains("No sound server answers"));
   std::this_thread::sleep_for(std::chrono::seconds(2));
@@ -168,6 +168,16 @@ TEST_F(PulseAudioTest, TheOutputManagerFindsAndSetsAHeadset) {
   EXPECT_FALSE(outputs.isCurrent(headset));
   outputs.setCurrent(headset); // throws unless the server confirms it
   EXPECT_TRUE(outputs.isCurrent(headset));
+
+  // The sink's name comes again, for another headset: what was read of the
+  // first is not used for it.
+  outputs.setChangeHandler([] {});
+  pulse.pactl("unload-module " + headsetModule);
+  ASSERT_TRUE(test::eventually([&] { return !find("WH Headset"); }));
+  pulse.loadBluetoothSink("headset", "66:77:88:99:AA:BB", "Other Headset");
+  ASSERT_TRUE(test::eventually([&] { return find("Other Headset").has_value(); }));
+  EXPECT_FALSE(outputs.isPotentialOutput(headset));
+  outputs.setChangeHandler({});
 }
 
 } // namespace lb
