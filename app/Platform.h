@@ -51,6 +51,8 @@ public:
   DiagnosticReporter& reporter() { return reporter_; }
   // The demo's world; none on the real platform.
   DemoWorld* demoWorld() const { return demo_.get(); }
+  // Scripts still running end with the program (SIGTERM, SIGKILL after 2 s).
+  void endScripts() { scriptRunner_.endRunning(Seconds(2)); }
   // Whether the workers (connects, disconnects) finished within `limit`.
   bool waitForWorkers(Seconds limit) { return loop_.waitForWorkers(limit); }
   // Requests sent to the sound server so far; none in the demo.

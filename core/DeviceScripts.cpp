@@ -53,7 +53,7 @@ void DeviceScripts::run(ScriptType type) {
                                    pxrLogError("Error running script " + who + ": " + outcome.description);
                                  }
                                });
-  if (!started) pxrLogError("Error creating script: " + started.failure().reason);
+  if (!started) pxrLogError("Error creating script " + who + ": " + path + ": " + started.failure().reason + ".");
 }
 
 void DeviceScripts::save() {

@@ -99,7 +99,8 @@ TEST(Scripts, RunOnlyWhenSwitchedOnAndPresent) {
 
   d.sim.scriptRunner.refusal = "Permission denied";
   d.setting->runScript(ScriptType::connected);
-  EXPECT_TRUE(log.contains("Error creating script: Permission denied"));
+  EXPECT_TRUE(log.contains("Error creating script <DeviceSetting: Keyboard>: ") &&
+              log.contains(": Permission denied."));
 }
 
 TEST(Scripts, RunOnConnectionAndDisconnectionButNotForTheFixersOwnDisconnection) {

@@ -78,15 +78,22 @@ TEST(ScriptsOnLinux, FailuresSayWhatHappened) {
   r.setting->runScript(ScriptType::connected);
   EXPECT_TRUE(eventually(log, "killed by signal 9"));
 
+  // What cannot start is named, with its device and what to mend.
+  const auto script = (r.folder / "1.disconnected").string();
   r.writeScript("1.disconnected", "#!/bin/sh\n",
                 std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
   r.setting->runScript(ScriptType::disconnected);
-  EXPECT_TRUE(log.contains("Error creating script: Permission denied"));
+  EXPECT_TRUE(log.contains("Error creating script <DeviceSetting: Keyboard>: " + script +
+                           ": it is not executable (chmod u+x '" + script + "')."));
+
+  r.writeScript("1.disconnected", "#!/usr/bin/nonesuch -x\n", std::filesystem::perms::owner_all);
+  r.setting->runScript(ScriptType::disconnected);
+  EXPECT_TRUE(log.contains(script + ": the interpreter /usr/bin/nonesuch on its first line does not exist."));
 
   // No interpreter line: no shell is asked to make sense of it.
   r.writeScript("1.disconnected", "touch pwned3\n", std::filesystem::perms::owner_all);
   r.setting->runScript(ScriptType::disconnected);
-  EXPECT_TRUE(log.contains("Error creating script: Exec format error"));
+  EXPECT_TRUE(log.contains(script + ": it does not begin with an interpreter line such as #!/bin/sh."));
   EXPECT_FALSE(std::filesystem::exists("pwned3"));
 }
 
@@ -113,7 +120,7 @@ TEST(ScriptsOnLinux, AScriptThatKeepsRunningHoldsNothingUp) {
   EXPECT_TRUE(eventually(log, "Starting to run script"));
 }
 
-TEST(ScriptsOnLinux, AScriptPastItsTimeLimitIsEndedWithWhatItStarted) {
+TEST(ScriptsOnLinux, AScriptPastItsTimeLimitOrRunningAtQuitIsEndedWithWhatItStarted) {
   test::CapturedLog log;
   RealScripts r;
   r.sim.defaults.setValue("ScriptTimeLimit", 0.5);
@@ -126,13 +133,29 @@ TEST(ScriptsOnLinux, AScriptPastItsTimeLimitIsEndedWithWhatItStarted) {
   EXPECT_TRUE(eventually(log, "Error running script <DeviceSetting: Keyboard>: ended after running longer than 0.5 s "
                               "(killed by signal 15)"));
   // Gone, or a zombie that its new parent has yet to reap.
-  const auto stat = "/proc/" + test::readFile(pidFile).substr(0, test::readFile(pidFile).find('\n')) + "/stat";
-  EXPECT_TRUE(test::waitUntil(
-      [&] {
-        auto text = test::readFile(stat);
-        return text.empty() || text.find(") Z ") != std::string::npos;
-      },
-      10));
+  const auto ended = [&] {
+    const auto stat = "/proc/" + test::readFile(pidFile).substr(0, test::readFile(pidFile).find('\n')) + "/stat";
+    return test::waitUntil(
+        [&] {
+          auto text = test::readFile(stat);
+          return text.empty() || text.find(") Z ") != std::string::npos;
+        },
+        10);
+  };
+  EXPECT_TRUE(ended());
+
+  // At quit, one that ignores SIGTERM is killed with what it started.
+  r.sim.defaults.setValue("ScriptTimeLimit", 300);
+  std::filesystem::remove(pidFile);
+  r.writeScript("1.connected", "#!/bin/sh\ntrap '' TERM\nsleep 60 &\necho $! > '" + pidFile.string() + "'\nwait\n",
+                std::filesystem::perms::owner_all);
+  r.setting->runScript(ScriptType::connected);
+  ASSERT_TRUE(test::waitUntil([&] { return !test::readFile(pidFile).empty(); }, 10));
+  r.runner.endRunning(Seconds(0.5));
+  EXPECT_TRUE(
+      log.contains("Lanternbud quits: ending the scripts still running (" + (r.folder / "1.connected").string()));
+  EXPECT_TRUE(log.contains("1.connected did not end within 0.5 s of SIGTERM; it was killed."));
+  EXPECT_TRUE(ended());
 }
 
 TEST(ScriptsOnLinux, SavedScriptsAreOwnerOnlyWithLineFeeds) {
