@@ -18,6 +18,16 @@ constexpr const char* gattService = "org.bluez.GattService1";
 constexpr const char* gattCharacteristic = "org.bluez.GattCharacteristic1";
 constexpr const char* gattDescriptor = "org.bluez.GattDescriptor1";
 
+// bluetoothd's battery plugin claims a device's Battery Service, and BlueZ
+// exports no GATT objects for a claimed service: the level is the device's
+// Battery1.Percentage instead. It is shown as that service with its Battery
+// Level characteristic, under these identifiers below the device's path.
+constexpr const char* batteryInterface = "org.bluez.Battery1";
+const QString claimedBatteryService = "/Battery1";
+const QString claimedBatteryLevel = "/Battery1/level";
+constexpr const char* batteryServiceUUID = "0000180f-0000-1000-8000-00805f9b34fb";
+constexpr const char* batteryLevelUUID = "00002a19-0000-1000-8000-00805f9b34fb";
+
 QString pathText(const QVariant& value) {
   return value.canConvert<QDBusObjectPath>() ? value.value<QDBusObjectPath>().path() : value.toString();
 }
@@ -122,9 +132,14 @@ void BluezLowEnergyCentral::discoverServices(const std::string& identifier) {
 void BluezLowEnergyCentral::reportServices(const QString& path) {
   if (!delegate_) return;
   std::vector<LowEnergyService> services;
+  bool batteryExported = false;
   for (const auto& found : children(gattService, "Device", path)) {
-    services.push_back(
-        {found.toStdString(), mirror_.property(found, gattService, "UUID").value_or("").toString().toStdString()});
+    const auto uuid = mirror_.property(found, gattService, "UUID").value_or("").toString();
+    batteryExported = batteryExported || uuid.compare(batteryServiceUUID, Qt::CaseInsensitive) == 0;
+    services.push_back({found.toStdString(), uuid.toStdString()});
+  }
+  if (!batteryExported && mirror_.property(path, batteryInterface, "Percentage")) {
+    services.push_back({(path + claimedBatteryService).toStdString(), batteryServiceUUID});
   }
   delegate_->didDiscoverServices(peripheral(path), services);
 }
@@ -136,13 +151,28 @@ void BluezLowEnergyCentral::discoverCharacteristics(const std::string& identifie
     std::vector<LowEnergyCharacteristic> characteristics;
     for (const auto& found : children(gattCharacteristic, "Service", servicePath))
       characteristics.push_back(characteristic(found));
-    const auto uuid = mirror_.property(servicePath, gattService, "UUID").value_or("").toString().toStdString();
+    auto uuid = mirror_.property(servicePath, gattService, "UUID").value_or("").toString().toStdString();
+    if (servicePath == path + claimedBatteryService) {
+      uuid = batteryServiceUUID;
+      characteristics.push_back({(path + claimedBatteryLevel).toStdString(), batteryLevelUUID, std::nullopt, {}});
+    }
     delegate_->didDiscoverCharacteristics(peripheral(path), {servicePath.toStdString(), uuid}, characteristics);
   });
 }
 
 void BluezLowEnergyCentral::readValue(const std::string& identifier, const std::string& characteristicID) {
   const auto path = QString::fromStdString(identifier), found = QString::fromStdString(characteristicID);
+  if (found == path + claimedBatteryLevel) {
+    QTimer::singleShot(0, this, [this, path, found] {
+      if (!delegate_) return;
+      LowEnergyCharacteristic level{found.toStdString(), batteryLevelUUID, std::nullopt, {}};
+      const auto percentage = mirror_.property(path, batteryInterface, "Percentage");
+      if (percentage) level.value = std::vector<std::uint8_t>{static_cast<std::uint8_t>(percentage->toUInt())};
+      delegate_->didUpdateValue(peripheral(path), level,
+                                percentage ? std::nullopt : std::optional<std::string>("no Battery1 level"));
+    });
+    return;
+  }
   const auto flags = mirror_.property(found, gattCharacteristic, "Flags").value_or(QStringList()).toStringList();
   if (!flags.contains("read")) {
     QTimer::singleShot(0, this, [this, path, found] {

@@ -19,7 +19,8 @@ constexpr const char* mouseAddress = "D4:11:22:33:44:55";
 
 } // namespace
 
-// The reader over BlueZ's model: its GATT objects answer ReadValue.
+// The reader over BlueZ's model: its GATT objects answer ReadValue, and the
+// Battery Service that bluetoothd claims is read from Battery1.
 TEST(LowEnergyBatteryInfo, ReadsMatchingPeripheralsOnlyWhileSwitchedOnAndReconnectsThem) {
   test::PrivateBus bus;
   if (bus.skipReason().empty()) bus.startBluez();
@@ -43,10 +44,9 @@ TEST(LowEnergyBatteryInfo, ReadsMatchingPeripheralsOnlyWhileSwitchedOnAndReconne
 
   defaults.setValue("LowEnergyBatteryInfoEnable", true);
   ASSERT_TRUE(test::waitUntil(discovering));
-  // The battery answers two bytes; the level is the first.
   const auto budsPath = test::PrivateBus::bluezDevicePath(budsAddress);
   bus.bluez("/", "org.bluez.Mock", "AddBatteryService",
-            {QVariant::fromValue(QDBusObjectPath(budsPath)), QByteArray::fromHex("5501")});
+            {QVariant::fromValue(QDBusObjectPath(budsPath)), QVariant::fromValue(uchar(85))});
   bus.bluez("/", "org.bluez.Mock", "AddDevice", {"hci0", mouseAddress, "Desk Mouse"});
   bus.bluez("/", "org.bluez.Mock", "AddDevice", {"hci0", budsAddress, "Galaxy Buds"});
   auto levels = [&] {
