@@ -31,6 +31,7 @@ public:
   }
   void setMenu(std::vector<StatusMenuEntry>) override {}
   void popUpMenu() override { PXR_LOG(trayLog(), name_, "opens its menu"); }
+  bool canPopUpMenu() const override { return true; }
   // Nobody can click an item that is only written to the log.
   void setClickHandler(ClickHandler) override {}
   bool showMessage(const std::string& title, const std::string& text) override {
@@ -47,7 +48,7 @@ private:
 
 } // namespace
 
-std::unique_ptr<StatusItem> LoggingStatusBar::createStatusItem(double) {
+std::unique_ptr<StatusItem> LoggingStatusBar::createStatusItem(double, const std::string&) {
   return std::make_unique<LoggingStatusItem>(++created_);
 }
 

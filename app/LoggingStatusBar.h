@@ -9,7 +9,7 @@ namespace lb {
 class LoggingStatusBar final : public StatusBar {
 public:
   double thickness() const override { return 22.0; }
-  std::unique_ptr<StatusItem> createStatusItem(double length) override;
+  std::unique_ptr<StatusItem> createStatusItem(double length, const std::string& identity) override;
 
 private:
   int created_ = 0;

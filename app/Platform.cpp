@@ -46,8 +46,9 @@ Platform::Platform(UserDefaults& defaults, Tunables& tunables, std::string backe
     : defaults_(defaults), tunables_(tunables), backend_(std::move(backend)), windows_(desktop.display),
       globalKeys_(globalKeys()), shortcuts_(std::make_unique<ShortcutBinder>(defaults, *globalKeys_)),
       scriptsFolder_(std::move(scriptsFolder)) {
-  if (desktop.tray) {
-    statusBar_ = std::make_unique<TrayStatusBar>([&tunables] { return tunables(tunable::TrayIconColor); });
+  if (desktop.tray != TrayHost::Kind::none) {
+    statusBar_ = std::make_unique<TrayStatusBar>(desktop.tray,
+                                                 [&tunables] { return tunables(tunable::TrayIconColor); });
   } else {
     statusBar_ = std::make_unique<LoggingStatusBar>();
   }

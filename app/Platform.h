@@ -10,6 +10,7 @@
 #include "linux/battery/UPowerRegistry.h"
 #include "linux/report/LinuxDiagnosticReporter.h"
 #include "linux/xdg/XdgScriptsFolder.h"
+#include "ui/TrayHost.h"
 #include "ui/DesktopWindows.h"
 #include "ui/SvgImages.h"
 
@@ -30,7 +31,7 @@ public:
   // display, alerts do too.
   struct Desktop {
     bool display;
-    bool tray;
+    TrayHost::Kind tray;
   };
   // BlueZ on the system bus, UPower, libpulse, the XDG autostart entry.
   static std::unique_ptr<Platform> real(UserDefaults& defaults, Tunables& tunables, const std::string& helperPath,

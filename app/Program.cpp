@@ -66,17 +66,17 @@ bool hasDisplay() {
 
 // The tray the desktop offers, said in the log; without one, said to the
 // user in every way left.
-bool findTray(const QDBusConnection& session, Tunables& tunables, bool display) {
+TrayHost::Kind findTray(const QDBusConnection& session, Tunables& tunables, bool display) {
   const auto host = display ? TrayHost::find(session, tunables(tunable::TrayHostWaitInterval)) : TrayHost::Kind::none;
   PXR_LOG(launchLog(), "Tray:", TrayHost::describe(host));
-  if (host != TrayHost::Kind::none) return true;
+  if (host != TrayHost::Kind::none) return host;
   const auto advice = TrayHost::missingAdvice(display);
   pxrLogError(std::string(advice));
   std::cerr << "lanternbud: " << advice << "\n";
   if (session.isConnected()) {
     sendDesktopNotification(session, localized("Lanternbud has no tray icons"), localized(advice));
   }
-  return false;
+  return host;
 }
 
 } // namespace

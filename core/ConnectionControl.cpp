@@ -12,13 +12,13 @@ bool ConnectionControl::refusesDisconnecting() const {
   return true;
 }
 
-void ConnectionControl::toggle(std::shared_ptr<BluetoothDevice> device) {
+void ConnectionControl::toggle(std::shared_ptr<BluetoothDevice> device, bool evenInConnectOnlyMode) {
   busy_ = true;
-  loop_.runOnWorker([self = owner_.shared_from_this(), device = std::move(device)] {
+  loop_.runOnWorker([self = owner_.shared_from_this(), device = std::move(device), evenInConnectOnlyMode] {
     auto& control = self->connection();
     auto& loop = control.loop_;
     if (device->isConnected()) {
-      if (control.refusesDisconnecting()) {
+      if (!evenInConnectOnlyMode && control.refusesDisconnecting()) {
         loop.post([self] {
           self->connection().busy_ = false;
           self->stopProgress();

@@ -28,7 +28,7 @@ public:
         inputDeviceManager_(inputDeviceManager) {}
 
   // Connects or disconnects `device` on a worker, then updates the state.
-  void toggle(std::shared_ptr<BluetoothDevice> device);
+  void toggle(std::shared_ptr<BluetoothDevice> device, bool evenInConnectOnlyMode = false);
   // From a toggle until its state update: main thread.
   bool isBusy() const { return busy_; }
   // Connection-only mode, with its log line.

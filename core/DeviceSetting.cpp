@@ -145,13 +145,18 @@ void DeviceSetting::stopProgress() {
   updateButtonImage();
 }
 
+void DeviceSetting::makeSoundOutput() {
+  if (auto found = device()) tracker_.setOutputInsteadOfDisconnecting(*found);
+}
+
 ConnectionOutcome DeviceSetting::toggleConnection(const std::optional<StatusItemClick>& click) {
   return request(std::nullopt, click);
 }
 
-ConnectionOutcome DeviceSetting::request(std::optional<bool> wanted, const std::optional<StatusItemClick>& click) {
+ConnectionOutcome DeviceSetting::request(std::optional<bool> wanted, const std::optional<StatusItemClick>& click,
+                                         bool evenInConnectOnlyMode) {
   if (click && statusItem_.shouldShowMenu(*click)) {
-    statusItem_.popUpMenu();
+    statusItem_.popUpMenu(*click);
     return ConnectionOutcome::showingMenu;
   }
   auto found = device();
@@ -163,9 +168,11 @@ ConnectionOutcome DeviceSetting::request(std::optional<bool> wanted, const std::
   const bool connected = found->isConnected();
   if (wanted == connected) return ConnectionOutcome::unchanged;
   if (!wanted && tracker_.setOutputInsteadOfDisconnecting(*found)) return ConnectionOutcome::settingOutput;
-  if (connected && connection_.refusesDisconnecting()) return ConnectionOutcome::connectionOnly;
+  if (connected && !evenInConnectOnlyMode && connection_.refusesDisconnecting()) {
+    return ConnectionOutcome::connectionOnly;
+  }
   startProgress();
-  connection_.toggle(std::move(found));
+  connection_.toggle(std::move(found), evenInConnectOnlyMode);
   return connected ? ConnectionOutcome::disconnecting : ConnectionOutcome::connecting;
 }
 

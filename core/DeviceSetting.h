@@ -130,6 +130,10 @@ public:
   // follows), and a disconnect that always disconnects.
   ConnectionOutcome connect() { return request(true); }
   ConnectionOutcome disconnect() { return request(false); }
+  // The menu's choices: a disconnect that connect-only mode allows, and
+  // making a connected device the sound output.
+  ConnectionOutcome disconnectFromMenu() { return request(false, std::nullopt, true); }
+  void makeSoundOutput();
   // Blocking, on a worker (see ConnectionControl).
   void openConnection() { connection_.openConnection(); }
   void closeConnection() { connection_.closeConnection(); }
@@ -155,6 +159,8 @@ public:
   std::string scriptingName() const { return deviceName().value_or(""); }
   std::int64_t scriptingID() const { return deviceID(); }
   std::optional<std::string> scriptingAddress() const;
+  // The address as saved, whether or not the system knows the device.
+  std::optional<std::string> storedAddress() const { return options_.value<std::string>(deviceOption::device); }
   // Only while connected, even when a level is cached.
   std::optional<int> scriptingBatteryLevel(BatteryReading reading = BatteryReading::ifStale);
   std::string scriptingIconName() const { return std::string(rawValue(icon())); }
@@ -180,11 +186,11 @@ private:
   DeviceSetting(Services& services, SettingsValue::Dictionary options, DeviceSettingManager* registry);
   void start();
   // `wanted` none: the other state.
-  ConnectionOutcome request(std::optional<bool> wanted, const std::optional<StatusItemClick>& click = std::nullopt);
+  ConnectionOutcome request(std::optional<bool> wanted, const std::optional<StatusItemClick>& click = std::nullopt,
+                            bool evenInConnectOnlyMode = false);
   static std::vector<unsigned char> pngOf(const std::shared_ptr<Image>& image) {
     return image ? image->png() : std::vector<unsigned char>{};
   }
-  std::optional<std::string> storedAddress() const { return options_.value<std::string>(deviceOption::device); }
 
   Bluetooth& bluetooth_;
   DeviceSettingManager* registry_;

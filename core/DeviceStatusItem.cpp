@@ -4,13 +4,16 @@
 #include "core/LogAreas.h"
 #include "core/Texts.h"
 
+#include <cctype>
+
 namespace lb {
 
 void DeviceStatusItem::create() {
   const double length = tunables_(tunable::StatusItemLength, statusBar_.thickness() + 5.0);
-  item_ = statusBar_.createStatusItem(length);
+  item_ = statusBar_.createStatusItem(length, identity());
   item_->setAccessibilityLabel(owner_.deviceName());
-  item_->setMenu(deviceMenu());
+  offered_ = offer();
+  item_->setMenu(deviceMenu(offered_));
   item_->setClickHandler([weak = owner_.weak_from_this()](const StatusItemClick& click) {
     if (auto self = weak.lock()) self->toggleConnection(click);
   });
@@ -32,6 +35,7 @@ void DeviceStatusItem::update() {
     PXR_LOG(iconLog(), "button is nil:", owner_.description());
     return;
   }
+  updateMenu();
   if (showsProgress_) {
     PXR_LOG(iconLog(), "Showing progress instead:", owner_.description());
     return;
@@ -49,11 +53,13 @@ void DeviceStatusItem::update() {
 void DeviceStatusItem::startProgress() {
   showsProgress_ = true;
   if (item_) item_->setBusy(true);
+  updateMenu();
 }
 
 void DeviceStatusItem::stopProgress() {
   showsProgress_ = false;
   if (item_) item_->setBusy(false);
+  updateMenu();
 }
 
 bool DeviceStatusItem::shouldShowMenu(const StatusItemClick& click) const {
@@ -69,7 +75,22 @@ bool DeviceStatusItem::shouldShowMenu(const StatusItemClick& click) const {
   return potential != true;
 }
 
-std::vector<StatusMenuEntry> DeviceStatusItem::deviceMenu() {
+DeviceStatusItem::Offer DeviceStatusItem::offer() const {
+  const auto connected = owner_.isConnected();
+  if (showsProgress_) return connected == true ? Offer::disconnecting : Offer::connecting;
+  if (!connected) return Offer::nothing;
+  if (!*connected) return Offer::connect;
+  const bool canBeOutput = owner_.isAudioOutput() == false && owner_.isPotentialAudioOutput() == true;
+  return canBeOutput && tunables_(tunable::EnableAudioOutput) ? Offer::soundOutput : Offer::disconnect;
+}
+
+void DeviceStatusItem::updateMenu() {
+  if (!item_ || offer() == offered_) return;
+  offered_ = offer();
+  item_->setMenu(deviceMenu(offered_));
+}
+
+std::vector<StatusMenuEntry> DeviceStatusItem::deviceMenu(Offer offer) {
   // The texts are read as the menu opens, by then perhaps after the device.
   auto weak = owner_.weak_from_this();
   auto status = [weak] {
@@ -81,13 +102,56 @@ std::vector<StatusMenuEntry> DeviceStatusItem::deviceMenu() {
     return self ? self->batteryLevelString() : std::string();
   };
   auto text = [](std::string title) { return [title = std::move(title)] { return title; }; };
-  return {{status, {}}, {battery, {}},
-          {},           {text(localized("Settings…")), [this] { windows_.showPreferences(owner_.deviceID()); }},
-          {},           {text(localized("Quit")), [&windows = windows_] { windows.terminate(); }}};
+  // A choice goes the way a click goes, logged as the user's.
+  auto choice = [weak](std::string_view title, void (*act)(DeviceSetting&)) -> StatusMenuEntry {
+    return {[title] { return localized(title); },
+            [weak, title, act] {
+              auto self = weak.lock();
+              if (!self) return;
+              connectLog()(
+                  [&] { return "User chose " + std::string(title) + " in the menu of " + self->description(); });
+              act(*self);
+            }};
+  };
+  std::vector<StatusMenuEntry> menu;
+  switch (offer) {
+  case Offer::nothing: break;
+  case Offer::connect: menu.push_back(choice(translatable("Connect"), [](DeviceSetting& d) { d.connect(); })); break;
+  case Offer::soundOutput:
+    menu.push_back(choice(translatable("Make Sound Output"), [](DeviceSetting& d) { d.makeSoundOutput(); }));
+    [[fallthrough]];
+  case Offer::disconnect:
+    menu.push_back(choice(translatable("Disconnect"), [](DeviceSetting& d) { d.disconnectFromMenu(); }));
+    break;
+  case Offer::connecting: menu.push_back({text(localized("Connecting…")), {}}); break;
+  case Offer::disconnecting: menu.push_back({text(localized("Disconnecting…")), {}}); break;
+  }
+  if (!menu.empty()) menu.push_back({});
+  std::vector<StatusMenuEntry> rest{
+      {status, {}}, {battery, {}},
+      {},           {text(localized("Settings…")), [this] { windows_.showPreferences(owner_.deviceID()); }},
+      {},           {text(localized("Quit")), [&windows = windows_] { windows.terminate(); }}};
+  menu.insert(menu.end(), rest.begin(), rest.end());
+  return menu;
 }
 
-void DeviceStatusItem::popUpMenu() {
-  if (item_) item_->popUpMenu();
+void DeviceStatusItem::popUpMenu(const StatusItemClick& click) {
+  if (!item_) return;
+  if (click.button == StatusItemClick::Button::middle && !item_->canPopUpMenu()) {
+    PXR_LOG(trayLog(), "A middle click opens the settings of", owner_.description(), "where no menu can be placed");
+    windows_.showPreferences(owner_.deviceID());
+    return;
+  }
+  item_->popUpMenu();
+}
+
+std::string DeviceStatusItem::identity() const {
+  std::string hex;
+  for (const char c : owner_.storedAddress().value_or("")) {
+    if (std::isxdigit(static_cast<unsigned char>(c))) hex += char(std::tolower(static_cast<unsigned char>(c)));
+  }
+  if (hex.size() == 12) return "lanternbud-" + hex;
+  return "lanternbud-device-" + std::to_string(owner_.deviceID());
 }
 
 } // namespace lb

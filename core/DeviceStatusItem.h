@@ -38,11 +38,21 @@ public:
   // the right (or middle) button always; in connect-only mode, a click that
   // would disconnect.
   bool shouldShowMenu(const StatusItemClick& click) const;
-  void popUpMenu();
+  // The menu for that click; where no menu can be placed (Wayland), the
+  // middle click opens the device's settings instead.
+  void popUpMenu(const StatusItemClick& click);
+
+  // The name the tray host knows the item by: from the device's address.
+  std::string identity() const;
 
 private:
-  // The status line, the battery line, "Settings…" and "Quit".
-  std::vector<StatusMenuEntry> deviceMenu();
+  // What the menu offers first, from the state.
+  enum class Offer { nothing, connect, disconnect, soundOutput, connecting, disconnecting };
+  Offer offer() const;
+  // The offer, the status line, the battery line, "Settings…" and "Quit".
+  std::vector<StatusMenuEntry> deviceMenu(Offer offer);
+  // Gives the item its menu again when what it offers changed.
+  void updateMenu();
 
   DeviceSetting& owner_;
   StatusBar& statusBar_;
@@ -51,6 +61,7 @@ private:
   const Tunables& tunables_;
   std::unique_ptr<StatusItem> item_;
   bool showsProgress_ = false;
+  Offer offered_ = Offer::nothing;
 };
 
 } // namespace lb

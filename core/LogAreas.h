@@ -30,7 +30,7 @@ namespace lb {
   X(dockLog, "LogDock")                                     /* taskbar presence and the preferences window at start */ \
   X(loginLog, "LogLogin")                                   /* launch at login */                                      \
   X(launchLog, "LogLaunch")                                 /* the program's start and end, the backend chosen */      \
-  X(trayLog, "LogTray")                                     /* what the tray shows, while there is no tray */
+  X(trayLog, "LogTray")                                     /* what the tray shows and how its clicks are taken      */
 
 #define LB_LOG_AREA(function, name) \
   inline const PXRLog& function() { \

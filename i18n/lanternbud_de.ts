@@ -4,10 +4,6 @@
 <context>
     <name>Lanternbud</name>
     <message>
-        <source>Lanternbud has no tray icons</source>
-        <translation>Lanternbud hat keine Symbole in der Systemleiste</translation>
-    </message>
-    <message>
         <source>Version %@</source>
         <translation>Version %@</translation>
     </message>
@@ -296,6 +292,26 @@
         <translation> (nicht die Tonausgabe)</translation>
     </message>
     <message>
+        <source>Connect</source>
+        <translation>Verbinden</translation>
+    </message>
+    <message>
+        <source>Make Sound Output</source>
+        <translation>Als Tonausgabe verwenden</translation>
+    </message>
+    <message>
+        <source>Disconnect</source>
+        <translation>Trennen</translation>
+    </message>
+    <message>
+        <source>Connecting…</source>
+        <translation>Wird verbunden…</translation>
+    </message>
+    <message>
+        <source>Disconnecting…</source>
+        <translation>Wird getrennt…</translation>
+    </message>
+    <message>
         <source>Settings…</source>
         <translation>Einstellungen…</translation>
     </message>
@@ -482,6 +498,10 @@
     <message>
         <source>The desktop shows no tray, so the devices get no icons. On GNOME, install and enable the AppIndicator extension (the Debian package gnome-shell-extension-appindicator), then log in again; other desktops need a panel with a system tray. Lanternbud keeps running: lanternbud-ctl lists, connects and disconnects the devices meanwhile.</source>
         <translation>Die Arbeitsumgebung zeigt keine Systemleiste, daher erhalten die Geräte keine Symbole. Installieren und aktivieren Sie unter GNOME die Erweiterung AppIndicator (das Debian-Paket gnome-shell-extension-appindicator) und melden Sie sich dann neu an; andere Arbeitsumgebungen brauchen eine Leiste mit einem Systembereich. Lanternbud läuft weiter: lanternbud-ctl listet die Geräte derweil auf, verbindet und trennt sie.</translation>
+    </message>
+    <message>
+        <source>Lanternbud has no tray icons</source>
+        <translation>Lanternbud hat keine Symbole in der Systemleiste</translation>
     </message>
     <message>
         <source>X11 has no key for %@</source>

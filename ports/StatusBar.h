@@ -42,6 +42,8 @@ public:
   virtual void setMenu(std::vector<StatusMenuEntry> entries) = 0;
   // Opens the menu from the item, where the platform can place it.
   virtual void popUpMenu() = 0;
+  // Whether popUpMenu can show the menu; a Wayland client cannot place one.
+  virtual bool canPopUpMenu() const = 0;
   // Where the item reports clicks; main thread.
   virtual void setClickHandler(ClickHandler handler) = 0;
   // A passing message from the item; false when it cannot be shown.
@@ -53,7 +55,9 @@ public:
   virtual ~StatusBar() = default;
   // The tray's icon size, in points.
   virtual double thickness() const = 0;
-  virtual std::unique_ptr<StatusItem> createStatusItem(double length) = 0;
+  // `identity` is the item's name to the tray host, which remembers by it
+  // whether the user hid the item: stable across sessions, one per device.
+  virtual std::unique_ptr<StatusItem> createStatusItem(double length, const std::string& identity) = 0;
 };
 
 } // namespace lb

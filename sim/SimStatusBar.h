@@ -14,6 +14,7 @@ public:
     SimStatusBar& bar;
     double length;
     std::optional<std::string> label;
+    std::string identity;
     std::shared_ptr<Image> shownImage;
     std::optional<std::string> toolTip;
     int redraws = 0;
@@ -22,7 +23,8 @@ public:
     int menuPopUps = 0;
     std::vector<std::string> messages;
 
-    Item(SimStatusBar& owner, double itemLength) : bar(owner), length(itemLength) {}
+    Item(SimStatusBar& owner, double itemLength, std::string name)
+        : bar(owner), length(itemLength), identity(std::move(name)) {}
     ~Item() override {
       std::erase(bar.items_, this);
       if (bar.onRemove) bar.onRemove(*this);
@@ -37,6 +39,7 @@ public:
     void setBusy(bool value) override { busy = value; }
     void setMenu(std::vector<StatusMenuEntry> entries) override { menu = std::move(entries); }
     void popUpMenu() override { ++menuPopUps; }
+    bool canPopUpMenu() const override { return bar.canPopUpMenus; }
     void setClickHandler(ClickHandler handler) override { onClick = std::move(handler); }
     bool showMessage(const std::string& title, const std::string& text) override {
       messages.push_back(title + ": " + text);
@@ -49,10 +52,11 @@ public:
       for (const auto& entry : menu) titles.push_back(entry.title ? entry.title() : "-");
       return titles;
     }
-    // Chooses the menu's entry with that title.
+    // Chooses the menu's entry with that title; its action may replace the
+    // menu.
     void choose(const std::string& title) const {
       for (const auto& entry : menu) {
-        if (entry.title && entry.action && entry.title() == title) entry.action();
+        if (entry.title && entry.action && entry.title() == title) return std::function(entry.action)();
       }
     }
 
@@ -64,14 +68,16 @@ public:
   };
 
   double thickness() const override { return 22.0; }
-  std::unique_ptr<StatusItem> createStatusItem(double length) override {
-    auto item = std::make_unique<Item>(*this, length);
+  std::unique_ptr<StatusItem> createStatusItem(double length, const std::string& identity) override {
+    auto item = std::make_unique<Item>(*this, length, identity);
     items_.push_back(item.get());
     return item;
   }
 
   // The items now in the tray, oldest first.
   const std::vector<Item*>& items() const { return items_; }
+  // False for a Wayland desktop, where no program places a menu.
+  bool canPopUpMenus = true;
   // Called as an item leaves the tray.
   std::function<void(const Item&)> onRemove;
 

@@ -40,7 +40,7 @@ void Spinner::start(const QColor& colour, ShowFrame show) {
     framesColour_ = colour;
     for (int step = 0; step < spokes; ++step) {
       QIcon icon;
-      for (int pixels : {16, 22, 24, 32, 44, 48, 64}) icon.addPixmap(QPixmap::fromImage(frame(step, pixels, colour)));
+      for (int pixels : heights_) icon.addPixmap(QPixmap::fromImage(frame(step, pixels, colour)));
       frames_.push_back(icon);
     }
   }

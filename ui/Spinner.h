@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ui/TrayImage.h"
+
 #include <QColor>
 #include <QIcon>
 #include <QObject>
@@ -19,6 +21,9 @@ class Spinner {
 public:
   using ShowFrame = std::function<void(const QIcon&)>;
 
+  // Frames `heights` pixels high.
+  explicit Spinner(std::vector<int> heights = TrayImage::standardHeights()) : heights_(std::move(heights)) {}
+
   // One frame, `step` spokes turned, `pixels` square.
   static QImage frame(int step, int pixels, const QColor& colour);
 
@@ -29,6 +34,7 @@ public:
   bool spinning() const { return timer_ != nullptr; }
 
 private:
+  std::vector<int> heights_;
   std::vector<QIcon> frames_;
   QColor framesColour_;
   std::unique_ptr<QTimer> timer_;

@@ -17,10 +17,8 @@ namespace lb {
 
 namespace {
 
-const QString watcherName = "org.kde.StatusNotifierWatcher";
-
 bool hasWatcher(const QDBusConnection& session) {
-  return session.isConnected() && session.interface()->isServiceRegistered(watcherName);
+  return session.isConnected() && session.interface()->isServiceRegistered(TrayHost::watcherService);
 }
 
 // Whether an XEmbed tray owns its selection on the X display, asked of the
@@ -40,7 +38,7 @@ bool hasXembedTray() {
 
 bool awaitWatcher(const QDBusConnection& session, Seconds wait) {
   if (!session.isConnected() || wait.count() <= 0) return false;
-  QDBusServiceWatcher watcher(watcherName, session, QDBusServiceWatcher::WatchForRegistration);
+  QDBusServiceWatcher watcher(TrayHost::watcherService, session, QDBusServiceWatcher::WatchForRegistration);
   QEventLoop loop;
   QObject::connect(&watcher, &QDBusServiceWatcher::serviceRegistered, &loop, &QEventLoop::quit);
   QTimer::singleShot(int(wait.count() * 1000), &loop, &QEventLoop::quit);

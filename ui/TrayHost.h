@@ -9,12 +9,15 @@
 
 namespace lb {
 
-// Which tray the desktop offers. Qt decides once per process whether to
-// speak StatusNotifierItem, at the first tray item; a program started with
-// the session may come before the panel, so a missing watcher is awaited a
-// while, unless an XEmbed tray is already there.
+// Which tray the desktop offers, decided once at start: StatusNotifierItem
+// where the session has a watcher, else XEmbed through Qt (which would
+// itself speak StatusNotifierItem to a watcher there at its first icon). A
+// program started with the session may come before the panel, so a missing
+// watcher is awaited a while, unless an XEmbed tray is already there.
 struct TrayHost {
   enum class Kind { statusNotifierItem, xembed, none };
+  // The bus name of the session's StatusNotifierItem host registry.
+  static constexpr const char* watcherService = "org.kde.StatusNotifierWatcher";
 
   // Asked of a GUI application on a display; the caller knows whether it
   // has one.

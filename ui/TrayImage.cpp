@@ -90,8 +90,12 @@ std::vector<unsigned char> TrayImage::png() const {
   return {data.begin(), data.end()};
 }
 
-QIcon TrayImage::icon(const QColor& colour) const {
-  static constexpr int heights[] = {16, 22, 24, 32, 44, 48, 64};
+const std::vector<int>& TrayImage::standardHeights() {
+  static const std::vector<int> heights{16, 22, 24, 32, 44, 48, 64};
+  return heights;
+}
+
+QIcon TrayImage::icon(const QColor& colour, const std::vector<int>& heights) const {
   QIcon icon;
   if (size_.height <= 0) return icon;
   for (int pixels : heights) icon.addPixmap(QPixmap::fromImage(render(pixels / size_.height, colour)));

@@ -38,8 +38,10 @@ public:
   const QString& key() const { return key_; }
   // The picture `scale` pixels per point; a template picture in `colour`.
   QImage render(double scale, const QColor& colour) const;
-  // The picture at the sizes trays and menus ask for, at 1× and 2×.
-  QIcon icon(const QColor& colour) const;
+  // The heights in pixels trays and menus ask for, at 1× and 2×.
+  static const std::vector<int>& standardHeights();
+  // The picture at those heights.
+  QIcon icon(const QColor& colour, const std::vector<int>& heights = standardHeights()) const;
   // The same for any picture core chose; empty for one that is not ours.
   static QIcon iconOf(const std::shared_ptr<Image>& image, const QColor& colour);
 

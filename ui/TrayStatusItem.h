@@ -1,53 +1,43 @@
 #pragma once
 
-#include "ports/StatusBar.h"
-#include "ui/Spinner.h"
-#include "ui/TrayImage.h"
+#include "ui/TrayMenu.h"
+#include "ui/TrayPicture.h"
+#include "ui/TrayStatusBar.h"
 
-#include <QMenu>
 #include <QSystemTrayIcon>
 
 #include <functional>
 
 namespace lb {
 
-class TrayStatusBar;
-
-// A device's item in the desktop's tray: a StatusNotifierItem whose menu
-// goes over dbusmenu where the session has a watcher, an XEmbed icon
-// elsewhere (Qt's choice). A left click (or the host's Activate) and a
-// middle click are reported; a right click is the host's: it shows the menu.
-class TrayStatusItem final : public StatusItem {
+// A device's icon in an XEmbed tray, where the desktop has no
+// StatusNotifierItem host. A left and a middle click are reported; a right
+// click shows the menu.
+class TrayStatusItem final : public PaintedStatusItem {
 public:
   explicit TrayStatusItem(TrayStatusBar& bar);
   ~TrayStatusItem() override;
 
   void setAccessibilityLabel(const std::optional<std::string>& label) override;
-  void setImage(std::shared_ptr<Image> image) override;
-  std::shared_ptr<Image> image() const override { return image_; }
+  void setImage(std::shared_ptr<Image> image) override { picture_.setImage(std::move(image)); }
+  std::shared_ptr<Image> image() const override { return picture_.image(); }
   void setToolTip(const std::optional<std::string>& text) override;
-  void setBusy(bool busy) override;
+  void setBusy(bool busy) override { picture_.setBusy(busy); }
   void setMenu(std::vector<StatusMenuEntry> entries) override;
-  void popUpMenu() override;
+  void popUpMenu() override { menu_.popUp(); }
+  bool canPopUpMenu() const override { return TrayMenu::canPopUp(); }
   void setClickHandler(ClickHandler handler) override { onClick_ = std::move(handler); }
   bool showMessage(const std::string& title, const std::string& text) override;
 
-  // Draws the picture again, as when the panel's colour changed.
-  void redraw();
+  void redraw() override { picture_.redraw(); }
 
 private:
-  void show();
   void setIcon(const QIcon& icon);
-  void refreshMenuTitles();
 
   TrayStatusBar& bar_;
   QSystemTrayIcon icon_;
-  QMenu menu_;
-  std::vector<StatusMenuEntry> entries_;
-  std::vector<QAction*> actions_; // one per entry
-  std::shared_ptr<TrayImage> image_;
-  QString shownKey_; // what the icon now shows, with its colour
-  Spinner spinner_;
+  TrayMenu menu_;
+  TrayPicture picture_;
   ClickHandler onClick_;
 };
 

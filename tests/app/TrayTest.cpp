@@ -3,6 +3,8 @@
 #include "tests/support/RequireService.h"
 #include "tests/support/RunningProgram.h"
 #include "tests/support/XServer.h"
+#include "tests/support/XfcePanel.h"
+#include "ui/StatusNotifierTypes.h"
 
 #include <QDBusArgument>
 #include <QDBusMessage>
@@ -19,16 +21,17 @@ constexpr const char* headsetAddress = "00:1B:66:AA:BB:CC";
 constexpr const char* keyboardAddress = "F0:99:B6:44:55:66";
 constexpr const char* stallingAddress = "00:1B:66:00:00:02";
 
-// The program under Xvfb, its items read and clicked as a panel would:
-// over StatusNotifierItem and dbusmenu on a session bus with a watcher.
+// The program under Xvfb, in Xfce's panel; its items also read and
+// clicked over StatusNotifierItem and dbusmenu as a panel does.
 class TrayTest : public ::testing::Test {
 protected:
   void SetUp() override {
     LB_REQUIRE_SERVICE(display.skipReason());
     if (system.skipReason().empty()) system.startBluez();
     LB_REQUIRE_SERVICE(system.skipReason());
-    if (session.skipReason().empty()) session.startStatusNotifierWatcher();
     LB_REQUIRE_SERVICE(session.skipReason());
+    panel = std::make_unique<test::XfcePanel>(display, session);
+    LB_REQUIRE_SERVICE(panel->skipReason());
     LB_REQUIRE_SERVICE(pulse.skipReason());
     system.bluez("/", "org.bluez.Mock", "AddAdapter", {"hci0", "my-computer"});
     for (auto [address, name] : {std::pair{headsetAddress, "WH Headset"}, std::pair{keyboardAddress, "K380 Keyboard"},
@@ -50,49 +53,58 @@ protected:
                                                  R"("}]})");
   }
 
+  // The watcher names an item "<bus name>/<object path>".
+  static std::pair<QString, QString> address(const QString& item) {
+    const auto slash = item.indexOf('/');
+    if (slash < 0) return {item, "/StatusNotifierItem"};
+    return {item.left(slash), item.mid(slash)};
+  }
+  QDBusMessage call(const QString& item, const QString& path, const QString& interface, const QString& method,
+                    const QVariantList& arguments = {}) {
+    auto message = QDBusMessage::createMethodCall(address(item).first, path, interface, method);
+    message.setArguments(arguments);
+    return host.call(message, QDBus::Block, 5000);
+  }
   QVariant itemProperty(const QString& item, const char* name) {
-    auto get = QDBusMessage::createMethodCall(item, "/StatusNotifierItem", "org.freedesktop.DBus.Properties", "Get");
-    get << "org.kde.StatusNotifierItem" << name;
-    return panel.call(get, QDBus::Block, 5000).arguments().value(0).value<QDBusVariant>().variant();
+    return call(item, address(item).second, "org.freedesktop.DBus.Properties", "Get",
+                {"org.kde.StatusNotifierItem", name})
+        .arguments()
+        .value(0)
+        .value<QDBusVariant>()
+        .variant();
   }
-  // The tool tip's title, where the item puts its text.
-  QString toolTip(const QString& item) {
-    const auto argument = itemProperty(item, "ToolTip").value<QDBusArgument>();
-    QString iconName, title, description;
-    argument.beginStructure();
-    argument >> iconName;
-    readPixmaps(argument);
-    argument >> title >> description;
-    argument.endStructure();
-    return title;
-  }
+  QString text(const QString& item) { return qdbus_cast<SniToolTip>(itemProperty(item, "ToolTip")).text; }
   // Every size of the picture, one after the other.
   QByteArray pixmaps(const QString& item) {
-    return readPixmaps(itemProperty(item, "IconPixmap").value<QDBusArgument>());
-  }
-  static QByteArray readPixmaps(const QDBusArgument& argument) {
     QByteArray all;
-    argument.beginArray();
-    while (!argument.atEnd()) {
-      int width = 0, height = 0;
-      QByteArray bytes;
-      argument.beginStructure();
-      argument >> width >> height >> bytes;
-      argument.endStructure();
-      all += bytes;
-    }
-    argument.endArray();
+    for (const auto& pixmap : qdbus_cast<SniPixmaps>(itemProperty(item, "IconPixmap"))) all += pixmap.bytes;
     return all;
   }
   void activate(const QString& item) {
-    auto call = QDBusMessage::createMethodCall(item, "/StatusNotifierItem", "org.kde.StatusNotifierItem", "Activate");
-    call << 0 << 0;
-    panel.call(call, QDBus::Block, 5000);
+    call(item, address(item).second, "org.kde.StatusNotifierItem", "Activate", {0, 0});
   }
-  // The item whose tool tip begins with the device's name.
-  QString itemOf(const QString& name) {
+  // The menu's labels as the panel reads them, a separator as "-", and the
+  // IDs of the entries that can be chosen.
+  QStringList menu(const QString& item, QList<int>* enabled = nullptr) {
+    const auto menuPath = itemProperty(item, "Menu").value<QDBusObjectPath>().path();
+    call(item, menuPath, "com.canonical.dbusmenu", "AboutToShow", {0});
+    const auto root = qdbus_cast<DBusMenuLayout>(
+        call(item, menuPath, "com.canonical.dbusmenu", "GetLayout", {0, -1, QStringList()}).arguments().value(1));
+    QStringList labels;
+    for (const auto& entry : root.children) {
+      labels << (entry.properties.value("type") == "separator" ? "-" : entry.properties.value("label").toString());
+      if (enabled && entry.properties.value("enabled", true).toBool() && labels.back() != "-") *enabled << entry.id;
+    }
+    return labels;
+  }
+  void choose(const QString& item, int id) {
+    call(item, itemProperty(item, "Menu").value<QDBusObjectPath>().path(), "com.canonical.dbusmenu", "Event",
+         {id, "clicked", QVariant::fromValue(QDBusVariant(0)), 0u});
+  }
+  // The item whose tool tip text begins so.
+  QString itemOf(const QString& beginning) {
     for (const auto& item : session.statusNotifierItems()) {
-      if (toolTip(item).startsWith(name)) return item;
+      if (text(item).startsWith(beginning)) return item;
     }
     return {};
   }
@@ -100,8 +112,9 @@ protected:
   test::XServer display;
   test::PrivateBus system;
   test::PrivateBus session{test::PrivateBus::Kind::session};
+  std::unique_ptr<test::XfcePanel> panel;
   test::PulseServer pulse;
-  QDBusConnection panel = session.connect("panel");
+  QDBusConnection host = session.connect("host");
   std::unique_ptr<test::RunningProgram> program;
 };
 
@@ -121,48 +134,38 @@ TEST_F(TrayTest, EachActiveDeviceHasAnItemThatShowsItsStateAndTakesClicks) {
   EXPECT_EQ(session.statusNotifierItems().size(), 2); // none for the inactive keyboard
   EXPECT_NE(program->logText().find("Tray: StatusNotifierItem over D-Bus"), std::string::npos);
 
-  // The menu, as the panel reads it over dbusmenu.
-  auto layout = QDBusMessage::createMethodCall(headset, itemProperty(headset, "Menu").value<QDBusObjectPath>().path(),
-                                               "com.canonical.dbusmenu", "GetLayout");
-  layout << 0 << -1 << QStringList();
-  const auto root = panel.call(layout, QDBus::Block, 5000).arguments().value(1).value<QDBusArgument>();
-  int ID = 0;
-  QVariantMap properties;
-  QStringList entries;
-  root.beginStructure();
-  root >> ID >> properties;
-  root.beginArray();
-  while (!root.atEnd()) {
-    QDBusVariant child;
-    root >> child;
-    const auto entry = child.variant().value<QDBusArgument>();
-    entry.beginStructure();
-    entry >> ID >> properties;
-    entry.endStructure();
-    entries << (properties.value("type") == "separator" ? "-" : properties.value("label").toString());
-  }
-  root.endArray();
-  root.endStructure();
-  EXPECT_EQ(entries,
-            (QStringList{"WH Headset - Disconnected", "Battery Level: Unknown", "-", "Settings…", "-", "Quit"}));
+  // The menu offers what the click does first.
+  EXPECT_EQ(menu(headset), (QStringList{"Connect", "-", "WH Headset - Disconnected", "Battery Level: Unknown", "-",
+                                        "Settings…", "-", "Quit"}));
 
   // A click connects; the picture follows the state, dimmed while another
   // device is the sound output.
   const auto disconnected = pixmaps(headset);
   activate(headset);
   EXPECT_TRUE(test::waitUntil([&] { return system.bluezConnected(headsetAddress); }));
-  EXPECT_TRUE(test::waitUntil([&] { return toolTip(headset).startsWith("WH Headset - Connected.\n"); }))
-      << toolTip(headset).toStdString();
+  EXPECT_TRUE(test::waitUntil([&] { return text(headset).startsWith("WH Headset - Connected.\n"); }))
+      << text(headset).toStdString();
   const auto output = pixmaps(headset);
   pulse.pactl("set-default-sink builtin");
-  EXPECT_TRUE(test::waitUntil([&] { return toolTip(headset).contains("(Not Sound Output)"); }));
+  EXPECT_TRUE(test::waitUntil([&] { return text(headset).contains("(Not Sound Output)"); }));
   const auto notOutput = pixmaps(headset);
   EXPECT_NE(disconnected, output);
   EXPECT_NE(output, notOutput);
   EXPECT_NE(disconnected, notOutput);
 
-  // While a connection attempt runs, the spinner turns; after, the picture
-  // is back.
+  // The menu's first entry makes it the output, then disconnects it.
+  QList<int> enabled;
+  EXPECT_EQ(menu(headset, &enabled).mid(0, 3), (QStringList{"Make Sound Output", "Disconnect", "-"}));
+  ASSERT_FALSE(enabled.isEmpty());
+  choose(headset, enabled.front());
+  EXPECT_TRUE(test::waitUntil([&] { return !text(headset).contains("(Not Sound Output)"); }));
+  enabled.clear();
+  EXPECT_TRUE(test::waitUntil([&] { return menu(headset, &enabled).front() == "Disconnect"; }));
+  choose(headset, enabled.front());
+  EXPECT_TRUE(test::waitUntil([&] { return !system.bluezConnected(headsetAddress); }));
+
+  // While a connection attempt runs, the spinner turns and the menu says
+  // so; after, the picture is back.
   const auto before = pixmaps(stalling);
   activate(stalling);
   QByteArray first;
@@ -173,7 +176,57 @@ TEST_F(TrayTest, EachActiveDeviceHasAnItemThatShowsItsStateAndTakesClicks) {
         return !first.isEmpty() && now != first && now != before;
       },
       3));
+  EXPECT_EQ(menu(stalling).front(), "Connecting…");
   EXPECT_TRUE(test::waitUntil([&] { return pixmaps(stalling) == before; }, 30));
+}
+
+// Xfce's panel lists each device as an item of its own, by an Id that
+// stays across a restart of the program, in the order of the device list
+// again after the panel restarts; one can be hidden alone.
+TEST_F(TrayTest, XfceKnowsEachDeviceApartAndInOrder) {
+  // The device list's order, backwards: Xfce puts the item it meets first
+  // last, and places the items in its list's order.
+  const QStringList ids{"lanternbud-001b66000002", "lanternbud-001b66aabbcc"};
+  const QStringList arguments{"-TrayIconColor", "#ff00ff"}; // to find the pictures on the screen
+  ASSERT_TRUE(program->start(arguments));
+  ASSERT_TRUE(test::waitUntil([&] { return panel->trayList("known-items").size() == 2; })) << program->logText();
+  EXPECT_EQ(panel->trayList("known-items"), ids);
+  QStringList titles;
+  for (const auto& item : session.statusNotifierItems()) titles << itemProperty(item, "Title").toString();
+  titles.sort();
+  EXPECT_EQ(titles, (QStringList{"Slow Headset", "WH Headset"}));
+
+  // Hiding the headset's row hides its picture alone.
+  const auto file = program->stateFolder() / "screen.png";
+  auto magentaPixels = [&] {
+    if (!display.screenshot(file.string())) return -1;
+    const QImage screen(QString::fromStdString(file.string()));
+    int count = 0;
+    for (int y = 0; y < 32; ++y) {
+      for (int x = 0; x < screen.width(); ++x) {
+        const QColor pixel = screen.pixelColor(x, y);
+        count += pixel.red() > 180 && pixel.blue() > 180 && pixel.green() < 120;
+      }
+    }
+    return count;
+  };
+  int both = 0, one = 0;
+  EXPECT_TRUE(test::waitUntil([&] { return (both = magentaPixels()) > 40; })) << both;
+  ASSERT_TRUE(panel->setTrayList("hidden-items", {ids.front()}));
+  EXPECT_TRUE(test::waitUntil([&] { return (one = magentaPixels()) < both; })) << one << " of " << both;
+  EXPECT_GT(one, 20);
+
+  program->process().terminate();
+  ASSERT_TRUE(program->process().waitForFinished(10000));
+  ASSERT_TRUE(program->start(arguments));
+  ASSERT_TRUE(test::waitUntil([&] { return session.statusNotifierItems().size() == 2; }));
+  EXPECT_EQ(panel->trayList("known-items"), ids); // the same two rows
+
+  // A panel that forgot them hears of them again, in order.
+  ASSERT_TRUE(panel->setTrayList("known-items", {}));
+  ASSERT_TRUE(panel->restart());
+  EXPECT_TRUE(test::waitUntil([&] { return panel->trayList("known-items").size() == 2; })) << program->logText();
+  EXPECT_EQ(panel->trayList("known-items"), ids);
 }
 
 // Without a StatusNotifierWatcher, an XEmbed panel shows the items.

@@ -241,7 +241,10 @@ TEST(TrayPicture, DimWhenNotTheOutputWithAGaugeOnlyForAKnownLevelAndUntouchedWhi
   withLevel.sim.loop.advance(1);
   EXPECT_EQ(shown(withLevel), "headphones-fill@0.25+battery-8@0.25");
 
-  h.setting->toggleConnection(); // makes it the output instead of disconnecting
+  auto offered = h.item().openMenu();
+  offered.resize(2);
+  EXPECT_EQ(offered, (std::vector<std::string>{"Make Sound Output", "Disconnect"}));
+  h.item().choose("Make Sound Output"); // as the click would
   h.sim.loop.advance(1);
   EXPECT_EQ(h.setting->isAudioOutput(), true);
   EXPECT_EQ(shown(h), "headphones-fill@1");

@@ -91,6 +91,31 @@ TEST(Connection, ControlRightAndMiddleClicksOpenTheMenuAsDoConnectOnlyClicksThat
   EXPECT_EQ(d.device->connectCalls().size(), 1u);
 }
 
+// The menu's first entry does what the click would, and disconnects in
+// connect-only mode too; where no menu can be placed, a middle click opens
+// the device's settings.
+TEST(Connection, TheMenuOffersTheActionForTheState) {
+  test::SimulatedDevice d;
+  EXPECT_EQ(d.item().identity, "lanternbud-001122334455");
+  EXPECT_EQ(d.item().openMenu().at(0), "Connect");
+  d.item().choose("Connect");
+  EXPECT_EQ(d.item().openMenu().at(0), "Connecting…");
+  d.item().choose("Connecting…"); // a line of text
+  d.sim.loop.advance(2);
+  EXPECT_EQ(d.device->connectCalls().size(), 1u);
+  d.setting->setConnectionOnlyMode(true);
+  EXPECT_EQ(d.item().openMenu().at(0), "Disconnect");
+  d.item().choose("Disconnect");
+  d.sim.loop.advance(2);
+  EXPECT_EQ(d.device->disconnectCalls(), 1);
+  EXPECT_EQ(d.setting->isConnected(), false);
+
+  d.sim.statusBar.canPopUpMenus = false;
+  d.item().click(StatusItemClick::Button::middle);
+  EXPECT_EQ(d.sim.windows.preferencesShown, 1);
+  EXPECT_EQ(d.item().menuPopUps, 0);
+}
+
 TEST(Connection, AFailedFirstAttemptAndASuccessfulRetryShowNoDialog) {
   test::SimulatedDevice d;
   d.device->setConnectBehaviour(sim::inTurn({sim::pageTimesOut(), sim::succeedsAfter(2)}));

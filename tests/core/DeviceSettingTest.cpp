@@ -129,13 +129,16 @@ TEST_F(DeviceSettingTest, StatusItemSetUpAndRemoval) {
   EXPECT_EQ(SimImages::describe(item->image()), "keyboard");
   EXPECT_TRUE(item->image()->isTemplate());
   EXPECT_EQ(item->toolTip, "Keyboard - Disconnected.");
+  EXPECT_EQ(item->identity, "lanternbud-device-3"); // no address to name it by
 
-  // The menu's two lines are read as it opens.
+  // The menu offers what a click does; its two lines are read as it opens.
   using Lines = std::vector<std::string>;
-  EXPECT_EQ(item->openMenu(),
-            (Lines{"Keyboard - Disconnected", "Battery Level: Unknown", "-", "Settings…", "-", "Quit"}));
+  EXPECT_EQ(item->openMenu(), (Lines{"Connect", "-", "Keyboard - Disconnected", "Battery Level: Unknown", "-",
+                                     "Settings…", "-", "Quit"}));
   sim.world.setConnected("aa", true);
-  EXPECT_EQ(item->openMenu()[0], "Keyboard - Connected");
+  sim.loop.advance(1);
+  EXPECT_EQ(item->openMenu()[0], "Disconnect");
+  EXPECT_EQ(item->openMenu()[2], "Keyboard - Connected");
   item->choose("Settings…");
   EXPECT_EQ(sim.windows.preferencesShown, 1);
   item->choose("Quit");

@@ -1,0 +1,39 @@
+#include "ui/TrayPicture.h"
+
+#include "ui/TrayStatusBar.h"
+
+namespace lb {
+
+TrayPicture::TrayPicture(const TrayStatusBar& bar, std::vector<int> heights, Show show)
+    : bar_(bar), heights_(heights), show_(std::move(show)), spinner_(std::move(heights)) {}
+
+void TrayPicture::setImage(std::shared_ptr<Image> image) {
+  image_ = std::dynamic_pointer_cast<TrayImage>(image);
+  if (!busy()) show();
+}
+
+void TrayPicture::show() {
+  const QColor colour = bar_.colour();
+  const QString key = (image_ ? image_->key() : QString()) + (image_ && image_->isTemplate() ? colour.name() : "");
+  if (key == shownKey_) return;
+  shownKey_ = key;
+  show_(image_ ? image_->icon(colour, heights_) : QIcon());
+}
+
+void TrayPicture::redraw() {
+  shownKey_.clear();
+  if (!busy()) show();
+}
+
+void TrayPicture::setBusy(bool busy) {
+  if (busy == this->busy()) return;
+  if (busy) {
+    spinner_.start(bar_.colour(), show_);
+    shownKey_.clear();
+  } else {
+    spinner_.stop();
+    show();
+  }
+}
+
+} // namespace lb
