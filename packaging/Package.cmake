@@ -47,7 +47,8 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 # The libraries come from the binaries; these are the services Lanternbud
 # talks to: BlueZ always, UPower for batteries, a sound server that speaks
-# PulseAudio's protocol; Qt's own texts (standard buttons) in the user's language.
+# PulseAudio's protocol; Qt's own texts (standard buttons) in the user's language;
+# Qt's Wayland platform, without which the program cannot be a Wayland client.
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "bluez")
-set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "pulseaudio | pipewire-pulse, upower, qt6-translations-l10n")
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "pulseaudio | pipewire-pulse, upower, qt6-translations-l10n, qt6-wayland")
 include(CPack)

@@ -368,6 +368,7 @@ class Package(unittest.TestCase):
         self.assertTrue(any(d.startswith("libqt6core6") for d in depends), depends)
         self.assertTrue(any(d.startswith("libpulse0") for d in depends), depends)
         self.assertIn("pulseaudio | pipewire-pulse", self.field("Recommends"))
+        self.assertIn("qt6-wayland", self.field("Recommends"))
         self.assertEqual(self.field("Package"), "lanternbud")
         self.assertIn("Description", run("dpkg-deb", "--info", self.package).stdout)
 
