@@ -50,7 +50,7 @@ StatusNotifierItem::~StatusNotifierItem() {
   QDBusConnection::disconnectFromBus(connectionName_);
 }
 
-void StatusNotifierItem::whenHostReads(std::function<void()> read) { adaptor_->onIdRead = std::move(read); }
+void StatusNotifierItem::whenHostReads(std::function<void()> read) { adaptor_->onRead = std::move(read); }
 
 void StatusNotifierItem::setAccessibilityLabel(const std::optional<std::string>& label) {
   const auto name = QString::fromStdString(label.value_or(""));

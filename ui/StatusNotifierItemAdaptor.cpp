@@ -9,11 +9,6 @@ StatusNotifierItemAdaptor::StatusNotifierItemAdaptor(QObject* object, QString id
   setAutoRelaySignals(false);
 }
 
-QString StatusNotifierItemAdaptor::id() const {
-  if (onIdRead) onIdRead();
-  return id_;
-}
-
 void StatusNotifierItemAdaptor::setTitle(const QString& title) {
   if (title == toolTip_.title) return;
   toolTip_.title = title;

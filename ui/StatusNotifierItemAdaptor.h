@@ -44,18 +44,19 @@ public:
   // The state and battery: the tool tip's text and what a screen reader says.
   void setText(const QString& text);
   std::function<void(StatusItemClick::Button)> onClick;
-  // Told each time the host reads the Id, as it does when it takes an item in.
-  std::function<void()> onIdRead;
+  // Told each time the host reads the Id, the title or the picture, as it
+  // does when it takes the item in.
+  std::function<void()> onRead;
 
   QString category() const { return "Hardware"; }
-  QString id() const;
-  QString title() const { return toolTip_.title; }
+  QString id() const { return read(id_); }
+  QString title() const { return read(toolTip_.title); }
   QString status() const { return "Active"; }
   int windowId() const { return 0; }
   QString noName() const { return {}; }
   QDBusObjectPath menu() const { return menu_; }
   bool itemIsMenu() const { return false; }
-  SniPixmaps iconPixmap() const { return pixmaps_; }
+  SniPixmaps iconPixmap() const { return read(pixmaps_); }
   SniPixmaps noPixmaps() const { return {}; }
   SniToolTip toolTip() const { return toolTip_; }
   QString iconAccessibleDesc() const { return toolTip_.text.isEmpty() ? toolTip_.title : toolTip_.text; }
@@ -76,6 +77,11 @@ signals:
 
 private:
   void click(StatusItemClick::Button button);
+  template <typename Value>
+  const Value& read(const Value& value) const {
+    if (onRead) onRead();
+    return value;
+  }
 
   QString id_;
   QDBusObjectPath menu_;

@@ -18,7 +18,7 @@ using namespace std::chrono_literals;
 // After the host read the item: time for it to save what it read.
 constexpr auto settle = 150ms;
 // For a host that reads items later, or not at once.
-constexpr auto unread = 2s;
+constexpr auto unread = 1s;
 
 } // namespace
 

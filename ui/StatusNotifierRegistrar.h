@@ -39,7 +39,7 @@ private:
   QDBusServiceWatcher watcher_;
   std::vector<Entry> entries_;
   StatusNotifierItem* awaited_ = nullptr;
-  bool hostRead_ = false;               // the awaited item's Id, by the host
+  bool hostRead_ = false;               // the awaited item, by the host
   StatusNotifierItem* paced_ = nullptr; // the item the pause is for
   QTimer pause_;                        // between one registration and the next
 };
