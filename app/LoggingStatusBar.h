@@ -9,6 +9,10 @@ namespace lb {
 class LoggingStatusBar final : public StatusBar {
 public:
   double thickness() const override { return 22.0; }
+  // Nobody sees these pictures: any paint will do.
+  PanelSignals panelSignals() const override { return {}; }
+  void watchPanel(std::function<void()>) override {}
+  void setPaint(const TrayPaint&) override {}
   std::unique_ptr<StatusItem> createStatusItem(double length, const std::string& identity) override;
 
 private:

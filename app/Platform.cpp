@@ -47,8 +47,7 @@ Platform::Platform(UserDefaults& defaults, Tunables& tunables, std::string backe
       globalKeys_(globalKeys()), shortcuts_(std::make_unique<ShortcutBinder>(defaults, *globalKeys_)),
       scriptsFolder_(std::move(scriptsFolder)) {
   if (desktop.tray != TrayHost::Kind::none) {
-    statusBar_ = std::make_unique<TrayStatusBar>(desktop.tray,
-                                                 [&tunables] { return tunables(tunable::TrayIconColor); });
+    statusBar_ = std::make_unique<TrayStatusBar>(desktop.tray);
   } else {
     statusBar_ = std::make_unique<LoggingStatusBar>();
   }

@@ -17,6 +17,7 @@ int AppDelegate::processEntry(const UserDefaults::Arguments& commandLine,
 }
 
 void AppDelegate::applicationDidFinishLaunching() {
+  trayPainter_ = std::make_unique<TrayPainter>(services_.statusBar, services_.defaults, services_.tunables);
   deviceSettingManager_ = std::make_unique<DeviceSettingManager>(services_);
   if (deviceSettingManager_->deviceSettingList().empty()) {
     PXR_LOG(dockLog(),

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/DeviceSettingManager.h"
+#include "core/TrayTone.h"
 #include "core/Services.h"
 
 #include <functional>
@@ -38,6 +39,7 @@ public:
 
 private:
   Services& services_;
+  std::unique_ptr<TrayPainter> trayPainter_;
   std::unique_ptr<DeviceSettingManager> deviceSettingManager_;
   std::unique_ptr<NotificationRegistration> loginChoice_;
 };

@@ -121,14 +121,16 @@ inline const Tunable<Seconds> MissingAudioDeviceDisconnectionDelay{
 // whatever it started.
 inline const Tunable<Seconds> ScriptTimeLimit{"ScriptTimeLimit", Seconds(300.0), each, {0.1, 86400}};
 inline const Tunable<bool> ChangeIconWhileFixingAudioOutput{"ChangeIconWhileFixingAudioOutput", false, each};
-inline const Tunable<double> NotAudioOutputFraction{"NotAudioOutputFraction", 0.25, once, {0, 1}};
+// Half, not a quarter: a quarter of a thin stroke cannot be told from the
+// panel (under 3:1) on a dark one, nor at 0.4 on a light one.
+inline const Tunable<double> NotAudioOutputFraction{"NotAudioOutputFraction", 0.5, once, {0, 1}};
 // The default is the tray's icon size plus 5, which only the tray knows: the
 // read passes it in.
 inline const Tunable<double> StatusItemLength{"StatusItemLength", 0.0, once, {0, 1000}};
-// The colour of the tray's pictures ("white", "#303030"); empty follows the
-// desktop theme's text colour, which a tray host does not tell.
+// The colour of the tray's pictures ("white", "#303030"); empty chooses
+// light or dark from what the desktop says of its panel.
 inline const Tunable<std::string> TrayIconColor{
-    "TrayIconColor", "", each, {}, isColour, "a colour name or #rrggbb, or nothing for the theme's"};
+    "TrayIconColor", "", each, {}, isColour, "a colour name or #rrggbb, or nothing to follow the panel"};
 // How long a program started with the session waits for the panel's tray.
 inline const Tunable<Seconds> TrayHostWaitInterval{"TrayHostWaitInterval", Seconds(5.0), once, {0, 120}};
 inline const Tunable<Seconds> DeviceInfoStalenessInterval{

@@ -504,6 +504,30 @@
         <translation>Lanternbud hat keine Symbole in der Systemleiste</translation>
     </message>
     <message>
+        <source>Tray icons</source>
+        <translation>Symbolfarbe in der Leiste</translation>
+    </message>
+    <message>
+        <source>&amp;Tray icons:</source>
+        <translation>Sym&amp;bolfarbe in der Leiste:</translation>
+    </message>
+    <message>
+        <source>Automatic</source>
+        <translation>Automatisch</translation>
+    </message>
+    <message>
+        <source>Light</source>
+        <translation>Hell</translation>
+    </message>
+    <message>
+        <source>Dark</source>
+        <translation>Dunkel</translation>
+    </message>
+    <message>
+        <source>Custom (%@)</source>
+        <translation>Eigene (%@)</translation>
+    </message>
+    <message>
         <source>X11 has no key for %@</source>
         <translation>X11 kennt keine Taste für %@</translation>
     </message>

@@ -50,9 +50,34 @@ public:
   virtual bool showMessage(const std::string& title, const std::string& text) = 0;
 };
 
+// What the desktop says of the panel the tray sits in, from the most
+// specific signal to the least; each unknown while the desktop is silent.
+struct PanelSignals {
+  enum class Scheme { noPreference, preferDark, preferLight };
+  bool gnomeShell = false;            // its top bar is always dark
+  std::optional<bool> xfcePanelDark;  // Xfce's panel "dark-mode"
+  std::optional<bool> plasmaDark;     // Plasma's colours, as its theme gives them
+  std::optional<Scheme> portalScheme; // the desktop portal's colour scheme
+  std::optional<bool> paletteDark;    // a colour theme's palette, where one is set
+};
+
+// How the tray's pictures are drawn: in a colour (a name or "#rrggbb"),
+// with a thin halo of the opposite tone where the panel's is unknown.
+struct TrayPaint {
+  std::string colour;
+  bool halo = false;
+  bool operator==(const TrayPaint&) const = default;
+};
+
 class StatusBar {
 public:
   virtual ~StatusBar() = default;
+  // What the desktop says now; `changed` is told whenever it may have
+  // changed (a new colour scheme, a new panel setting).
+  virtual PanelSignals panelSignals() const = 0;
+  virtual void watchPanel(std::function<void()> changed) = 0;
+  // Draws every item again in that paint.
+  virtual void setPaint(const TrayPaint& paint) = 0;
   // The tray's icon size, in points.
   virtual double thickness() const = 0;
   // `identity` is the item's name to the tray host, which remembers by it

@@ -68,6 +68,9 @@ public:
   };
 
   double thickness() const override { return 22.0; }
+  PanelSignals panelSignals() const override { return panel; }
+  void watchPanel(std::function<void()> changed) override { panelChanged = std::move(changed); }
+  void setPaint(const TrayPaint& value) override { paint = value; }
   std::unique_ptr<StatusItem> createStatusItem(double length, const std::string& identity) override {
     auto item = std::make_unique<Item>(*this, length, identity);
     items_.push_back(item.get());
@@ -76,6 +79,10 @@ public:
 
   // The items now in the tray, oldest first.
   const std::vector<Item*>& items() const { return items_; }
+  // What the desktop says of its panel; call panelChanged after a change.
+  PanelSignals panel;
+  std::function<void()> panelChanged;
+  TrayPaint paint;
   // False for a Wayland desktop, where no program places a menu.
   bool canPopUpMenus = true;
   // Called as an item leaves the tray.

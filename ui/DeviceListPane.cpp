@@ -6,6 +6,7 @@
 #include "ui/AdvancedSheet.h"
 #include "ui/DeviceChooser.h"
 #include "ui/ShortcutRecorder.h"
+#include "ui/TrayIconsChoice.h"
 #include "ui/TrayImage.h"
 #include "ui/UiText.h"
 
@@ -145,7 +146,11 @@ DeviceListPane::DeviceListPane(DeviceSettingManager& registry, Services& service
   columns->addLayout(detail, 1);
   auto* layout = new QVBoxLayout(this);
   layout->addLayout(columns);
-  layout->addWidget(launchAtLogin_);
+  auto* bottom = new QHBoxLayout;
+  bottom->addWidget(launchAtLogin_);
+  bottom->addStretch();
+  bottom->addWidget(new TrayIconsChoice(services_.defaults, this));
+  layout->addLayout(bottom);
 
   changes_ = registry_.addChangeListener([this](const DeviceSetting* changed) { deviceChanged(changed); });
   reload();

@@ -34,13 +34,17 @@ QImage Spinner::frame(int step, int pixels, const QColor& colour) {
   return image;
 }
 
-void Spinner::start(const QColor& colour, ShowFrame show) {
-  if (frames_.empty() || framesColour_ != colour) {
+void Spinner::start(const QColor& colour, const std::optional<QColor>& halo, ShowFrame show) {
+  if (frames_.empty() || framesColour_ != colour || framesHalo_ != halo) {
     frames_.clear();
     framesColour_ = colour;
+    framesHalo_ = halo;
     for (int step = 0; step < spokes; ++step) {
       QIcon icon;
-      for (int pixels : heights_) icon.addPixmap(QPixmap::fromImage(frame(step, pixels, colour)));
+      for (int pixels : heights_) {
+        const auto drawn = frame(step, pixels, colour);
+        icon.addPixmap(QPixmap::fromImage(halo ? TrayImage::withHalo(drawn, *halo, pixels / 22.0) : drawn));
+      }
       frames_.push_back(icon);
     }
   }

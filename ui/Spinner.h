@@ -29,7 +29,7 @@ public:
 
   // Starts showing frames through `show` until the spinner is stopped or
   // destroyed.
-  void start(const QColor& colour, ShowFrame show);
+  void start(const QColor& colour, const std::optional<QColor>& halo, ShowFrame show);
   void stop();
   bool spinning() const { return timer_ != nullptr; }
 
@@ -37,6 +37,7 @@ private:
   std::vector<int> heights_;
   std::vector<QIcon> frames_;
   QColor framesColour_;
+  std::optional<QColor> framesHalo_;
   std::unique_ptr<QTimer> timer_;
   int step_ = 0;
 };

@@ -5,6 +5,7 @@
 #include <QPainter>
 #include <QSvgRenderer>
 
+#include <algorithm>
 #include <cmath>
 #include <map>
 
@@ -95,11 +96,37 @@ const std::vector<int>& TrayImage::standardHeights() {
   return heights;
 }
 
-QIcon TrayImage::icon(const QColor& colour, const std::vector<int>& heights) const {
+QIcon TrayImage::icon(const QColor& colour, const std::vector<int>& heights, const std::optional<QColor>& halo) const {
   QIcon icon;
   if (size_.height <= 0) return icon;
-  for (int pixels : heights) icon.addPixmap(QPixmap::fromImage(render(pixels / size_.height, colour)));
+  for (int pixels : heights) {
+    const double scale = pixels / size_.height;
+    const auto drawn = render(scale, colour);
+    icon.addPixmap(QPixmap::fromImage(halo ? withHalo(drawn, *halo, scale) : drawn));
+  }
   return icon;
+}
+
+QImage TrayImage::withHalo(const QImage& picture, const QColor& halo, double scale) {
+  // The picture's shape in the halo's colour, laid round it in eight
+  // directions, then the picture over it.
+  QImage shape = picture.convertToFormat(QImage::Format_ARGB32_Premultiplied);
+  {
+    QPainter tint(&shape);
+    tint.setCompositionMode(QPainter::CompositionMode_SourceIn);
+    tint.fillRect(shape.rect(), halo);
+  }
+  QImage result(picture.size(), QImage::Format_ARGB32_Premultiplied);
+  result.fill(Qt::transparent);
+  QPainter painter(&result);
+  const int reach = std::max(1, int(scale + 0.5));
+  for (int dx = -reach; dx <= reach; dx += reach) {
+    for (int dy = -reach; dy <= reach; dy += reach) {
+      if (dx || dy) painter.drawImage(dx, dy, shape);
+    }
+  }
+  painter.drawImage(0, 0, picture);
+  return result;
 }
 
 QIcon TrayImage::iconOf(const std::shared_ptr<Image>& image, const QColor& colour) {

@@ -8,6 +8,7 @@
 #include <QString>
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace lb {
@@ -40,8 +41,12 @@ public:
   QImage render(double scale, const QColor& colour) const;
   // The heights in pixels trays and menus ask for, at 1× and 2×.
   static const std::vector<int>& standardHeights();
-  // The picture at those heights.
-  QIcon icon(const QColor& colour, const std::vector<int>& heights = standardHeights()) const;
+  // The picture at those heights, with a halo of that colour if asked.
+  QIcon icon(const QColor& colour, const std::vector<int>& heights = standardHeights(),
+             const std::optional<QColor>& halo = std::nullopt) const;
+  // The picture with a thin outline of `halo` around what it draws, about a
+  // point wide: legible on a light panel and a dark one alike.
+  static QImage withHalo(const QImage& picture, const QColor& halo, double scale);
   // The same for any picture core chose; empty for one that is not ours.
   static QIcon iconOf(const std::shared_ptr<Image>& image, const QColor& colour);
 

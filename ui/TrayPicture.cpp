@@ -14,10 +14,12 @@ void TrayPicture::setImage(std::shared_ptr<Image> image) {
 
 void TrayPicture::show() {
   const QColor colour = bar_.colour();
-  const QString key = (image_ ? image_->key() : QString()) + (image_ && image_->isTemplate() ? colour.name() : "");
+  const auto halo = bar_.halo();
+  const QString paint = colour.name() + (halo ? "/" + halo->name() : "");
+  const QString key = (image_ ? image_->key() : QString()) + (image_ && image_->isTemplate() ? paint : "");
   if (key == shownKey_) return;
   shownKey_ = key;
-  show_(image_ ? image_->icon(colour, heights_) : QIcon());
+  show_(image_ ? image_->icon(colour, heights_, image_->isTemplate() ? halo : std::nullopt) : QIcon());
 }
 
 void TrayPicture::redraw() {
@@ -28,7 +30,7 @@ void TrayPicture::redraw() {
 void TrayPicture::setBusy(bool busy) {
   if (busy == this->busy()) return;
   if (busy) {
-    spinner_.start(bar_.colour(), show_);
+    spinner_.start(bar_.colour(), bar_.halo(), show_);
     shownKey_.clear();
   } else {
     spinner_.stop();

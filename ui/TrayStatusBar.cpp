@@ -4,25 +4,22 @@
 #include "ui/StatusNotifierRegistrar.h"
 #include "ui/TrayStatusItem.h"
 
-#include <QEvent>
-#include <QGuiApplication>
-#include <QPalette>
-
 namespace lb {
 
-TrayStatusBar::TrayStatusBar(TrayHost::Kind host, ColourSetting setting) : setting_(std::move(setting)) {
+TrayStatusBar::TrayStatusBar(TrayHost::Kind host) : panel_(QDBusConnection::sessionBus()) {
   if (host == TrayHost::Kind::statusNotifierItem) {
     registrar_ = std::make_unique<StatusNotifierRegistrar>(QDBusConnection::sessionBus());
   }
-  QGuiApplication::instance()->installEventFilter(this);
 }
 
-TrayStatusBar::~TrayStatusBar() { QGuiApplication::instance()->removeEventFilter(this); }
+TrayStatusBar::~TrayStatusBar() = default;
 
-QColor TrayStatusBar::colour() const {
-  const QColor chosen(QString::fromStdString(setting_()));
-  if (chosen.isValid()) return chosen;
-  return QGuiApplication::palette().color(QPalette::WindowText);
+void TrayStatusBar::setPaint(const TrayPaint& paint) {
+  const QColor chosen(QString::fromStdString(paint.colour));
+  colour_ = chosen.isValid() ? chosen : QColor(Qt::black);
+  // The halo is the other tone: white about dark pictures, black about light ones.
+  halo_ = paint.halo ? std::optional(colour_.lightness() < 128 ? QColor(Qt::white) : QColor(Qt::black)) : std::nullopt;
+  for (auto* item : items_) item->redraw();
 }
 
 std::unique_ptr<StatusItem> TrayStatusBar::createStatusItem(double, const std::string& identity) {
@@ -37,12 +34,5 @@ std::unique_ptr<StatusItem> TrayStatusBar::createStatusItem(double, const std::s
 }
 
 void TrayStatusBar::forget(PaintedStatusItem* item) { std::erase(items_, item); }
-
-bool TrayStatusBar::eventFilter(QObject* watched, QEvent* event) {
-  if (watched == QGuiApplication::instance() && event->type() == QEvent::ApplicationPaletteChange) {
-    for (auto* item : items_) item->redraw();
-  }
-  return false;
-}
 
 } // namespace lb

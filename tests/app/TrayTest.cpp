@@ -1,3 +1,4 @@
+#include "tests/support/Contrast.h"
 #include "tests/support/PrivateBus.h"
 #include "tests/support/PulseServer.h"
 #include "tests/support/RequireService.h"
@@ -133,6 +134,29 @@ TEST_F(TrayTest, EachActiveDeviceHasAnItemThatShowsItsStateAndTakesClicks) {
   })) << program->logText();
   EXPECT_EQ(session.statusNotifierItems().size(), 2); // none for the inactive keyboard
   EXPECT_NE(program->logText().find("Tray: StatusNotifierItem over D-Bus"), std::string::npos);
+
+  // Xfce's dark panel is said, and every item stands out from it by 3:1.
+  EXPECT_NE(program->logText().find("Tray pictures: light, from Xfce's panel"), std::string::npos);
+  const auto file = program->stateFolder() / "screen.png";
+  std::vector<double> items; // the strongest contrast in each run of columns that differ from the panel
+  test::waitUntil([&] {
+    if (!display.screenshot(file.string())) return false;
+    const QImage screen(QString::fromStdString(file.string()));
+    const QColor panelColour = screen.pixelColor(screen.width() - 4, 16);
+    items.clear();
+    bool inItem = false;
+    for (int x = 0; x < screen.width(); ++x) {
+      double strongest = 1;
+      for (int y = 0; y < 32; ++y)
+        strongest = std::max(strongest, test::contrast(screen.pixelColor(x, y), panelColour));
+      if (strongest > 1.1 && !inItem) items.push_back(1);
+      if (strongest > 1.1) items.back() = std::max(items.back(), strongest);
+      inItem = strongest > 1.1;
+    }
+    return items.size() >= 2;
+  });
+  ASSERT_GE(items.size(), 2u);
+  for (double each : items) EXPECT_GE(each, 3.0);
 
   // The menu offers what the click does first.
   EXPECT_EQ(menu(headset), (QStringList{"Connect", "-", "WH Headset - Disconnected", "Battery Level: Unknown", "-",

@@ -20,7 +20,8 @@ int main(int argc, char** argv) {
   qputenv("QT_QPA_PLATFORM", "offscreen");
   QApplication application(argc, argv);
   const int rounds = argc > 1 ? std::atoi(argv[1]) : 200;
-  TrayStatusBar bar(TrayHost::Kind::xembed, [] { return std::string("white"); });
+  TrayStatusBar bar(TrayHost::Kind::xembed);
+  bar.setPaint({"white", false});
   SvgImages images;
   std::vector<std::unique_ptr<StatusItem>> items;
   for (int i = 0; i < 10; ++i) items.push_back(bar.createStatusItem(27, "lanternbud-device-" + std::to_string(i)));

@@ -231,7 +231,7 @@ TEST(TrayPicture, DimWhenNotTheOutputWithAGaugeOnlyForAKnownLevelAndUntouchedWhi
   h.sim.loop.advance(1);
   ASSERT_EQ(h.setting->isAudioOutput(), false);
   auto shown = [](Headset& headset) { return SimImages::describe(headset.item().image()); };
-  EXPECT_EQ(shown(h), "headphones-fill@0.25"); // asked for a gauge, but no level is known
+  EXPECT_EQ(shown(h), "headphones-fill@0.5"); // asked for a gauge, but no level is known
   EXPECT_EQ(h.item().toolTip, "WH Headset - Connected (Not Sound Output).\nBattery Level: Unknown.");
 
   Headset withLevel({.delay = 0});
@@ -239,7 +239,7 @@ TEST(TrayPicture, DimWhenNotTheOutputWithAGaugeOnlyForAKnownLevelAndUntouchedWhi
   withLevel.device->setBatteryProperty("batteryPercentSingle", 77);
   withLevel.sim.world.setConnected(withLevel.address, true);
   withLevel.sim.loop.advance(1);
-  EXPECT_EQ(shown(withLevel), "headphones-fill@0.25+battery-8@0.25");
+  EXPECT_EQ(shown(withLevel), "headphones-fill@0.5+battery-8@0.5");
 
   auto offered = h.item().openMenu();
   offered.resize(2);
@@ -256,7 +256,7 @@ TEST(TrayPicture, DimWhenNotTheOutputWithAGaugeOnlyForAKnownLevelAndUntouchedWhi
   EXPECT_EQ(h.setting->isAudioOutput(), false);
   EXPECT_EQ(h.item().redraws, redraws); // the spinner stays until it stops
   h.setting->stopProgress();
-  EXPECT_EQ(shown(h), "headphones-fill@0.25");
+  EXPECT_EQ(shown(h), "headphones-fill@0.5");
 }
 
 TEST(TrayPicture, WhileTheOutputIsFixedTheDimmedPictureOrTheRefreshSymbol) {
@@ -267,7 +267,7 @@ TEST(TrayPicture, WhileTheOutputIsFixedTheDimmedPictureOrTheRefreshSymbol) {
     h.setting->outputFixer().didFailToSetAudioOutput();
     ASSERT_TRUE(h.setting->outputFixer().isRetrying());
     h.setting->updateButtonImage();
-    EXPECT_EQ(SimImages::describe(h.item().image()), symbol ? "refresh-freestanding" : "headphones-fill@0.25");
+    EXPECT_EQ(SimImages::describe(h.item().image()), symbol ? "refresh-freestanding" : "headphones-fill@0.5");
     EXPECT_EQ(h.setting->statusString(), "WH Headset - Fixing Sound Output");
   }
 }

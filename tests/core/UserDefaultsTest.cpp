@@ -118,8 +118,8 @@ TEST(Tunables, OutOfRangeValuesAreIgnoredAndUnknownKeysHaveNeighbours) {
   UserDefaults defaults(store, UserDefaults::argumentDomain({"-NotAudioOutputFraction", "nan"}));
   Tunables tunables(defaults);
   EXPECT_EQ(tunables(tunable::ConnectionUpdateTimerInterval), Seconds(1.0));
-  EXPECT_DOUBLE_EQ(tunables(tunable::NotAudioOutputFraction), 0.25);
-  EXPECT_DOUBLE_EQ(tunables(tunable::NotAudioOutputFraction), 0.25);
+  EXPECT_DOUBLE_EQ(tunables(tunable::NotAudioOutputFraction), 0.5);
+  EXPECT_DOUBLE_EQ(tunables(tunable::NotAudioOutputFraction), 0.5);
   EXPECT_EQ(log.messages().size(), 2u);
   EXPECT_TRUE(log.contains("ConnectionUpdateTimerInterval takes a number from 0.05"));
 

@@ -15,6 +15,7 @@
 #include <QCheckBox>
 #include <QFileDialog>
 #include <QKeySequenceEdit>
+#include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -156,6 +157,18 @@ TEST_F(PreferencesWindowTest, TheListShowsTheDevicesWhoseOptionsApplyAndAreSaved
 
   click("launchAtLogin");
   EXPECT_TRUE(sim.defaults.boolValue("launchAtLogin", false));
+
+  // The tray's tone: chosen here, and shown when set elsewhere.
+  auto* trayIcons = find<QComboBox>("trayIcons");
+  EXPECT_EQ(trayIcons->currentText(), "Automatic");
+  trayIcons->setCurrentIndex(trayIcons->findText("Light"));
+  emit trayIcons->activated(trayIcons->currentIndex());
+  EXPECT_EQ(sim.defaults.stringValue("TrayIconColor", ""), "white");
+  sim.defaults.setValue("TrayIconColor", "#123456");
+  EXPECT_EQ(trayIcons->currentText(), "Custom (#123456)");
+  trayIcons->setCurrentIndex(trayIcons->findText("Automatic"));
+  emit trayIcons->activated(trayIcons->currentIndex());
+  EXPECT_FALSE(sim.defaults.object("TrayIconColor"));
 
   // A change from elsewhere (a script renaming, adding) shows at once.
   registry->add(*sim.bluetooth.deviceWithAddressString(mouseAddress));

@@ -1,4 +1,6 @@
 #include "core/MenuBarIconOption.h"
+#include "core/Tunables.h"
+#include "tests/support/Contrast.h"
 #include "ui/Spinner.h"
 #include "ui/SvgImages.h"
 #include "ui/TrayImage.h"
@@ -26,7 +28,57 @@ int inked(const QImage& image) {
   return count;
 }
 
+// The strongest contrast the picture's pixels make with the panel, each
+// drawn over it as the panel would.
+double contrastOn(const QImage& picture, const QColor& panel) {
+  double strongest = 1;
+  const QImage pixels = picture.convertToFormat(QImage::Format_ARGB32);
+  for (int y = 0; y < pixels.height(); ++y) {
+    for (int x = 0; x < pixels.width(); ++x) {
+      const QColor pixel = QColor::fromRgba(pixels.pixel(x, y));
+      const double alpha = pixel.alphaF();
+      const QColor over = QColor::fromRgbF(float(alpha * pixel.redF() + (1 - alpha) * panel.redF()),
+                                           float(alpha * pixel.greenF() + (1 - alpha) * panel.greenF()),
+                                           float(alpha * pixel.blueF() + (1 - alpha) * panel.blueF()));
+      strongest = std::max(strongest, test::contrast(over, panel));
+    }
+  }
+  return strongest;
+}
+
 } // namespace
+
+// Every state keeps 3:1 against its panel: light pictures on dark panels
+// (GNOME's black bar, a dark Xfce panel), dark ones on light panels, and
+// the haloed pictures, for a panel nobody names, on all of them.
+TEST(TrayPictures, EveryStateStandsOutFromLightAndDarkPanels) {
+  SvgImages images;
+  const double dimmed = tunable::NotAudioOutputFraction.defaultValue;
+  const auto option = MenuBarIconOption::headphones;
+  auto outline = images.named("headphones");
+  outline->setTemplate(true); // as the tray is given it
+  const std::vector<std::pair<const char*, std::shared_ptr<Image>>> states{
+      {"outline", outline},
+      {"filled", connectedImage(images, option)},
+      {"dimmed", connectedImage(images, option, dimmed)},
+      {"gauge", image(images, option, 60, dimmed)}};
+  const QColor dark[] = {QColor("#000000"), QColor("#2d2d2d")}, light[] = {QColor("#ffffff"), QColor("#f6f5f4")};
+  auto check = [&](const QColor& ink, std::optional<QColor> halo, const QColor& panel) {
+    for (const auto& [state, picture] : states) {
+      const auto tray = std::dynamic_pointer_cast<TrayImage>(picture);
+      ASSERT_TRUE(tray) << state;
+      auto drawn = tray->render(22 / tray->size().height, ink);
+      if (halo) drawn = TrayImage::withHalo(drawn, *halo, 22 / tray->size().height);
+      EXPECT_GE(contrastOn(drawn, panel), 3.0) << state << " on " << panel.name().toStdString();
+    }
+    auto frame = Spinner::frame(3, 22, ink);
+    if (halo) frame = TrayImage::withHalo(frame, *halo, 1);
+    EXPECT_GE(contrastOn(frame, panel), 3.0) << "spinner on " << panel.name().toStdString();
+  };
+  for (const auto& panel : dark) check(Qt::white, std::nullopt, panel);
+  for (const auto& panel : light) check(Qt::black, std::nullopt, panel);
+  for (const auto& panel : {dark[0], dark[1], light[0], light[1]}) check(Qt::black, QColor(Qt::white), panel);
+}
 
 TEST(TrayPictures, EveryOptionHasItsOwnOutlineAndFilledPictureInThePanelsColour) {
   SvgImages images;
