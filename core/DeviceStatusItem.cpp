@@ -3,6 +3,7 @@
 #include "core/DeviceSetting.h"
 #include "core/LogAreas.h"
 #include "core/Texts.h"
+#include "foundation/BluetoothAddress.h"
 
 #include <cctype>
 
@@ -85,8 +86,10 @@ DeviceStatusItem::Offer DeviceStatusItem::offer() const {
 }
 
 void DeviceStatusItem::updateMenu() {
-  if (!item_ || offer() == offered_) return;
-  offered_ = offer();
+  if (!item_) return;
+  const auto now = offer();
+  if (now == offered_) return;
+  offered_ = now;
   item_->setMenu(deviceMenu(offered_));
 }
 
@@ -146,12 +149,13 @@ void DeviceStatusItem::popUpMenu(const StatusItemClick& click) {
 }
 
 std::string DeviceStatusItem::identity() const {
+  const auto address = BluetoothAddress::parse(owner_.storedAddress().value_or(""));
+  if (!address) return "lanternbud-device-" + std::to_string(owner_.deviceID());
   std::string hex;
-  for (const char c : owner_.storedAddress().value_or("")) {
-    if (std::isxdigit(static_cast<unsigned char>(c))) hex += char(std::tolower(static_cast<unsigned char>(c)));
+  for (const char c : address->toString()) {
+    if (c != ':') hex += char(std::tolower(static_cast<unsigned char>(c)));
   }
-  if (hex.size() == 12) return "lanternbud-" + hex;
-  return "lanternbud-device-" + std::to_string(owner_.deviceID());
+  return "lanternbud-" + hex;
 }
 
 } // namespace lb

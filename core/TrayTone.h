@@ -28,7 +28,6 @@ struct TrayTone {
 class TrayPainter {
 public:
   TrayPainter(StatusBar& statusBar, UserDefaults& defaults, const Tunables& tunables);
-  TrayPaint paint() const { return paint_; }
 
 private:
   void update();

@@ -61,14 +61,12 @@ void StatusNotifierRegistrar::registerNext() {
                            [](const Entry& entry) { return entry.ready && !entry.registered; });
   if (next == entries_.end()) return;
   auto* item = next->item;
-  awaited_ = item;
+  awaited_ = paced_ = item;
   hostRead_ = false;
   item->whenHostReads([this, item] {
-    if (item == awaited_) {
-      hostRead_ = true;
-    } else if (item == paced_ && pause_.isActive() && pause_.remainingTimeAsDuration() > settle) {
-      pause_.start(settle);
-    }
+    if (item != paced_) return;
+    hostRead_ = true;
+    if (pause_.isActive() && pause_.remainingTimeAsDuration() > settle) pause_.start(settle);
   });
   auto call = QDBusMessage::createMethodCall(TrayHost::watcherService, "/StatusNotifierWatcher",
                                              TrayHost::watcherService, "RegisterStatusNotifierItem");
@@ -92,10 +90,7 @@ void StatusNotifierRegistrar::answered(StatusNotifierItem* item, bool taken) {
   for (auto& entry : entries_) {
     if (entry.item == item) entry.registered = true;
   }
-  if (taken) {
-    paced_ = item;
-    pause_.start(hostRead_ ? settle : unread);
-  }
+  if (taken) pause_.start(hostRead_ ? settle : unread);
   registerNext();
 }
 

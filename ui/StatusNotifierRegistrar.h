@@ -39,8 +39,8 @@ private:
   QDBusServiceWatcher watcher_;
   std::vector<Entry> entries_;
   StatusNotifierItem* awaited_ = nullptr;
-  bool hostRead_ = false;               // the awaited item, by the host
-  StatusNotifierItem* paced_ = nullptr; // the item the pause is for
+  StatusNotifierItem* paced_ = nullptr; // the last item registered: the pause is for it
+  bool hostRead_ = false;               // whether the host has read it
   QTimer pause_;                        // between one registration and the next
 };
 

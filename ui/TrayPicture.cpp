@@ -13,13 +13,11 @@ void TrayPicture::setImage(std::shared_ptr<Image> image) {
 }
 
 void TrayPicture::show() {
-  const QColor colour = bar_.colour();
-  const auto halo = bar_.halo();
-  const QString paint = colour.name() + (halo ? "/" + halo->name() : "");
-  const QString key = (image_ ? image_->key() : QString()) + (image_ && image_->isTemplate() ? paint : "");
+  // A new paint comes with a redraw, so the recipe alone tells an unchanged picture.
+  const QString key = image_ ? image_->key() : QString();
   if (key == shownKey_) return;
   shownKey_ = key;
-  show_(image_ ? image_->icon(colour, heights_, image_->isTemplate() ? halo : std::nullopt) : QIcon());
+  show_(image_ ? image_->icon(bar_.colour(), heights_, image_->isTemplate() ? bar_.halo() : std::nullopt) : QIcon());
 }
 
 void TrayPicture::redraw() {

@@ -33,7 +33,7 @@ private:
   std::vector<int> heights_;
   Show show_;
   std::shared_ptr<TrayImage> image_;
-  QString shownKey_; // what is shown now, with its colour
+  QString shownKey_; // the recipe shown now
   Spinner spinner_;
 };
 
