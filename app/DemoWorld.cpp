@@ -33,11 +33,11 @@ DemoWorld::DemoWorld(EventLoop& loop) : world(loop) {
   add("00:1D:43:A0:00:03", "Lantern Mouse", 5, MenuBarIconOption::mouse).setBatteryProperty("batteryPercentSingle", 45);
   add("00:1D:43:A0:00:04", "Lantern Keyboard", 5, MenuBarIconOption::keyboard);
 
-  // Every third connect attempt pages in vain; the retry then connects.
+  // Every other connect pages in vain, and so does its retry: the demo shows
+  // the connection alert and its Help.
   auto& speaker = add("00:1D:43:A0:00:05", "Lantern Speaker", 4, MenuBarIconOption::cylinderSpeaker);
-  speaker.setConnectBehaviour([attempts = 0](SimCallContext& call) mutable {
-    return ++attempts % 3 == 0 ? sim::failsAfter(sim::pageTimeoutResult(), 3.0)(call) : sim::succeedsAfter(1.5)(call);
-  });
+  const auto pagesInVain = sim::failsAfter(sim::pageTimeoutResult(), 3.0);
+  speaker.setConnectBehaviour(sim::cycles({sim::succeedsAfter(1.5), pagesInVain, pagesInVain}));
   headsets_.push_back(std::make_unique<SimHeadsetAudio>(world, audio, loop, speaker.addressString(), "Lantern Speaker",
                                                         SimHeadsetAudio::Options{.delay = 0.5}));
 }

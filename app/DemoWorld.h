@@ -14,8 +14,8 @@ namespace lb {
 
 // The devices of `lanternbud --demo`, simulated in real time: a headset
 // whose speaker appears a moment after it connects, earbuds with left and
-// right batteries, a mouse, a keyboard, and a speaker that sometimes times
-// out. The computer has its own speakers and microphone.
+// right batteries, a mouse, a keyboard, and a speaker whose every other
+// connect times out. The computer has its own speakers and microphone.
 class DemoWorld {
 public:
   explicit DemoWorld(EventLoop& loop);

@@ -52,6 +52,12 @@ SimBehaviour inTurn(std::vector<SimBehaviour> behaviours) {
   };
 }
 
+SimBehaviour cycles(std::vector<SimBehaviour> behaviours) {
+  return [behaviours = std::move(behaviours), next = std::size_t{0}](SimCallContext& call) mutable {
+    return behaviours[next++ % behaviours.size()](call);
+  };
+}
+
 IOReturn pageTimeoutResult() {
   return IOReturn::make(IOReturn::Code::kBluetoothHCIErrorPageTimeout, "simulated page timeout");
 }

@@ -24,6 +24,8 @@ SimBehaviour pageTimesOut();
 SimBehaviour connectsLateAfter(IOReturn timeout, double seconds, double lateBy);
 // One behaviour per call in turn; the last one repeats.
 SimBehaviour inTurn(std::vector<SimBehaviour> behaviours);
+// One behaviour per call in turn, round and round.
+SimBehaviour cycles(std::vector<SimBehaviour> behaviours);
 
 // Common results, as a backend would report them.
 IOReturn pageTimeoutResult();      // 4

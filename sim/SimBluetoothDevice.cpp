@@ -9,7 +9,8 @@ SimBluetoothDevice::SimBluetoothDevice(SimBluetoothWorld& world, EventLoop& loop
                                        std::optional<std::string> name, std::uint32_t majorClass,
                                        std::uint32_t minorClass)
     : world_(world), loop_(loop), address_(std::move(address)), majorClass_(majorClass), minorClass_(minorClass),
-      name_(std::move(name)), connect_(sim::succeedsAfter(1.0)), disconnect_(sim::disconnectsAfter(0.2)) {}
+      name_(std::move(name)), connect_(std::make_shared<SimBehaviour>(sim::succeedsAfter(1.0))),
+      disconnect_(std::make_shared<SimBehaviour>(sim::disconnectsAfter(0.2))) {}
 
 std::optional<std::string> SimBluetoothDevice::name() const {
   std::lock_guard lock(mutex_);
@@ -22,25 +23,25 @@ bool SimBluetoothDevice::isConnected() const {
 }
 
 IOReturn SimBluetoothDevice::openConnection(std::optional<std::uint16_t> pageTimeout) {
-  SimBehaviour behaviour;
+  std::shared_ptr<SimBehaviour> behaviour;
   {
     std::lock_guard lock(mutex_);
     connectCalls_.push_back(pageTimeout);
     behaviour = connect_;
   }
   SimCallContext call{world_, loop_, address_, pageTimeout};
-  return behaviour(call);
+  return (*behaviour)(call);
 }
 
 IOReturn SimBluetoothDevice::closeConnection() {
-  SimBehaviour behaviour;
+  std::shared_ptr<SimBehaviour> behaviour;
   {
     std::lock_guard lock(mutex_);
     ++disconnectCalls_;
     behaviour = disconnect_;
   }
   SimCallContext call{world_, loop_, address_, std::nullopt};
-  return behaviour(call);
+  return (*behaviour)(call);
 }
 
 std::optional<SettingsValue> SimBluetoothDevice::batteryProperty(const std::string& keyString) const {
@@ -58,7 +59,7 @@ void SimBluetoothDevice::setBatteryProperty(const std::string& keyString, std::o
 
 void SimBluetoothDevice::setConnectBehaviour(SimBehaviour behaviour) {
   std::lock_guard lock(mutex_);
-  connect_ = std::move(behaviour);
+  connect_ = std::make_shared<SimBehaviour>(std::move(behaviour));
 }
 
 std::vector<std::optional<std::uint16_t>> SimBluetoothDevice::connectCalls() const {

@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <map>
+#include <memory>
 #include <mutex>
 #include <vector>
 
@@ -59,8 +60,10 @@ private:
   std::optional<std::string> name_;
   bool connected_ = false;
   std::map<std::string, SettingsValue> battery_;
-  SimBehaviour connect_;
-  const SimBehaviour disconnect_;
+  // Shared, so that a call runs the behaviour itself, outside the lock, and
+  // a behaviour that counts its calls keeps its count.
+  std::shared_ptr<SimBehaviour> connect_;
+  const std::shared_ptr<SimBehaviour> disconnect_;
   std::vector<std::optional<std::uint16_t>> connectCalls_;
   int disconnectCalls_ = 0;
 };

@@ -126,6 +126,23 @@ TEST(Connection, AFailedFirstAttemptAndASuccessfulRetryShowNoDialog) {
   EXPECT_TRUE(d.sim.alerts.shown.empty());
 }
 
+// The demo's speaker: a device that fails once it has connected before.
+TEST(Connection, AFailurePastTheRetryAfterASuccessShowsTheDialog) {
+  test::SimulatedDevice d;
+  const auto pagesInVain = sim::failsAfter(sim::pageTimeoutResult(), 3);
+  d.device->setConnectBehaviour(sim::cycles({sim::succeedsAfter(1), pagesInVain, pagesInVain}));
+  d.setting->toggleConnection();
+  d.sim.loop.advance(5);
+  d.setting->toggleConnection();
+  d.sim.loop.advance(5);
+  ASSERT_EQ(d.setting->isConnected(), false);
+  d.setting->toggleConnection();
+  d.sim.loop.advance(30);
+  EXPECT_EQ(d.device->connectCalls().size(), 3u);
+  ASSERT_EQ(d.sim.alerts.shown.size(), 1u);
+  EXPECT_EQ(d.sim.alerts.shown[0].buttons, (std::vector<std::string>{"OK", "Help"}));
+}
+
 // BlueZ may answer "already connected" for a link it has not reported yet.
 TEST(Connection, EveryEndOfAnAttemptStopsTheSpinner) {
   test::SimulatedDevice d;
