@@ -11,6 +11,7 @@ public:
   std::optional<std::string> method() const override { return std::nullopt; }
   void grab(const std::string&, const std::string&, const std::string&, std::function<void()>, Done) override {}
   void release(const std::string&) override {}
+  void setSuspended(bool) override {}
 };
 
 } // namespace lb

@@ -39,6 +39,22 @@ bool isFunctionKey(const std::string& key) {
 
 } // namespace
 
+class ShortcutBinder::Suspension final : public NotificationRegistration {
+public:
+  explicit Suspension(ShortcutBinder& binder) : binder_(binder), alive_(binder.alive_) {
+    if (binder_.suspensions_++ == 0) binder_.keys_.setSuspended(true);
+  }
+  ~Suspension() override {
+    if (alive_.lock() && --binder_.suspensions_ == 0) binder_.keys_.setSuspended(false);
+  }
+
+private:
+  ShortcutBinder& binder_;
+  std::weak_ptr<bool> alive_;
+};
+
+std::unique_ptr<NotificationRegistration> ShortcutBinder::suspend() { return std::make_unique<Suspension>(*this); }
+
 ShortcutBinder::ShortcutBinder(UserDefaults& defaults, GlobalKeys& keys) : defaults_(defaults), keys_(keys) {
   storedChanges_ = defaults_.addChangeListener([this](const std::string& key) {
     if (bindings_.contains(key)) bind(key);
@@ -126,6 +142,7 @@ void ShortcutBinder::bind(const std::string& defaultsKey) {
     keys_.grab(
         defaultsKey, *keys, formatted(localized("Connect or disconnect %@"), binding.name),
         [this, defaultsKey] {
+          if (suspensions_ > 0) return;
           if (auto found = bindings_.find(defaultsKey); found != bindings_.end()) {
             auto action = found->second.action; // the action may rebind
             action();

@@ -48,12 +48,18 @@ public:
   // Why these keys cannot be a shortcut; none when they can.
   static std::optional<Wording> refusal(const std::string& keySequence);
 
+  // While the returned registration lives, shortcuts do nothing, and their
+  // keys reach the focused window where the desktop allows it: a recorder
+  // hears keys that a shortcut has.
+  std::unique_ptr<NotificationRegistration> suspend();
+
   // Told whenever a binding's state may have changed, with its key.
   std::unique_ptr<NotificationRegistration> addChangeListener(std::function<void(const std::string&)> listener) {
     return listeners_.add(std::move(listener));
   }
 
 private:
+  class Suspension;
   struct Binding {
     std::string name;
     std::function<void()> action;
@@ -69,6 +75,7 @@ private:
   GlobalKeys& keys_;
   std::map<std::string, Binding> bindings_;
   Listeners<std::string> listeners_;
+  int suspensions_ = 0;
   std::unique_ptr<NotificationRegistration> storedChanges_;
   // Answers that come after the binder is gone find nothing to tell.
   std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);

@@ -25,6 +25,10 @@ public:
   virtual void grab(const std::string& id, const std::string& keySequence, const std::string& description,
                     std::function<void()> pressed, Done done) = 0;
   virtual void release(const std::string& id) = 0;
+  // While suspended, the keys reach the focused window as ordinary presses
+  // where the desktop allows it, so that a recorder hears them; grabs made
+  // or released meanwhile hold once it ends.
+  virtual void setSuspended(bool suspended) = 0;
 };
 
 } // namespace lb

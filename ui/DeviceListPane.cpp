@@ -40,6 +40,11 @@ QString readable(const std::string& raw) {
   return name;
 }
 
+// A row's device, to know the list's order from the registry's, and the
+// name of its picture, to draw it only when it changed.
+constexpr int deviceIDRole = Qt::UserRole;
+constexpr int iconRole = Qt::UserRole + 1;
+
 QString nameOf(MenuBarIconOption icon) {
   const auto name = rawValue(icon);
   return QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size()));
@@ -201,27 +206,30 @@ void DeviceListPane::reload() {
   }
 }
 
-// The icon timer and every state change tell this too: only what shows is
-// compared and redrawn.
+// The icon timer and every state change tell this too: while the same
+// devices stand in the same order, only what shows is compared and redrawn,
+// so that the selection, the focus and a shortcut being recorded stay.
 void DeviceListPane::deviceChanged(const DeviceSetting* changed) {
   const auto& devices = registry_.deviceSettingList();
-  if (!changed || static_cast<std::size_t>(list_->count()) != devices.size()) return reload();
+  if (static_cast<std::size_t>(list_->count()) != devices.size()) return reload();
   for (std::size_t row = 0; row < devices.size(); ++row) {
-    if (devices[row].get() != changed) continue;
-    auto* item = list_->item(static_cast<int>(row));
-    if (item->text() != QString::fromStdString(changed->deviceNameOrUnknown())) return reload(); // a new order
-    showRow(*item, *changed);
-    if (static_cast<int>(row) == list_->currentRow()) showSelected();
-    return;
+    if (list_->item(static_cast<int>(row))->data(deviceIDRole) != QVariant::fromValue(devices[row]->deviceID())) {
+      return reload(); // a new order
+    }
   }
+  for (std::size_t row = 0; row < devices.size(); ++row) {
+    if (!changed || devices[row].get() == changed) showRow(*list_->item(static_cast<int>(row)), *devices[row]);
+  }
+  showSelected();
 }
 
 // A picture is drawn again only when the device's choice changed.
 void DeviceListPane::showRow(QListWidgetItem& item, const DeviceSetting& setting) {
+  item.setData(deviceIDRole, QVariant::fromValue(setting.deviceID()));
   item.setText(QString::fromStdString(setting.deviceNameOrUnknown()));
   const auto icon = nameOf(setting.icon());
-  if (item.data(Qt::UserRole) == icon) return;
-  item.setData(Qt::UserRole, icon);
+  if (item.data(iconRole) == icon) return;
+  item.setData(iconRole, icon);
   item.setIcon(pictureOf(setting));
 }
 

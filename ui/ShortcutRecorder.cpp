@@ -3,6 +3,7 @@
 #include "core/ShortcutBinder.h"
 #include "ui/UiText.h"
 
+#include <QEvent>
 #include <QGridLayout>
 #include <QKeySequenceEdit>
 #include <QLabel>
@@ -47,6 +48,7 @@ ShortcutRecorder::ShortcutRecorder(ShortcutBinder& binder, QWidget* parent)
   layout->addWidget(clear_, 0, 1);
   layout->addWidget(note_, 1, 0, 1, 2);
   setFocusProxy(edit_); // the form's label reaches the field
+  edit_->installEventFilter(this);
 
   connect(clear_, &QPushButton::clicked, this, [this] {
     if (key_) binder_.setShortcut(*key_, std::nullopt);
@@ -55,12 +57,20 @@ ShortcutRecorder::ShortcutRecorder(ShortcutBinder& binder, QWidget* parent)
   changes_ = binder_.addChangeListener([this](const std::string& key) {
     if (key == key_) showState();
   });
-  setDevice(std::nullopt, 0);
+  showState();
 }
 
 ShortcutRecorder::~ShortcutRecorder() = default;
 
+bool ShortcutRecorder::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() == QEvent::FocusIn) suspension_ = binder_.suspend();
+  if (event->type() == QEvent::FocusOut) suspension_.reset();
+  return QWidget::eventFilter(watched, event);
+}
+
+// The same device again leaves a refusal shown and keys half typed alone.
 void ShortcutRecorder::setDevice(const std::optional<std::string>& defaultsKey, std::int64_t deviceID) {
+  if (defaultsKey == key_ && deviceID == deviceID_) return;
   key_ = defaultsKey;
   deviceID_ = deviceID;
   showState();

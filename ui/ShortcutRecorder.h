@@ -29,6 +29,10 @@ public:
   // The device's shortcut key and ID; none shows nothing and takes nothing.
   void setDevice(const std::optional<std::string>& defaultsKey, std::int64_t deviceID);
 
+protected:
+  // While the field has the focus it listens, and the shortcuts rest.
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
   void record();
   void showState();
@@ -41,6 +45,7 @@ private:
   QPushButton* clear_;
   QLabel* note_;
   std::unique_ptr<NotificationRegistration> changes_;
+  std::unique_ptr<NotificationRegistration> suspension_;
 };
 
 } // namespace lb

@@ -28,6 +28,10 @@ public:
   void grab(const std::string& id, const std::string& keySequence, const std::string& description,
             std::function<void()> pressed, Done done) override;
   void release(const std::string& id) override;
+  // The desktop holds the keys and may not be asked to let go of them
+  // without asking the user again: presses still come, and the binder
+  // ignores them meanwhile.
+  void setSuspended(bool) override {}
 
   // "Ctrl+Alt+H" as portals write triggers: "CTRL+ALT+h".
   static QString preferredTrigger(const std::string& keySequence);

@@ -1,5 +1,6 @@
 #include "linux/desktop/X11GlobalKeys.h"
 
+#include "foundation/PXRLog.h"
 #include "foundation/Translatable.h"
 
 #include <QCoreApplication>
@@ -11,6 +12,7 @@
 #include <xcb/xcb_keysyms.h>
 
 #include <cstdlib>
+#include <utility>
 
 namespace lb {
 
@@ -128,28 +130,42 @@ void X11GlobalKeys::grab(const std::string& id, const std::string& keySequence, 
     return done(Failure{std::string(translatable("this keyboard has no key for %@"))});
 
   Grab made{*codes, modifiersOf(sequence[0].keyboardModifiers()), std::move(pressed)};
+  // Grabbed even while suspended, to learn whether another program has the
+  // keys, and let go at once.
+  const bool taken = !grabKeys(made);
+  if (taken || suspended_) ungrab(made);
+  xcb_flush(connection_);
+  if (taken) return done(Failure{std::string(translatable("another program holds %@"))});
+  grabs_.emplace(id, std::move(made));
+  done(sequence.toString(QKeySequence::NativeText).toStdString());
+}
+
+bool X11GlobalKeys::grabKeys(const Grab& grab) {
   bool taken = false;
   for (auto locks : lockCombinations()) {
-    auto cookie = xcb_grab_key_checked(connection_, 1, root_, made.modifiers | locks, made.keycode, XCB_GRAB_MODE_ASYNC,
-                                       XCB_GRAB_MODE_ASYNC);
+    auto cookie = xcb_grab_key_checked(connection_, 1, root_, grab.modifiers | locks, grab.keycode,
+                                       XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
     if (auto* error = xcb_request_check(connection_, cookie)) {
       std::free(error);
       taken = true;
     }
   }
-  if (taken) {
-    ungrab(made);
-    xcb_flush(connection_);
-    return done(Failure{std::string(translatable("another program holds %@"))});
+  return !taken;
+}
+
+void X11GlobalKeys::setSuspended(bool suspended) {
+  if (std::exchange(suspended_, suspended) == suspended) return;
+  for (const auto& [id, grab] : grabs_) {
+    if (suspended) ungrab(grab);
+    else if (!grabKeys(grab)) pxrLogError("Another program took the keys of shortcut " + id + " meanwhile.");
   }
-  grabs_.emplace(id, std::move(made));
-  done(sequence.toString(QKeySequence::NativeText).toStdString());
+  xcb_flush(connection_);
 }
 
 void X11GlobalKeys::release(const std::string& id) {
   auto found = grabs_.find(id);
   if (found == grabs_.end()) return;
-  ungrab(found->second);
+  if (!suspended_) ungrab(found->second);
   xcb_flush(connection_);
   grabs_.erase(found);
 }

@@ -28,6 +28,8 @@ public:
   void grab(const std::string& id, const std::string& keySequence, const std::string& description,
             std::function<void()> pressed, Done done) override;
   void release(const std::string& id) override;
+  // Suspended keys are ungrabbed, and grabbed again when it ends.
+  void setSuspended(bool suspended) override;
 
   bool nativeEventFilter(const QByteArray& eventType, void* message, qintptr* result) override;
 
@@ -41,6 +43,8 @@ private:
   X11GlobalKeys(xcb_connection_t* connection, std::uint32_t root);
   // Every combination of the lock modifiers this keyboard has.
   std::vector<std::uint16_t> lockCombinations() const;
+  // Whether another program holds the keys: then none of them is grabbed.
+  bool grabKeys(const Grab& grab);
   void ungrab(const Grab& grab);
 
   xcb_connection_t* connection_;
@@ -49,6 +53,7 @@ private:
   std::uint16_t numLock_ = 0;
   std::uint16_t scrollLock_ = 0;
   std::map<std::string, Grab> grabs_;
+  bool suspended_ = false;
   QObject presses_; // queued presses go with it
 };
 
