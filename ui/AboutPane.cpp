@@ -8,6 +8,7 @@
 
 #include <QCheckBox>
 #include <QDesktopServices>
+#include <QFileInfo>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
@@ -50,15 +51,32 @@ AboutPane::AboutPane(Services& services, DiagnosticReporter& reporter, QWidget* 
   mask->setObjectName("maskAddresses");
   mask->setChecked(true);
   mask->setToolTip(uiText("A device’s whole address can identify it and its owner."));
+  // The whole width, so that a long name wraps rather than being cut.
   auto* outcome = new QLabel(this);
   outcome->setObjectName("reportOutcome");
   outcome->setWordWrap(true);
+  outcome->setAlignment(Qt::AlignHCenter);
   outcome->setTextInteractionFlags(Qt::TextSelectableByMouse);
-  connect(report, &QPushButton::clicked, this, [saver, mask, outcome] {
+  auto* showSaved = new QPushButton(uiText("Show in &Folder"), this);
+  showSaved->setObjectName("showReport");
+  showSaved->setAccessibleName(uiText("Show the report in its folder"));
+  showSaved->hide();
+  connect(report, &QPushButton::clicked, this, [saver, mask, outcome, showSaved] {
     outcome->clear();
+    showSaved->hide();
     saver->start(mask->isChecked());
   });
-  connect(saver, &ReportSaver::finished, outcome, &QLabel::setText);
+  connect(saver, &ReportSaver::finished, this, [outcome, showSaved](const QString& text, const QString& saved) {
+    outcome->setText(text);
+    outcome->setToolTip(saved);
+    showSaved->setToolTip(saved);
+    showSaved->setProperty("report", saved);
+    showSaved->setVisible(!saved.isEmpty());
+  });
+  // The file manager opens the folder; the file's name is in the message.
+  connect(showSaved, &QPushButton::clicked, this, [showSaved] {
+    QDesktopServices::openUrl(QUrl::fromLocalFile(QFileInfo(showSaved->property("report").toString()).absolutePath()));
+  });
 
   auto* buttons = new QHBoxLayout;
   buttons->addStretch();
@@ -73,7 +91,8 @@ AboutPane::AboutPane(Services& services, DiagnosticReporter& reporter, QWidget* 
   layout->addSpacing(12);
   layout->addWidget(report, 0, Qt::AlignHCenter);
   layout->addWidget(mask, 0, Qt::AlignHCenter);
-  layout->addWidget(outcome, 0, Qt::AlignHCenter);
+  layout->addWidget(outcome);
+  layout->addWidget(showSaved, 0, Qt::AlignHCenter);
   layout->addStretch();
 }
 

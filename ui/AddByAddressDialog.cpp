@@ -67,6 +67,7 @@ void AddByAddressDialog::add() {
   auto say = [this](const std::string& text) {
     problem_->setText(QString::fromStdString(text));
     problem_->show();
+    adjustSize(); // taller by the message's lines
   };
   auto device = services_.bluetooth.deviceWithAddressString(*address);
   if (!device) {

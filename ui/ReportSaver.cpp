@@ -8,6 +8,7 @@
 #include <QDateTime>
 #include <QDir>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QProgressDialog>
 #include <QStandardPaths>
 
@@ -70,9 +71,13 @@ void ReportSaver::save(const QString& file, bool maskAddresses) {
         self->saving_ = false;
         const bool wasCancelled = *cancelled;
         if (self->progress_) self->progress_->close(); // which says "canceled"
-        if (wasCancelled) return emit self->finished(uiText("The report was cancelled; nothing was saved."));
-        if (result) return emit self->finished(uiText("Saved the report to ") + file + ".");
-        emit self->finished(uiText("The report could not be saved."));
+        if (wasCancelled) return emit self->finished(uiText("The report was cancelled; nothing was saved."), {});
+        if (result) {
+          const auto name = QFileInfo(file).fileName().toStdString();
+          return emit self->finished(QString::fromStdString(formatted(localized("Saved the report as “%@”."), name)),
+                                     file);
+        }
+        emit self->finished(uiText("The report could not be saved."), {});
         self->alerts_.runModal(
             {localized("The diagnostic report could not be saved."), result.failure().reason, {localized("OK")}});
       });

@@ -30,8 +30,9 @@ public:
   void start(bool maskAddresses);
 
 signals:
-  // How it ended, in words for the window.
-  void finished(const QString& outcome);
+  // How it ended, in words for the window; `saved` is the file written, or
+  // empty when none was.
+  void finished(const QString& outcome, const QString& saved);
 
 private:
   void save(const QString& file, bool maskAddresses);

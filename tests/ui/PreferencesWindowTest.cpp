@@ -16,6 +16,7 @@
 #include <QFileDialog>
 #include <QKeySequenceEdit>
 #include <QComboBox>
+#include <QDesktopServices>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -50,6 +51,27 @@ struct RecordingReporter final : DiagnosticReporter {
   std::vector<std::pair<std::filesystem::path, bool>> asked;
   Result<void> answer;
 };
+
+// What the desktop was asked to open.
+class OpenedUrls final : public QObject {
+  Q_OBJECT
+public slots:
+  void open(const QUrl& url) { urls << url; }
+
+public:
+  QList<QUrl> urls;
+};
+
+// Every label in `top` shows its whole text: wrapped ones as tall as their
+// lines, the others as wide as their text.
+void expectNothingCut(QWidget* top) {
+  QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
+  for (auto* label : top->findChildren<QLabel*>()) {
+    if (!label->isVisible() || label->text().isEmpty()) continue;
+    if (label->wordWrap()) EXPECT_GE(label->height(), label->heightForWidth(label->width())) << label->text().toStdString();
+    else EXPECT_GE(label->width(), label->sizeHint().width()) << label->text().toStdString();
+  }
+}
 
 SettingsValue::Dictionary saved(std::int64_t id, const char* address) {
   return {{"deviceID", id}, {"device", std::string(address)}};
@@ -272,7 +294,13 @@ TEST_F(PreferencesWindowTest, TheAboutTabSavesAReportWhereTheUserSaysAndSaysHowI
   save("report.tar.gz");
   ASSERT_EQ(reporter.asked.size(), 1u);
   EXPECT_EQ(reporter.asked[0], std::pair(home / "report.tar.gz", true)); // masked unless unticked
-  EXPECT_TRUE(outcome->text().startsWith("Saved the report to ")) << outcome->text().toStdString();
+  EXPECT_EQ(outcome->text(), "Saved the report as “report.tar.gz”.");
+  expectNothingCut(window.get());
+  OpenedUrls shown;
+  QDesktopServices::setUrlHandler("file", &shown, "open");
+  click("showReport");
+  QDesktopServices::unsetUrlHandler("file");
+  EXPECT_EQ(shown.urls, QList{QUrl::fromLocalFile(QString::fromStdString(home.path().string()))});
   EXPECT_FALSE(opened<QProgressDialog>());
 
   click("maskAddresses");
@@ -283,6 +311,7 @@ TEST_F(PreferencesWindowTest, TheAboutTabSavesAReportWhereTheUserSaysAndSaysHowI
   EXPECT_EQ(sim.alerts.shown[0].message, "The diagnostic report could not be saved.");
   EXPECT_EQ(sim.alerts.shown[0].informativeText, "No space left on device");
   EXPECT_EQ(outcome->text(), "The report could not be saved.");
+  EXPECT_FALSE(find<QPushButton>("showReport")->isVisible());
 }
 
 TEST_F(PreferencesWindowTest, AddingByAddressTakesTheUsualFormsAndSaysWhatIsWrong) {
@@ -308,6 +337,7 @@ TEST_F(PreferencesWindowTest, AddingByAddressTakesTheUsualFormsAndSaysWhatIsWron
   EXPECT_TRUE(problem->isVisible());
   EXPECT_TRUE(problem->text().contains("knows no Bluetooth device at AA:BB:CC:DD:EE:FF"))
       << problem->text().toStdString();
+  expectNothingCut(dialog);
   type(keyboardAddress);
   QTest::mouseClick(add, Qt::LeftButton);
   EXPECT_EQ(problem->text(), "The device has already been added.");
@@ -356,6 +386,7 @@ TEST_F(PreferencesWindowTest, ScriptsAreWrittenOnDoneAndAFailedWriteKeepsTheText
   click("done", sheet);
   EXPECT_TRUE(sheet->isVisible());
   EXPECT_TRUE(find<QLabel>("problem", sheet)->text().startsWith("Unable to write script to the folder."));
+  expectNothingCut(sheet);
   EXPECT_EQ(disconnectScript->toPlainText(), "#!/bin/sh\necho bye");
   EXPECT_EQ(registry->deviceSettingList()[0]->shellScriptAfterDisconnected(), "#!/bin/sh\necho bye");
 
@@ -404,7 +435,10 @@ TEST_F(PreferencesWindowTest, TheChooserFollowsBlueZsPairedDevices) {
   ASSERT_TRUE(chooser);
   EXPECT_EQ(find<QListWidget>("paired", chooser)->count(), 0);
   EXPECT_TRUE(find<QLabel>("message", chooser)->text().startsWith("Every paired device is in Lanternbud already."));
+  expectNothingCut(chooser);
   EXPECT_TRUE(find<QPushButton>("bluetoothSettings", chooser)->isVisible());
 }
 
 } // namespace lb
+
+#include "PreferencesWindowTest.moc"
