@@ -6,8 +6,10 @@
 #include "foundation/BluetoothAddress.h"
 #include "foundation/JsonSettingsStore.h"
 #include "linux/logging/LinuxLogger.h"
+#include "ui/PaletteIconStyle.h"
 
 #include <QApplication>
+#include <QStyle>
 
 #include <algorithm>
 #include <filesystem>
@@ -86,6 +88,7 @@ int main(int argc, char** argv) {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "xcb;wayland;offscreen");
     auto application = std::make_unique<QApplication>(argc, argv);
     application->setQuitOnLastWindowClosed(false); // a closed dialog does not end a tray program
+    QApplication::setStyle(new lb::PaletteIconStyle(QApplication::style()->name()));
     qt = std::move(application);
   } else {
     qt = std::make_unique<QCoreApplication>(argc, argv);

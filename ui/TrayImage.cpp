@@ -131,7 +131,10 @@ QImage TrayImage::withHalo(const QImage& picture, const QColor& halo, double sca
 
 QIcon TrayImage::iconOf(const std::shared_ptr<Image>& image, const QColor& colour) {
   auto ours = std::dynamic_pointer_cast<TrayImage>(image);
-  return ours ? ours->icon(colour) : QIcon();
+  if (!ours) return {};
+  TrayImage inked(*ours);
+  inked.template_ = true;
+  return inked.icon(colour);
 }
 
 } // namespace lb

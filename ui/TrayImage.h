@@ -47,7 +47,9 @@ public:
   // The picture with a thin outline of `halo` around what it draws, about a
   // point wide: legible on a light panel and a dark one alike.
   static QImage withHalo(const QImage& picture, const QColor& halo, double scale);
-  // The same for any picture core chose; empty for one that is not ours.
+  // Any picture core chose, as the window shows it: in `colour` whether or
+  // not it is a template, since the window's pictures are drawn in its
+  // text colour. Empty for a picture that is not ours.
   static QIcon iconOf(const std::shared_ptr<Image>& image, const QColor& colour);
 
 private:

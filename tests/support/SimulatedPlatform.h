@@ -43,6 +43,7 @@ struct SimulatedPlatform {
     Bluetooth* bluetooth = nullptr;
     ScriptsFolder* scriptsFolder = nullptr;
     ScriptRunner* scriptRunner = nullptr;
+    Images* images = nullptr;
   };
 
   // These services with some ports real: the composition of adapter tests.
@@ -50,7 +51,7 @@ struct SimulatedPlatform {
     return Services{real.loop ? *real.loop : loop,
                     real.bluetooth ? *real.bluetooth : bluetooth,
                     statusBar,
-                    images,
+                    real.images ? *real.images : images,
                     windows,
                     shortcuts,
                     loginItems,

@@ -2,6 +2,7 @@
 #include "linux/bluez/BluezBluetooth.h"
 #include "linux/xdg/XdgScriptsFolder.h"
 #include "ports/DiagnosticReporter.h"
+#include "tests/support/Contrast.h"
 #include "tests/support/PrivateBus.h"
 #include "tests/support/RequireService.h"
 #include "tests/support/SimulatedPlatform.h"
@@ -10,11 +11,14 @@
 #include "ui/DeviceChooser.h"
 #include "ui/DeviceListPane.h"
 #include "ui/PreferencesWindow.h"
+#include "ui/PaletteIconStyle.h"
 #include "ui/ShortcutRecorder.h"
+#include "ui/SvgImages.h"
 
 #include <QCheckBox>
 #include <QFileDialog>
 #include <QKeySequenceEdit>
+#include <QApplication>
 #include <QComboBox>
 #include <QDesktopServices>
 #include <QLabel>
@@ -23,6 +27,7 @@
 #include <QMenu>
 #include <QPlainTextEdit>
 #include <QProgressDialog>
+#include <QProxyStyle>
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QTest>
@@ -68,9 +73,27 @@ void expectNothingCut(QWidget* top) {
   QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
   for (auto* label : top->findChildren<QLabel*>()) {
     if (!label->isVisible() || label->text().isEmpty()) continue;
-    if (label->wordWrap()) EXPECT_GE(label->height(), label->heightForWidth(label->width())) << label->text().toStdString();
-    else EXPECT_GE(label->width(), label->sizeHint().width()) << label->text().toStdString();
+    if (label->wordWrap()) {
+      EXPECT_GE(label->height(), label->heightForWidth(label->width())) << label->text().toStdString();
+    } else {
+      EXPECT_GE(label->width(), label->sizeHint().width()) << label->text().toStdString();
+    }
   }
+}
+
+// The colour of an icon's opaque pixels at 2×; none for an empty icon.
+std::optional<QColor> inkOf(const QIcon& icon) {
+  const auto image = icon.pixmap(QSize(24, 24), 2.0).toImage().convertToFormat(QImage::Format_ARGB32);
+  double red = 0, green = 0, blue = 0, count = 0;
+  for (int y = 0; y < image.height(); ++y) {
+    for (int x = 0; x < image.width(); ++x) {
+      const QColor pixel = image.pixelColor(x, y);
+      if (pixel.alpha() < 200) continue;
+      red += pixel.redF(), green += pixel.greenF(), blue += pixel.blueF(), ++count;
+    }
+  }
+  if (count == 0) return std::nullopt;
+  return QColor::fromRgbF(float(red / count), float(green / count), float(blue / count));
 }
 
 SettingsValue::Dictionary saved(std::int64_t id, const char* address) {
@@ -196,6 +219,44 @@ TEST_F(PreferencesWindowTest, TheListShowsTheDevicesWhoseOptionsApplyAndAreSaved
   registry->add(*sim.bluetooth.deviceWithAddressString(mouseAddress));
   EXPECT_EQ(rows(), (QStringList{"Lantern Headset", "Lantern Keyboard", "Lantern Mouse"}));
   EXPECT_EQ(find<QLabel>("deviceLabel")->text(), "Lantern Keyboard");
+}
+
+TEST_F(PreferencesWindowTest, InADarkPaletteEveryPictureTakesTheTextColour) {
+  const auto light = QApplication::palette();
+  const QColor text(0xe0, 0xe0, 0xe0);
+  // Text, button, light, dark, mid, text, bright text, base, window.
+  QPalette dark(text, QColor(0x3a, 0x3a, 0x3a), QColor(0x50, 0x50, 0x50), QColor(0x20, 0x20, 0x20),
+                QColor(0x30, 0x30, 0x30), text, Qt::white, QColor(0x28, 0x28, 0x28), QColor(0x30, 0x30, 0x30));
+  QApplication::setPalette(dark);
+  // Dark themes often put icons on their buttons, as this style does.
+  struct WithButtonIcons final : QProxyStyle {
+    int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                  QStyleHintReturn* data) const override {
+      return hint == SH_DialogButtonBox_ButtonsHaveIcons || QProxyStyle::styleHint(hint, option, widget, data);
+    }
+  };
+  QApplication::setStyle(new PaletteIconStyle(new WithButtonIcons));
+  SvgImages artwork;
+  open({.images = &artwork});
+  auto expectLegible = [&](const QIcon& icon, const QColor& background, const QString& what) {
+    const auto ink = inkOf(icon);
+    if (ink) {
+      EXPECT_GE(test::contrast(*ink, background), 3.0) << what.toStdString();
+    }
+  };
+  auto* menu = find<QToolButton>("icon")->menu();
+  emit menu->aboutToShow();
+  for (auto* action : menu->actions()) expectLegible(action->icon(), dark.color(QPalette::Window), action->text());
+  for (auto* button : window->findChildren<QAbstractButton*>()) {
+    expectLegible(button->icon(), dark.color(QPalette::Button), button->objectName());
+  }
+  auto* list = find<QListWidget>("devices");
+  for (int row = 0; row < list->count(); ++row) {
+    expectLegible(list->item(row)->icon(), dark.color(QPalette::Base), list->item(row)->text());
+  }
+  window.reset();
+  QApplication::setStyle("Fusion");
+  QApplication::setPalette(light);
 }
 
 TEST_F(PreferencesWindowTest, RemovingTakesTheItemAndShortcutAndAnEmptyListOffersTheChooser) {
