@@ -7,6 +7,7 @@
 #include <QCheckBox>
 #include <QDialogButtonBox>
 #include <QFontDatabase>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -16,8 +17,24 @@ namespace lb {
 
 namespace {
 
+// Tab moves on to the next field, as everywhere else in the window;
+// Ctrl+Tab types a tab.
+class ScriptEditor final : public QPlainTextEdit {
+public:
+  ScriptEditor(const QString& text, QWidget* parent) : QPlainTextEdit(text, parent) {
+    setTabChangesFocus(true);
+    setToolTip(uiText("Tab moves to the next field; Ctrl+Tab types a tab."));
+  }
+
+protected:
+  void keyPressEvent(QKeyEvent* event) override {
+    if (event->key() == Qt::Key_Tab && event->modifiers() == Qt::ControlModifier) return insertPlainText("\t");
+    QPlainTextEdit::keyPressEvent(event);
+  }
+};
+
 QPlainTextEdit* editor(const QString& text, const QString& accessibleName, QWidget* parent) {
-  auto* made = new QPlainTextEdit(text, parent);
+  auto* made = new ScriptEditor(text, parent);
   made->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
   made->setLineWrapMode(QPlainTextEdit::NoWrap);
   made->setAccessibleName(accessibleName);

@@ -17,6 +17,7 @@
 #include <QLabel>
 #include <QListWidget>
 #include <QMenu>
+#include <QPainter>
 #include <QPushButton>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -50,6 +51,30 @@ QString nameOf(MenuBarIconOption icon) {
   return QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size()));
 }
 
+// The list, framed in the highlight colour while it has the focus: many
+// styles draw no focus on a list at all.
+class DeviceList final : public QListWidget {
+public:
+  using QListWidget::QListWidget;
+
+protected:
+  void paintEvent(QPaintEvent* event) override {
+    QListWidget::paintEvent(event);
+    if (!hasFocus()) return;
+    QPainter painter(viewport());
+    painter.setPen(QPen(palette().color(QPalette::Highlight), 2));
+    painter.drawRect(QRectF(viewport()->rect()).adjusted(1, 1, -1, -1));
+  }
+  void focusInEvent(QFocusEvent* event) override {
+    QListWidget::focusInEvent(event);
+    viewport()->update();
+  }
+  void focusOutEvent(QFocusEvent* event) override {
+    QListWidget::focusOutEvent(event);
+    viewport()->update();
+  }
+};
+
 QPushButton* button(const QString& title, const QString& accessibleName, QWidget* parent) {
   auto* made = new QPushButton(title, parent);
   made->setAccessibleName(accessibleName);
@@ -59,7 +84,7 @@ QPushButton* button(const QString& title, const QString& accessibleName, QWidget
 } // namespace
 
 DeviceListPane::DeviceListPane(DeviceSettingManager& registry, Services& services, QWidget* parent)
-    : QWidget(parent), registry_(registry), services_(services), list_(new QListWidget(this)),
+    : QWidget(parent), registry_(registry), services_(services), list_(new DeviceList(this)),
       deviceLabel_(new QLabel("-", this)), iconButton_(new QToolButton(this)),
       shortcut_(new ShortcutRecorder(services.shortcuts, this)), iconMenu_(new QMenu(this)),
       advancedButton_(button(uiText("Ad&vanced…"), uiText("Scripts of the device"), this)),
@@ -109,7 +134,7 @@ DeviceListPane::DeviceListPane(DeviceSettingManager& registry, Services& service
     });
     switches_.push_back({box, get, set});
   };
-  makeSwitch("isActive", uiText("Show in the &tray"), &DeviceSetting::isActive, &DeviceSetting::setActive);
+  makeSwitch("isActive", uiText("Sho&w in the tray"), &DeviceSetting::isActive, &DeviceSetting::setActive);
   makeSwitch("connectOnlyMode", uiText("&Connect only: a click never disconnects"), &DeviceSetting::connectionOnlyMode,
              &DeviceSetting::setConnectionOnlyMode);
   makeSwitch("keepDefaultAudioInput", uiText("&Keep the sound input when connecting"),
@@ -131,7 +156,10 @@ DeviceListPane::DeviceListPane(DeviceSettingManager& registry, Services& service
   auto* detail = new QFormLayout;
   detail->addRow(deviceLabel_);
   detail->addRow(uiText("&Icon:"), iconButton_);
-  detail->addRow(uiText("&Shortcut:"), shortcut_);
+  // The recorder takes no focus itself: its field does.
+  auto* shortcutLabel = new QLabel(uiText("&Shortcut:"), this);
+  shortcutLabel->setBuddy(shortcut_->focusProxy());
+  detail->addRow(shortcutLabel, shortcut_);
   for (const auto& each : switches_) detail->addRow(each.box);
   auto* advancedRow = new QHBoxLayout;
   advancedRow->addWidget(advancedButton_);
@@ -154,8 +182,19 @@ DeviceListPane::DeviceListPane(DeviceSettingManager& registry, Services& service
   auto* bottom = new QHBoxLayout;
   bottom->addWidget(launchAtLogin_);
   bottom->addStretch();
-  bottom->addWidget(new TrayIconsChoice(services_.defaults, this));
+  auto* trayIcons = new TrayIconsChoice(services_.defaults, this);
+  bottom->addWidget(trayIcons);
   layout->addLayout(bottom);
+
+  // Tab follows the layout: the list and its buttons, then the details top
+  // to bottom, then the options below.
+  QWidget* order[] = {list_, addButton, removeButton_, byAddress, iconButton_, shortcut_};
+  for (std::size_t i = 1; i < std::size(order); ++i) setTabOrder(order[i - 1], order[i]);
+  QWidget* previous = shortcut_;
+  for (const auto& each : switches_) setTabOrder(std::exchange(previous, each.box), each.box);
+  setTabOrder(previous, advancedButton_);
+  setTabOrder(advancedButton_, launchAtLogin_);
+  setTabOrder(launchAtLogin_, trayIcons);
 
   changes_ = registry_.addChangeListener([this](const DeviceSetting* changed) { deviceChanged(changed); });
   reload();

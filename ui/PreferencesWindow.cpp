@@ -28,6 +28,7 @@ PreferencesWindow::PreferencesWindow(DeviceSettingManager& registry, Services& s
   saveState_->setAccessibleName(uiText("Save state"));
   auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);
   buttons->button(QDialogButtonBox::Close)->setAccessibleName(uiText("Close"));
+  buttons->button(QDialogButtonBox::Close)->setObjectName("close");
   connect(buttons, &QDialogButtonBox::rejected, this, &QWidget::close);
 
   auto* bottom = new QHBoxLayout;

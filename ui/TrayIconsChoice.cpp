@@ -24,6 +24,7 @@ TrayIconsChoice::TrayIconsChoice(UserDefaults& defaults, QWidget* parent)
   row->setContentsMargins(0, 0, 0, 0);
   row->addWidget(label);
   row->addWidget(choice_);
+  setFocusProxy(choice_);
   showSetting();
   connect(choice_, &QComboBox::activated, this, [this] {
     const auto colour = choice_->currentData().toString().toStdString();

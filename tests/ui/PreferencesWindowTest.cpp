@@ -221,6 +221,46 @@ TEST_F(PreferencesWindowTest, TheListShowsTheDevicesWhoseOptionsApplyAndAreSaved
   EXPECT_EQ(find<QLabel>("deviceLabel")->text(), "Lantern Keyboard");
 }
 
+TEST_F(PreferencesWindowTest, TheKeyboardReachesEverythingInTheOrderShown) {
+  open();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+  auto* list = find<QListWidget>("devices");
+  list->setFocus();
+  const auto edge = list->viewport()->geometry().topLeft() + QPoint(1, list->viewport()->height() - 2);
+  EXPECT_EQ(list->grab().toImage().pixelColor(edge), list->palette().color(QPalette::Highlight)); // the focus shows
+  QStringList order;
+  for (int stop = 0; stop < 16; ++stop) {
+    order << QApplication::focusWidget()->objectName();
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+  }
+  EXPECT_EQ(order, (QStringList{"devices", "addDevice", "remove", "addByAddress", "icon", "shortcut", "clearShortcut",
+                                "isActive", "connectOnlyMode", "keepDefaultAudioInput", "showBatteryLevel", "advanced",
+                                "launchAtLogin", "trayIcons", "close", "qt_tabwidget_tabbar"}));
+
+  // Each mnemonic once in the tab, and a label's reaches its field.
+  QStringList mnemonics;
+  for (auto* widget : find<QWidget>("devices")->parentWidget()->findChildren<QWidget*>()) {
+    const auto text = widget->property("text").toString();
+    if (const auto at = text.indexOf('&'); at >= 0) mnemonics << text.mid(at + 1, 1).toLower();
+  }
+  EXPECT_EQ(mnemonics.size(), QSet<QString>(mnemonics.begin(), mnemonics.end()).size()) << mnemonics.join(" ").toStdString();
+  QTest::keyClick(window.get(), Qt::Key_S, Qt::AltModifier);
+  EXPECT_EQ(QApplication::focusWidget()->objectName().toStdString(), "shortcut");
+  QTest::keyClick(window.get(), Qt::Key_T, Qt::AltModifier);
+  EXPECT_EQ(QApplication::focusWidget()->objectName().toStdString(), "trayIcons");
+
+  // Tab leaves a script; Ctrl+Tab types a tab.
+  click("advanced");
+  auto* sheet = opened<AdvancedSheet>();
+  ASSERT_TRUE(sheet && QTest::qWaitForWindowActive(sheet));
+  auto* script = find<QPlainTextEdit>("connectScript", sheet);
+  script->setFocus();
+  QTest::keyClick(script, Qt::Key_Tab, Qt::ControlModifier);
+  EXPECT_EQ(script->toPlainText().toStdString(), "\t#!/bin/sh\n");
+  QTest::keyClick(script, Qt::Key_Tab);
+  EXPECT_EQ(sheet->focusWidget()->objectName().toStdString(), "runDisconnected");
+}
+
 TEST_F(PreferencesWindowTest, InADarkPaletteEveryPictureTakesTheTextColour) {
   const auto light = QApplication::palette();
   const QColor text(0xe0, 0xe0, 0xe0);
