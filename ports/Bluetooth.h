@@ -41,6 +41,10 @@ public:
   virtual std::unique_ptr<NotificationRegistration> registerForDisconnectNotification(const BluetoothDevice& device,
                                                                                       NotificationHandler handler) = 0;
 
+  // Whether the system's Bluetooth service answers. While it does not, no
+  // device is found or paired; the pairing listeners are told when it comes
+  // and goes.
+  virtual bool isAvailable() const = 0;
   // The devices the user has paired, for choosing one to add.
   virtual std::vector<PairedDevice> pairedDevices() const = 0;
   // Told on the main thread whenever the paired devices may have changed: a

@@ -11,7 +11,7 @@ public:
   explicit SimBluetooth(SimBluetoothWorld& world) : world_(world) {}
 
   std::shared_ptr<BluetoothDevice> deviceWithAddressString(const std::string& address) override {
-    return world_.device(address);
+    return world_.isServiceRunning() ? world_.device(address) : nullptr;
   }
   std::unique_ptr<NotificationRegistration> registerForConnectNotifications(NotificationHandler handler) override {
     return world_.subscribe(std::nullopt, true, std::move(handler));
@@ -20,6 +20,7 @@ public:
                                                                               NotificationHandler handler) override {
     return world_.subscribe(device.addressString(), false, std::move(handler));
   }
+  bool isAvailable() const override { return world_.isServiceRunning(); }
   std::vector<PairedDevice> pairedDevices() const override { return world_.pairedDevices(); }
   std::unique_ptr<NotificationRegistration> registerForPairingChanges(std::function<void()> handler) override {
     return world_.registerForPairingChanges(std::move(handler));

@@ -34,6 +34,19 @@ void SimBluetoothWorld::removeDevice(const std::string& address) {
   pairingListeners_.notify();
 }
 
+void SimBluetoothWorld::setServiceRunning(bool running) {
+  {
+    std::lock_guard lock(mutex_);
+    serviceRunning_ = running;
+  }
+  pairingListeners_.notify();
+}
+
+bool SimBluetoothWorld::isServiceRunning() const {
+  std::lock_guard lock(mutex_);
+  return serviceRunning_;
+}
+
 void SimBluetoothWorld::setConnected(const std::string& address, bool connected) {
   auto found = device(address);
   if (!found) return;
@@ -75,6 +88,7 @@ std::unique_ptr<NotificationRegistration> SimBluetoothWorld::subscribe(std::opti
 std::vector<PairedDevice> SimBluetoothWorld::pairedDevices() const {
   std::lock_guard lock(mutex_);
   std::vector<PairedDevice> paired;
+  if (!serviceRunning_) return paired;
   for (const auto& [address, device] : devices_)
     paired.push_back({device->name().value_or(address), address, device->classOfDevice()});
   return paired;

@@ -24,6 +24,10 @@ public:
                                 std::uint32_t minorClass = 0);
   // Unpairs it: lookups find nothing from now on.
   void removeDevice(const std::string& address);
+  // Stops or starts the Bluetooth service: while it is stopped, no device
+  // is found or paired.
+  void setServiceRunning(bool running);
+  bool isServiceRunning() const;
   // Connects or disconnects the device, with the notifications that follow.
   void setConnected(const std::string& address, bool connected);
 
@@ -51,6 +55,7 @@ private:
   std::map<std::string, std::shared_ptr<SimBluetoothDevice>> devices_;
   std::map<std::uint64_t, Subscription> subscriptions_;
   std::uint64_t nextSubscription_ = 0;
+  bool serviceRunning_ = true;
   Listeners<> pairingListeners_;
 };
 

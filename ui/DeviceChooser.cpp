@@ -89,6 +89,9 @@ void DeviceChooser::refresh() {
   }
   const bool any = list_->count() > 0;
   message_->setText(any ? QString()
+                    : !services_.bluetooth.isAvailable()
+                        ? uiText("The Bluetooth service is not running, so Lanternbud cannot see the paired devices. "
+                                 "Start it with “sudo systemctl start bluetooth” in a terminal, and they appear here.")
                     : paired.empty()
                         ? uiText("No Bluetooth device is paired with this computer. Pair one in your desktop’s "
                                  "Bluetooth settings, and it appears here.")

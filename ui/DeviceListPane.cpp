@@ -85,7 +85,7 @@ QPushButton* button(const QString& title, const QString& accessibleName, QWidget
 
 DeviceListPane::DeviceListPane(DeviceSettingManager& registry, Services& services, QWidget* parent)
     : QWidget(parent), registry_(registry), services_(services), list_(new DeviceList(this)),
-      deviceLabel_(new QLabel("-", this)), iconButton_(new QToolButton(this)),
+      deviceLabel_(new QLabel(this)), iconButton_(new QToolButton(this)),
       shortcut_(new ShortcutRecorder(services.shortcuts, this)), iconMenu_(new QMenu(this)),
       advancedButton_(button(uiText("Ad&vanced…"), uiText("Scripts of the device"), this)),
       removeButton_(button("−", uiText("Remove the device"), this)),
@@ -108,6 +108,7 @@ DeviceListPane::DeviceListPane(DeviceSettingManager& registry, Services& service
   connect(byAddress, &QPushButton::clicked, this, &DeviceListPane::addNewDeviceManually);
 
   deviceLabel_->setObjectName("deviceLabel");
+  deviceLabel_->setWordWrap(true);
   deviceLabel_->setAccessibleName(uiText("Device name"));
   auto font = deviceLabel_->font();
   font.setBold(true);
@@ -279,7 +280,8 @@ QIcon DeviceListPane::pictureOf(const DeviceSetting& setting) const {
 
 void DeviceListPane::showSelected() {
   const auto setting = selectedDeviceSetting();
-  deviceLabel_->setText(setting ? QString::fromStdString(setting->deviceNameOrUnknown()) : QString("-"));
+  deviceLabel_->setText(setting ? QString::fromStdString(setting->deviceNameOrUnknown())
+                                : uiText("Click + to add a paired device."));
   const auto icon = setting ? nameOf(setting->icon()) : QString();
   if (iconButton_->property("icon") != icon) {
     iconButton_->setProperty("icon", icon);

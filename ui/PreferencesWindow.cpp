@@ -11,6 +11,7 @@
 #include <QPushButton>
 #include <QTabWidget>
 #include <QVBoxLayout>
+#include <QWindow>
 
 namespace lb {
 
@@ -49,7 +50,18 @@ void PreferencesWindow::present(std::optional<std::int64_t> deviceID) {
   show();
   raise();
   activateWindow();
-  pane_->offerChooserWhenEmpty();
+  if (windowHandle()->isExposed()) return pane_->offerChooserWhenEmpty();
+  chooserWaits_ = true;
+  windowHandle()->installEventFilter(this);
+}
+
+bool PreferencesWindow::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() == QEvent::Expose && chooserWaits_ && windowHandle()->isExposed()) {
+    chooserWaits_ = false;
+    windowHandle()->removeEventFilter(this);
+    QMetaObject::invokeMethod(pane_, &DeviceListPane::offerChooserWhenEmpty, Qt::QueuedConnection);
+  }
+  return QWidget::eventFilter(watched, event);
 }
 
 void PreferencesWindow::closeEvent(QCloseEvent* event) {

@@ -32,6 +32,9 @@ public:
 
 protected:
   void closeEvent(QCloseEvent* event) override;
+  // Waits for the window's first exposure: only then has the window manager
+  // placed it, and a dialog opened over it lands there.
+  bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
   void showSaveState();
@@ -41,6 +44,7 @@ private:
   QTabWidget* tabs_;
   DeviceListPane* pane_;
   QLabel* saveState_;
+  bool chooserWaits_ = false;
 };
 
 } // namespace lb

@@ -47,10 +47,15 @@ BluezBluetooth::BluezBluetooth(QDBusConnection bus) : bus_(std::move(bus)) {
   watcher_ = new QDBusServiceWatcher(service, bus_, QDBusServiceWatcher::WatchForOwnerChange, this);
   connect(watcher_, &QDBusServiceWatcher::serviceUnregistered, this, [this] {
     mirror_->clear();
+    available_ = false;
     pairingListeners_.notify();
     pxrLogError("BlueZ left the bus: no Bluetooth devices until it returns.");
   });
-  connect(watcher_, &QDBusServiceWatcher::serviceRegistered, this, [this] { reload(); });
+  connect(watcher_, &QDBusServiceWatcher::serviceRegistered, this, [this] {
+    available_ = true; // its objects follow as they are announced, and with the reload
+    pairingListeners_.notify();
+    reload();
+  });
 
   // Once, at start, bounded: the devices are known before the first lookup.
   auto call = QDBusMessage::createMethodCall(service, "/", objectManager, "GetManagedObjects");
@@ -71,6 +76,7 @@ bool BluezBluetooth::retryIfStalled(const QString& errorName) {
       errorName != "org.freedesktop.DBus.Error.TimedOut") {
     return false;
   }
+  available_ = false;
   if (retryMilliseconds_ == firstRetryMilliseconds) {
     pxrLogError("BlueZ does not answer (" + errorName.toStdString() +
                 "); Lanternbud asks again at growing intervals, and the devices appear when it answers.");
@@ -84,6 +90,7 @@ BluezBluetooth::~BluezBluetooth() = default;
 
 void BluezBluetooth::rebuild(const BluezObjectMap& objects) {
   mirror_->replace(objects);
+  available_ = true;
   pairingListeners_.notify();
 }
 

@@ -33,6 +33,7 @@ public:
   std::unique_ptr<NotificationRegistration> registerForConnectNotifications(NotificationHandler handler) override;
   std::unique_ptr<NotificationRegistration> registerForDisconnectNotification(const BluetoothDevice& device,
                                                                               NotificationHandler handler) override;
+  bool isAvailable() const override { return available_; }
   std::vector<PairedDevice> pairedDevices() const override;
   std::unique_ptr<NotificationRegistration> registerForPairingChanges(std::function<void()> handler) override {
     return pairingListeners_.add(std::move(handler));
@@ -66,6 +67,7 @@ private:
   std::uint64_t nextSubscription_ = 0;
   Listeners<> pairingListeners_;
   int retryMilliseconds_ = firstRetryMilliseconds;
+  bool available_ = false; // until BlueZ's objects are read
 };
 
 } // namespace lb

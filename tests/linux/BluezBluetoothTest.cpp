@@ -159,6 +159,7 @@ TEST_F(BluezTest, ABluetoothdRestartIsFollowed) {
   bus.killBluez();
   ASSERT_TRUE(test::waitUntil([&] { return !bluetooth->deviceWithAddressString(headsetAddress); }));
   EXPECT_TRUE(log.contains("BlueZ left the bus"));
+  EXPECT_FALSE(bluetooth->isAvailable());
   auto started = std::chrono::steady_clock::now();
   EXPECT_EQ(onWorker([&] { return held->openConnection(); }).code(), 704);
   EXPECT_LT(std::chrono::steady_clock::now() - started, std::chrono::seconds(5)); // no call waits for a reply
@@ -166,6 +167,7 @@ TEST_F(BluezTest, ABluetoothdRestartIsFollowed) {
   ASSERT_TRUE(bus.startBluez());
   populate();
   EXPECT_TRUE(test::waitUntil([&] { return bluetooth->deviceWithAddressString("00-1b-66-aa-bb-cc") != nullptr; }));
+  EXPECT_TRUE(bluetooth->isAvailable());
   EXPECT_TRUE(pxrIsSuccess(onWorker([&] { return held->openConnection(); })));
 
   // Stopped while the program starts, it keeps its name and answers
@@ -173,6 +175,7 @@ TEST_F(BluezTest, ABluetoothdRestartIsFollowed) {
   bus.pauseBluez(true);
   BluezBluetooth starting(bus.connect("starting"));
   EXPECT_TRUE(log.contains("BlueZ does not answer (org.freedesktop.DBus.Error.NoReply)"));
+  EXPECT_FALSE(starting.isAvailable());
   bus.pauseBluez(false);
   EXPECT_TRUE(test::waitUntil([&] { return starting.deviceWithAddressString(headsetAddress) != nullptr; }));
   EXPECT_TRUE(log.contains("BlueZ answers again"));

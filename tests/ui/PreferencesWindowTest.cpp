@@ -310,7 +310,7 @@ TEST_F(PreferencesWindowTest, RemovingTakesTheItemAndShortcutAndAnEmptyListOffer
 
   click("remove");
   EXPECT_TRUE(rows().isEmpty());
-  EXPECT_EQ(find<QLabel>("deviceLabel")->text(), "-");
+  EXPECT_EQ(find<QLabel>("deviceLabel")->text(), "Click + to add a paired device.");
   EXPECT_FALSE(find<QCheckBox>("isActive")->isEnabled());
   auto* chooser = opened<DeviceChooser>();
   ASSERT_TRUE(chooser);
@@ -324,6 +324,21 @@ TEST_F(PreferencesWindowTest, RemovingTakesTheItemAndShortcutAndAnEmptyListOffer
   EXPECT_EQ(added->icon(), MenuBarIconOption::headset);
   EXPECT_EQ(rows(), QStringList{"Lantern Headset"});
   EXPECT_EQ(find<QLabel>("deviceLabel")->text(), "Lantern Headset");
+}
+
+// Where BlueZ is not running, the chooser says so and how to start it, over
+// the window; it lists the paired devices once BlueZ is back.
+TEST_F(PreferencesWindowTest, WithoutBluetoothTheChooserSaysHowToStartIt) {
+  store.removeValue("devices");
+  sim.world.setServiceRunning(false);
+  open();
+  ASSERT_TRUE(test::waitUntil([&] { return opened<DeviceChooser>(); }));
+  auto* chooser = opened<DeviceChooser>();
+  EXPECT_TRUE(window->frameGeometry().contains(chooser->frameGeometry().center()));
+  EXPECT_TRUE(find<QLabel>("message", chooser)->text().startsWith("The Bluetooth service is not running"));
+  EXPECT_EQ(find<QLabel>("deviceLabel")->text(), "Click + to add a paired device.");
+  sim.world.setServiceRunning(true);
+  EXPECT_EQ(find<QListWidget>("paired", chooser)->count(), 3);
 }
 
 TEST_F(PreferencesWindowTest, TheShortcutIsRecordedShownAndClearedAndRefusedWithItsReason) {
@@ -509,8 +524,8 @@ TEST_F(PreferencesWindowTest, TheChooserFollowsBlueZsPairedDevices) {
   open({.bluetooth = bluez.get()});
 
   // With no devices the chooser opens at once, with the paired ones only.
+  ASSERT_TRUE(test::waitUntil([&] { return opened<DeviceChooser>(); }));
   auto* chooser = opened<DeviceChooser>();
-  ASSERT_TRUE(chooser);
   auto* paired = find<QListWidget>("paired", chooser);
   auto names = [&] {
     QStringList all;
