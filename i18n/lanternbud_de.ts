@@ -48,6 +48,14 @@
         <translation>Die vollständige Adresse eines Geräts kann das Gerät und seinen Besitzer erkennbar machen.</translation>
     </message>
     <message>
+        <source>Show in &amp;Folder</source>
+        <translation>Im &amp;Ordner zeigen</translation>
+    </message>
+    <message>
+        <source>Show the report in its folder</source>
+        <translation>Den Bericht in seinem Ordner zeigen</translation>
+    </message>
+    <message>
         <source>Add Device</source>
         <translation>Gerät hinzufügen</translation>
     </message>
@@ -168,6 +176,10 @@
         <translation>Per &amp;Adresse hinzufügen…</translation>
     </message>
     <message>
+        <source>The Bluetooth service is not running, so Lanternbud cannot see the paired devices. Start it with “sudo systemctl start bluetooth” in a terminal, and they appear here.</source>
+        <translation>Der Bluetooth-Dienst läuft nicht, daher sieht Lanternbud die gekoppelten Geräte nicht. Starten Sie ihn in einem Terminal mit „sudo systemctl start bluetooth“, dann erscheinen sie hier.</translation>
+    </message>
+    <message>
         <source>No Bluetooth device is paired with this computer. Pair one in your desktop’s Bluetooth settings, and it appears here.</source>
         <translation>Mit diesem Computer ist kein Bluetooth-Gerät gekoppelt. Koppeln Sie eines in den Bluetooth-Einstellungen Ihrer Arbeitsumgebung, dann erscheint es hier.</translation>
     </message>
@@ -232,7 +244,7 @@
         <translation>Symbol des Geräts wählen (Alt gedrückt halten für die Bilder im verbundenen Zustand)</translation>
     </message>
     <message>
-        <source>Show in the &amp;tray</source>
+        <source>Sho&amp;w in the tray</source>
         <translation>In der System&amp;leiste anzeigen</translation>
     </message>
     <message>
@@ -258,6 +270,10 @@
     <message>
         <source>&amp;Shortcut:</source>
         <translation>&amp;Tastenkürzel:</translation>
+    </message>
+    <message>
+        <source>Click + to add a paired device.</source>
+        <translation>Klicken Sie auf +, um ein gekoppeltes Gerät hinzuzufügen.</translation>
     </message>
     <message>
         <source>L</source>
@@ -400,8 +416,8 @@
         <translation>Der Bericht wurde abgebrochen; es wurde nichts gespeichert.</translation>
     </message>
     <message>
-        <source>Saved the report to </source>
-        <translation>Der Bericht wurde gespeichert unter </translation>
+        <source>Saved the report as “%@”.</source>
+        <translation>Der Bericht wurde als „%@“ gespeichert.</translation>
     </message>
     <message>
         <source>The report could not be saved.</source>
@@ -410,6 +426,10 @@
     <message>
         <source>The diagnostic report could not be saved.</source>
         <translation>Der Diagnosebericht konnte nicht gespeichert werden.</translation>
+    </message>
+    <message>
+        <source>Tab moves to the next field; Ctrl+Tab types a tab.</source>
+        <translation>Tab springt zum nächsten Feld; Strg+Tab fügt einen Tabulator ein.</translation>
     </message>
     <message>
         <source>Please select the User &gt; Library &gt; Application Scripts folder to save the scripts.</source>
@@ -509,7 +529,7 @@
     </message>
     <message>
         <source>&amp;Tray icons:</source>
-        <translation>Sym&amp;bolfarbe in der Leiste:</translation>
+        <translation>Symbol&amp;farbe in der Leiste:</translation>
     </message>
     <message>
         <source>Automatic</source>

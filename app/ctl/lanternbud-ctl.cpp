@@ -367,6 +367,12 @@ int run(const std::vector<std::string>& words) {
 } // namespace
 
 int main(int argc, char** argv) {
+  // The output is the command's own, for people and scripts to read: Qt's
+  // notes to developers stay out of it, but for the last one before Qt
+  // gives up.
+  qInstallMessageHandler([](QtMsgType type, const QMessageLogContext&, const QString& text) {
+    if (type == QtFatalMsg) std::cerr << "lanternbud-ctl: " << text.toStdString() << "\n";
+  });
   QCoreApplication qt(argc, argv);
   return run(std::vector<std::string>(argv + 1, argv + argc));
 }

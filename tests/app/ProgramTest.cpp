@@ -278,7 +278,8 @@ TEST_F(ProgramTest, TheScriptingInterfaceSaysWhatWasWrong) {
   ASSERT_TRUE(program->start());
   auto missing = program->ctl({"show", "Nonesuch"});
   EXPECT_EQ(missing.status, 3);
-  EXPECT_NE(missing.errors.find("No device has the ID, name or address \"Nonesuch\""), std::string::npos);
+  EXPECT_EQ(missing.errors, "lanternbud-ctl: No device has the ID, name or address \"Nonesuch\". `lanternbud-ctl list` "
+                            "shows the devices.\n"); // and nothing of Qt's
   // One name a device; echoes of outside text are cut short.
   EXPECT_EQ(program->ctl({"show", "+1"}).status, 3);
   auto longName = program->ctl({"show", std::string(100'000, 'x').c_str()});
@@ -333,7 +334,9 @@ TEST_F(ProgramTest, TheScriptingInterfaceSaysWhatWasWrong) {
   EXPECT_EQ(program->ctl({"config", "get", "LogConnect"}).output, "true\n");
   EXPECT_NE(nlohmann::json::parse(std::ifstream(program->settingsFile()))["LogConnect"], nullptr);
   EXPECT_EQ(program->ctl({"config", "unset", "LogConnect"}).status, 0);
-  EXPECT_EQ(program->ctl({"config", "get", "LogConnect"}).status, 1);
+  const auto unset = program->ctl({"config", "get", "LogConnect"});
+  EXPECT_EQ(unset.status, 1);
+  EXPECT_EQ(unset.errors, "lanternbud-ctl: \"LogConnect\" is not set; its default applies.\n");
   // What the program would not use is refused, by it and, once it has
   // quit, by lanternbud-ctl itself.
   const std::vector<std::pair<QStringList, std::string>> refusals = {

@@ -22,6 +22,7 @@ RunningProgram::RunningProgram(const PrivateBus* system, const PrivateBus& sessi
   // English whatever the developer's language, since the tests read texts.
   for (const char* variable : {"LANGUAGE", "LC_ALL", "LC_MESSAGES"}) environment_.remove(variable);
   environment_.insert("LANG", "C.UTF-8");
+  environment_.insert("QT_FORCE_STDERR_LOGGING", "1"); // Qt's notes where the test reads them
   program_.setProcessEnvironment(environment_);
   program_.setStandardOutputFile(QProcess::nullDevice());
   program_.setStandardErrorFile(QProcess::nullDevice());
