@@ -143,8 +143,8 @@ void X11GlobalKeys::grab(const std::string& id, const std::string& keySequence, 
 bool X11GlobalKeys::grabKeys(const Grab& grab) {
   bool taken = false;
   for (auto locks : lockCombinations()) {
-    auto cookie = xcb_grab_key_checked(connection_, 1, root_, grab.modifiers | locks, grab.keycode,
-                                       XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
+    auto cookie = xcb_grab_key_checked(connection_, 1, root_, grab.modifiers | locks, grab.keycode, XCB_GRAB_MODE_ASYNC,
+                                       XCB_GRAB_MODE_ASYNC);
     if (auto* error = xcb_request_check(connection_, cookie)) {
       std::free(error);
       taken = true;

@@ -243,7 +243,8 @@ TEST_F(PreferencesWindowTest, TheKeyboardReachesEverythingInTheOrderShown) {
     const auto text = widget->property("text").toString();
     if (const auto at = text.indexOf('&'); at >= 0) mnemonics << text.mid(at + 1, 1).toLower();
   }
-  EXPECT_EQ(mnemonics.size(), QSet<QString>(mnemonics.begin(), mnemonics.end()).size()) << mnemonics.join(" ").toStdString();
+  EXPECT_EQ(mnemonics.size(), QSet<QString>(mnemonics.begin(), mnemonics.end()).size())
+      << mnemonics.join(" ").toStdString();
   QTest::keyClick(window.get(), Qt::Key_S, Qt::AltModifier);
   EXPECT_EQ(QApplication::focusWidget()->objectName().toStdString(), "shortcut");
   QTest::keyClick(window.get(), Qt::Key_T, Qt::AltModifier);
