@@ -2,6 +2,7 @@
 
 #include "core/DeviceSettingManager.h"
 #include "core/LogAreas.h"
+#include "core/Texts.h"
 
 namespace lb {
 
@@ -87,6 +88,12 @@ std::string DeviceSetting::deviceNameOrUnknown() const {
   auto found = device();
   if (found) return found->nameOrAddress();
   return "unknown (nil)";
+}
+
+std::string DeviceSetting::displayName() const {
+  if (auto name = deviceName()) return *name;
+  auto found = device();
+  return found ? found->nameOrAddress() : localized("Unknown device");
 }
 
 std::string DeviceSetting::description() const { return "<DeviceSetting: " + deviceNameOrUnknown() + ">"; }

@@ -58,6 +58,9 @@ public:
   // The name, looked up once and then remembered.
   std::optional<std::string> deviceName() const override;
   std::string deviceNameOrUnknown() const;
+  // The same for people to read: "Unknown device" in their language where
+  // no name is known.
+  std::string displayName() const;
   // "<DeviceSetting: name>"
   std::string description() const override;
   void storeDeviceName(const std::string& name) { options_.set(deviceOption::deviceName, name); }

@@ -52,7 +52,7 @@ AdvancedSheet::AdvancedSheet(std::shared_ptr<DeviceSetting> setting, Services& s
       disconnected_(
           editor(QString::fromStdString(setting_->shellScriptAfterDisconnected()), uiText("Disconnect script"), this)),
       problem_(new QLabel(this)) {
-  setWindowTitle(QString::fromStdString(formatted(localized("Scripts of %@"), setting_->deviceNameOrUnknown())));
+  setWindowTitle(QString::fromStdString(formatted(localized("Scripts of %@"), setting_->displayName())));
   runConnected_->setObjectName("runConnected");
   runConnected_->setAccessibleName(uiText("Run the connect script"));
   runConnected_->setChecked(setting_->runShellScriptAfterConnected());
@@ -73,11 +73,34 @@ AdvancedSheet::AdvancedSheet(std::shared_ptr<DeviceSetting> setting, Services& s
   connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
   connect(buttons, &QDialogButtonBox::helpRequested, this, [this] { services_.alerts.openHelpPage("scripts"); });
 
+  // A script typed while its switch is off would be saved and never run:
+  // said beside it, while the switch stays the user's choice.
+  auto notRunNote = [this](const char* name, QCheckBox* run, QPlainTextEdit* editor, const QString& text) {
+    auto* note = new QLabel(text, this);
+    note->setObjectName(name);
+    note->setWordWrap(true);
+    note->hide();
+    auto update = [run, editor, note, original = editor->toPlainText()] {
+      note->setVisible(!run->isChecked() && editor->toPlainText() != original);
+    };
+    connect(editor, &QPlainTextEdit::textChanged, note, update);
+    connect(run, &QCheckBox::toggled, note, update);
+    return note;
+  };
+  auto* connectedNote =
+      notRunNote("connectedNote", runConnected_, connected_,
+                 uiText("This script does not run until “Run this script after connecting” is ticked."));
+  auto* disconnectedNote =
+      notRunNote("disconnectedNote", runDisconnected_, disconnected_,
+                 uiText("This script does not run until “Run this script after disconnecting” is ticked."));
+
   auto* layout = new QVBoxLayout(this);
   layout->addWidget(runConnected_);
   layout->addWidget(connected_);
+  layout->addWidget(connectedNote);
   layout->addWidget(runDisconnected_);
   layout->addWidget(disconnected_);
+  layout->addWidget(disconnectedNote);
   layout->addWidget(problem_);
   layout->addWidget(buttons);
 }

@@ -17,6 +17,7 @@
 #include <QLabel>
 #include <QListWidget>
 #include <QMenu>
+#include <QMessageBox>
 #include <QPainter>
 #include <QPushButton>
 #include <QToolButton>
@@ -153,6 +154,10 @@ DeviceListPane::DeviceListPane(DeviceSettingManager& registry, Services& service
     services_.defaults.setValue("launchAtLogin", on);
     emit saved();
   });
+  // Set elsewhere too (lanternbud-ctl config set launchAtLogin).
+  settingChanges_ = services_.defaults.addChangeListener([this](const std::string& key) {
+    if (key == "launchAtLogin") launchAtLogin_->setChecked(services_.defaults.boolValue("launchAtLogin", false));
+  });
 
   auto* detail = new QFormLayout;
   detail->addRow(deviceLabel_);
@@ -266,7 +271,7 @@ void DeviceListPane::deviceChanged(const DeviceSetting* changed) {
 // A picture is drawn again only when the device's choice changed.
 void DeviceListPane::showRow(QListWidgetItem& item, const DeviceSetting& setting) {
   item.setData(deviceIDRole, QVariant::fromValue(setting.deviceID()));
-  item.setText(QString::fromStdString(setting.deviceNameOrUnknown()));
+  item.setText(QString::fromStdString(setting.displayName()));
   const auto icon = nameOf(setting.icon());
   if (item.data(iconRole) == icon) return;
   item.setData(iconRole, icon);
@@ -280,7 +285,7 @@ QIcon DeviceListPane::pictureOf(const DeviceSetting& setting) const {
 
 void DeviceListPane::showSelected() {
   const auto setting = selectedDeviceSetting();
-  deviceLabel_->setText(setting ? QString::fromStdString(setting->deviceNameOrUnknown())
+  deviceLabel_->setText(setting ? QString::fromStdString(setting->displayName())
                                 : uiText("Click + to add a paired device."));
   const auto icon = setting ? nameOf(setting->icon()) : QString();
   if (iconButton_->property("icon") != icon) {
@@ -363,14 +368,38 @@ void DeviceListPane::added(std::int64_t deviceID) {
   save();
 }
 
+// Asks first, naming what goes with the device; then the neighbouring row
+// is selected.
 void DeviceListPane::removeSelectedDevice() {
   const auto setting = selectedDeviceSetting();
   if (!setting) return;
-  const auto& devices = registry_.deviceSettingList();
-  registry_.remove(static_cast<std::size_t>(std::find(devices.begin(), devices.end(), setting) - devices.begin()));
-  selectRow(0);
-  save();
-  offerChooserWhenEmpty();
+  const auto keys = services_.shortcuts.state(setting->shortCutKey()).keySequence;
+  auto* question = new QMessageBox(
+      QMessageBox::Question, uiText("Remove Device"),
+      QString::fromStdString(formatted(localized("Remove “%@” from Lanternbud?"), setting->displayName())),
+      QMessageBox::Cancel, this);
+  question->setInformativeText(
+      keys ? QString::fromStdString(formatted(localized("Its tray icon, its connect and disconnect scripts and its "
+                                                        "shortcut %@ go with it. The device stays paired with this "
+                                                        "computer."),
+                                              *keys))
+           : uiText("Its tray icon and its connect and disconnect scripts go with it. The device stays paired with "
+                    "this computer."));
+  auto* remove = question->addButton(uiText("Remove"), QMessageBox::DestructiveRole);
+  remove->setObjectName("confirmRemove");
+  question->setDefaultButton(QMessageBox::Cancel);
+  question->setAttribute(Qt::WA_DeleteOnClose);
+  connect(remove, &QPushButton::clicked, this, [this, weak = std::weak_ptr(setting)] {
+    const auto& devices = registry_.deviceSettingList();
+    const auto found = std::find(devices.begin(), devices.end(), weak.lock());
+    if (found == devices.end()) return; // removed meanwhile
+    const int row = static_cast<int>(found - devices.begin());
+    registry_.remove(static_cast<std::size_t>(row));
+    selectRow(row); // the next one, or the last
+    save();
+    offerChooserWhenEmpty();
+  });
+  question->open();
 }
 
 void DeviceListPane::offerChooserWhenEmpty() {

@@ -87,6 +87,7 @@ private:
   QCheckBox* launchAtLogin_;
   QPointer<DeviceChooser> chooser_;
   std::unique_ptr<NotificationRegistration> changes_;
+  std::unique_ptr<NotificationRegistration> settingChanges_;
 };
 
 } // namespace lb

@@ -25,6 +25,7 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMenu>
+#include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QProgressDialog>
 #include <QProxyStyle>
@@ -140,7 +141,7 @@ protected:
   QStringList rows() {
     QStringList names;
     auto* list = find<QListWidget>("devices");
-    for (int row = 0; row < list->count(); ++row) names << list->item(row)->text();
+    for (int row = 0; row < list->count(); ++row) names << list->item(row)->text().section('\n', 0, 0);
     return names;
   }
   SettingsValue::Dictionary savedDevice(std::size_t index) {
@@ -202,6 +203,8 @@ TEST_F(PreferencesWindowTest, TheListShowsTheDevicesWhoseOptionsApplyAndAreSaved
 
   click("launchAtLogin");
   EXPECT_TRUE(sim.defaults.boolValue("launchAtLogin", false));
+  sim.defaults.setValue("launchAtLogin", false); // as lanternbud-ctl config set does
+  EXPECT_FALSE(find<QCheckBox>("launchAtLogin")->isChecked());
 
   // The tray's tone: chosen here, and shown when set elsewhere.
   auto* trayIcons = find<QComboBox>("trayIcons");
@@ -300,16 +303,38 @@ TEST_F(PreferencesWindowTest, InADarkPaletteEveryPictureTakesTheTextColour) {
   QApplication::setPalette(light);
 }
 
-TEST_F(PreferencesWindowTest, RemovingTakesTheItemAndShortcutAndAnEmptyListOffersTheChooser) {
+TEST_F(PreferencesWindowTest, RemovingAsksThenTakesTheItemAndShortcutAndAnEmptyListOffersTheChooser) {
   open();
-  click("remove");
-  EXPECT_EQ(rows(), QStringList{"Lantern Keyboard"});
-  EXPECT_EQ(sim.statusBar.items().size(), 1u);
+  registry->add(*sim.bluetooth.deviceWithAddressString(mouseAddress));
+  auto askToRemove = [&](std::int64_t deviceID) {
+    window->present(deviceID);
+    click("remove");
+    return opened<QMessageBox>();
+  };
+  auto* question = askToRemove(2);
+  ASSERT_TRUE(question);
+  EXPECT_EQ(question->text(), "Remove “Lantern Keyboard” from Lanternbud?");
+  question->reject();
+  EXPECT_EQ(rows().size(), 3);
+
+  question = askToRemove(1);
+  ASSERT_TRUE(question);
+  EXPECT_TRUE(question->informativeText().startsWith("Its tray icon, its connect and disconnect scripts and its "
+                                                     "shortcut Ctrl+Alt+H go with it."));
+  click("confirmRemove", question);
+  EXPECT_EQ(rows(), (QStringList{"Lantern Keyboard", "Lantern Mouse"}));
+  EXPECT_EQ(find<QLabel>("deviceLabel")->text(), "Lantern Keyboard"); // the neighbour
+  EXPECT_EQ(sim.statusBar.items().size(), 2u);
   EXPECT_FALSE(store.value("shortcutDictForDevice1"));
   EXPECT_FALSE(store.value("shortcutForDevice1"));
   EXPECT_EQ(savedDevice(0).at("deviceID"), SettingsValue(std::int64_t{2}));
 
-  click("remove");
+  registry->remove(1);
+  question = askToRemove(2);
+  ASSERT_TRUE(question);
+  EXPECT_EQ(question->informativeText(), "Its tray icon and its connect and disconnect scripts go with it. The device "
+                                         "stays paired with this computer.");
+  click("confirmRemove", question);
   EXPECT_TRUE(rows().isEmpty());
   EXPECT_EQ(find<QLabel>("deviceLabel")->text(), "Click + to add a paired device.");
   EXPECT_FALSE(find<QCheckBox>("isActive")->isEnabled());
@@ -321,7 +346,7 @@ TEST_F(PreferencesWindowTest, RemovingTakesTheItemAndShortcutAndAnEmptyListOffer
   click("add", chooser);
   ASSERT_EQ(registry->deviceSettingList().size(), 1u);
   const auto& added = registry->deviceSettingList()[0];
-  EXPECT_EQ(added->deviceID(), 3);
+  EXPECT_EQ(added->deviceID(), 4);
   EXPECT_EQ(added->icon(), MenuBarIconOption::headset);
   EXPECT_EQ(rows(), QStringList{"Lantern Headset"});
   EXPECT_EQ(find<QLabel>("deviceLabel")->text(), "Lantern Headset");
@@ -479,7 +504,10 @@ TEST_F(PreferencesWindowTest, ScriptsAreWrittenOnDoneAndAFailedWriteKeepsTheText
   EXPECT_EQ(find<QPlainTextEdit>("disconnectScript", sheet)->toPlainText(), "#!/bin/sh\n");
   connectScript->moveCursor(QTextCursor::End);
   QTest::keyClicks(connectScript, "echo \"it's\" -- connected");
+  auto* notRun = find<QLabel>("connectedNote", sheet);
+  EXPECT_TRUE(notRun->isVisible()); // typed, but its switch is off
   click("runConnected", sheet);
+  EXPECT_FALSE(notRun->isVisible());
   click("done", sheet);
   EXPECT_FALSE(sheet->isVisible());
 
