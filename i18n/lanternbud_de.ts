@@ -481,7 +481,7 @@
     </message>
     <message>
         <source>Clear</source>
-        <translation>Löschen</translation>
+        <translation>Leeren</translation>
     </message>
     <message>
         <source>Keyboard shortcut</source>

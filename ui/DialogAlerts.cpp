@@ -1,6 +1,7 @@
 #include "ui/DialogAlerts.h"
 
 #include "core/LogAreas.h"
+#include "core/Texts.h"
 
 #include <QDesktopServices>
 #include <QMessageBox>
@@ -34,6 +35,9 @@ void DialogAlerts::openHelpPage(const std::string& page) {
     if (!std::filesystem::exists(file)) continue;
     if (!QDesktopServices::openUrl(QUrl::fromLocalFile(QString::fromStdString(file.string())))) {
       pxrLogError("No browser could open " + file.string());
+      runModal({localized("The help could not be opened."),
+                formatted(localized("No program on this computer opens web pages. The page is %@."), file.string()),
+                {localized("OK")}});
     }
     return;
   }
