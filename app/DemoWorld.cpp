@@ -12,30 +12,33 @@ DemoWorld::DemoWorld(EventLoop& loop) : world(loop) {
                     audio.addDevice({"Built-in Microphone", "builtin.microphone", false, false}));
 
   // Each device with the icon a first run gives it.
+  // Each with its true class: major 4 audio (minor 1 a headset, 6
+  // headphones, 5 a loudspeaker), 5 a peripheral (minor 32 pointing, 16 a
+  // keyboard).
   auto add = [&](const std::string& address, const std::string& name, std::uint32_t majorClass,
-                 MenuBarIconOption icon) -> auto& {
+                 std::uint32_t minorClass, MenuBarIconOption icon) -> auto& {
     icons_[address] = icon;
-    return world.addDevice(address, name, majorClass);
+    return world.addDevice(address, name, majorClass, minorClass);
   };
 
-  auto& headset = add("00:1D:43:A0:00:01", "Lantern Headset", 4, MenuBarIconOption::headphones);
+  auto& headset = add("00:1D:43:A0:00:01", "Lantern Headset", 4, 1, MenuBarIconOption::headphones);
   headset.setBatteryProperty("batteryPercentSingle", 80);
   headsets_.push_back(std::make_unique<SimHeadsetAudio>(world, audio, loop, headset.addressString(), "Lantern Headset",
                                                         SimHeadsetAudio::Options{.delay = 0.8, .hasMicrophone = true}));
 
-  auto& buds = add("00:1D:43:A0:00:02", "Lantern Buds", 4, MenuBarIconOption::surfaceEarbuds);
+  auto& buds = add("00:1D:43:A0:00:02", "Lantern Buds", 4, 6, MenuBarIconOption::surfaceEarbuds);
   buds.setBatteryProperty("batteryPercentLeft", 60);
   buds.setBatteryProperty("batteryPercentRight", 75);
   buds.setBatteryProperty("batteryPercentCase", 90);
   headsets_.push_back(std::make_unique<SimHeadsetAudio>(world, audio, loop, buds.addressString(), "Lantern Buds",
                                                         SimHeadsetAudio::Options{.delay = 0.4}));
 
-  add("00:1D:43:A0:00:03", "Lantern Mouse", 5, MenuBarIconOption::mouse).setBatteryProperty("batteryPercentSingle", 45);
-  add("00:1D:43:A0:00:04", "Lantern Keyboard", 5, MenuBarIconOption::keyboard);
+  add("00:1D:43:A0:00:03", "Lantern Mouse", 5, 32, MenuBarIconOption::mouse).setBatteryProperty("batteryPercentSingle", 45);
+  add("00:1D:43:A0:00:04", "Lantern Keyboard", 5, 16, MenuBarIconOption::keyboard);
 
   // Every other connect pages in vain, and so does its retry: the demo shows
   // the connection alert and its Help.
-  auto& speaker = add("00:1D:43:A0:00:05", "Lantern Speaker", 4, MenuBarIconOption::cylinderSpeaker);
+  auto& speaker = add("00:1D:43:A0:00:05", "Lantern Speaker", 4, 5, MenuBarIconOption::cylinderSpeaker);
   const auto pagesInVain = sim::failsAfter(sim::pageTimeoutResult(), 3.0);
   speaker.setConnectBehaviour(sim::cycles({sim::succeedsAfter(1.5), pagesInVain, pagesInVain}));
   headsets_.push_back(std::make_unique<SimHeadsetAudio>(world, audio, loop, speaker.addressString(), "Lantern Speaker",

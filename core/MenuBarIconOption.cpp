@@ -88,23 +88,31 @@ MenuBarIconOption iconForClassOfDevice(std::uint32_t classOfDevice) {
   switch (major) {
   case 1: return minor == 7 ? tablet : wand; // a computer; 7 is a tablet
   case 2: return phone;
-  case 4: // audio and video
+  case 4: // audio and video, by the assigned numbers' minor classes
     switch (minor) {
-    case 1:
-    case 2: return headset;
-    case 5:
-    case 15: return horizontalSpeaker;
-    case 7:
-    case 8: return boombox;
-    case 10: return desktopSpeaker;
+    case 1:                        // wearable headset
+    case 2: return headset;        // hands-free
+    case 4: return wand;           // a microphone
+    case 5:                        // loudspeaker
+    case 8:                        // car audio
+    case 15: return horizontalSpeaker; // a display with speakers
+    case 7: return boombox;        // portable audio
+    case 9: return box;            // set-top box
+    case 10: return desktopSpeaker; // hi-fi
+    case 11:
+    case 12:
+    case 13:
+    case 14: return wand;          // video
     case 16: return conferenceSpeaker;
-    default: return headphones;
+    case 18: return gameController; // gaming toy
+    default: return headphones;    // headphones, or uncategorised
     }
   case 5: { // peripherals
     if ((minor >> 4) & 1) return keyboard;
     if ((minor >> 5) & 1) return mouse;
     const auto other = minor & 0xf;
-    if (other == 1 || other == 2 || other == 3) return gameController;
+    if (other == 1 || other == 2) return gameController; // joystick, gamepad
+    if (other == 3) return siriRemote;                   // remote control
     if (other == 5 || other == 7) return graphicTablet;
     return wand;
   }

@@ -38,6 +38,7 @@ DeviceChooser::DeviceChooser(DeviceSettingManager& registry, Services& services,
   list_->setObjectName("paired");
   list_->setAccessibleName(uiText("Paired devices"));
   list_->setIconSize(QSize(24, 24));
+  list_->setSelectionMode(QAbstractItemView::ExtendedSelection); // Ctrl or Shift with a click takes several
   message_->setObjectName("message");
   message_->setWordWrap(true);
   addButton_->setObjectName("add");
@@ -52,7 +53,8 @@ DeviceChooser::DeviceChooser(DeviceSettingManager& registry, Services& services,
   connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
   connect(addButton_, &QPushButton::clicked, this, &DeviceChooser::addChosen);
   connect(list_, &QListWidget::itemActivated, this, &DeviceChooser::addChosen);
-  connect(list_, &QListWidget::currentRowChanged, this, [this](int row) { addButton_->setEnabled(row >= 0); });
+  connect(list_, &QListWidget::itemSelectionChanged, this,
+          [this] { addButton_->setEnabled(!list_->selectedItems().isEmpty()); });
   connect(settingsButton_, &QPushButton::clicked, this, &DeviceChooser::openBluetoothSettings);
   connect(byAddress, &QPushButton::clicked, this, [this] {
     emit addByAddress();
@@ -74,7 +76,8 @@ DeviceChooser::DeviceChooser(DeviceSettingManager& registry, Services& services,
 DeviceChooser::~DeviceChooser() = default;
 
 void DeviceChooser::refresh() {
-  const auto chosen = list_->currentItem() ? list_->currentItem()->data(addressRole).toString() : QString();
+  QStringList chosen;
+  for (const auto* item : list_->selectedItems()) chosen << item->data(addressRole).toString();
   const QColor ink = palette().color(QPalette::WindowText);
   const auto paired = services_.bluetooth.pairedDevices();
   list_->clear();
@@ -85,7 +88,7 @@ void DeviceChooser::refresh() {
     auto* item = new QListWidgetItem(TrayImage::iconOf(picture, ink),
                                      QString::fromStdString(name + "   " + device.address), list_);
     item->setData(addressRole, QString::fromStdString(device.address));
-    if (item->data(addressRole).toString() == chosen || list_->count() == 1) list_->setCurrentItem(item);
+    if (chosen.contains(item->data(addressRole).toString()) || list_->count() == 1) item->setSelected(true);
   }
   const bool any = list_->count() > 0;
   message_->setText(any ? QString()
@@ -99,23 +102,28 @@ void DeviceChooser::refresh() {
                                  "Bluetooth settings, and it appears here."));
   message_->setVisible(!any);
   settingsButton_->setVisible(!any);
-  addButton_->setEnabled(list_->currentRow() >= 0);
+  addButton_->setEnabled(!list_->selectedItems().isEmpty());
 }
 
+// Every device chosen; one that cannot be added is said, and the dialog
+// stays open with it.
 void DeviceChooser::addChosen() {
-  auto* item = list_->currentItem();
-  if (!item) return;
-  const auto address = item->data(addressRole).toString().toStdString();
-  auto device = services_.bluetooth.deviceWithAddressString(address);
-  auto setting = device ? registry_.add(*device) : nullptr;
-  if (!setting) {
+  const auto chosen = list_->selectedItems();
+  if (chosen.isEmpty()) return;
+  bool allAdded = true;
+  for (const auto* item : chosen) {
+    auto device = services_.bluetooth.deviceWithAddressString(item->data(addressRole).toString().toStdString());
+    auto setting = device ? registry_.add(*device) : nullptr;
+    if (setting) {
+      emit added(setting->deviceID());
+      continue;
+    }
+    allAdded = false;
     message_->setText(device ? uiText("The device has already been added.")
                              : uiText("The device is no longer paired with this computer."));
     message_->show();
-    return;
   }
-  emit added(setting->deviceID());
-  accept();
+  if (allAdded) accept();
 }
 
 // The first of the desktops' own Bluetooth settings that is installed.

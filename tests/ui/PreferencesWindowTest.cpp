@@ -342,14 +342,16 @@ TEST_F(PreferencesWindowTest, RemovingAsksThenTakesTheItemAndShortcutAndAnEmptyL
   ASSERT_TRUE(chooser);
   auto* paired = find<QListWidget>("paired", chooser);
   ASSERT_EQ(paired->count(), 3);
-  paired->setCurrentRow(0);
+  // Several at once.
+  paired->item(0)->setSelected(true);
+  paired->item(2)->setSelected(true);
   click("add", chooser);
-  ASSERT_EQ(registry->deviceSettingList().size(), 1u);
+  ASSERT_EQ(registry->deviceSettingList().size(), 2u);
   const auto& added = registry->deviceSettingList()[0];
   EXPECT_EQ(added->deviceID(), 4);
   EXPECT_EQ(added->icon(), MenuBarIconOption::headset);
-  EXPECT_EQ(rows(), QStringList{"Lantern Headset"});
-  EXPECT_EQ(find<QLabel>("deviceLabel")->text(), "Lantern Headset");
+  EXPECT_EQ(rows(), (QStringList{"Lantern Headset", "Lantern Mouse"}));
+  EXPECT_EQ(find<QLabel>("deviceLabel")->text(), "Lantern Mouse");
 }
 
 // Where BlueZ is not running, the devices have no names, and the chooser
