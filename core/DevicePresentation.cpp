@@ -78,6 +78,17 @@ std::optional<std::string> DevicePresentation::toolTipString() {
   return text;
 }
 
+std::string DevicePresentation::summaryString() {
+  auto found = owner_.device();
+  if (!found) return localized("Not paired");
+  if (!found->isConnected()) return localized("Disconnected");
+  std::string text = localized("Connected");
+  if (owner_.isAudioOutput() == true) text += " · " + localized("sound output");
+  if (isNotTheOutput(true)) text += " · " + localized("not the sound output");
+  if (auto battery = batteryLevelFormat(BatteryReading::lastKnown)) text += " · " + formatted(*battery, "");
+  return text;
+}
+
 std::shared_ptr<Image> DevicePresentation::image(bool connected) {
   const double fraction = tunables_(tunable::NotAudioOutputFraction);
   if (owner_.outputFixer().isRetrying()) {

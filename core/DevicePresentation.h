@@ -41,6 +41,10 @@ public:
   std::optional<std::string> statusString();
   // The status and, while connected, the battery, on two lines.
   std::optional<std::string> toolTipString();
+  // What the settings list says under the name, from what is known without
+  // asking the device: "Connected · sound output · L: 60% R: 75%",
+  // "Disconnected", "Not paired".
+  std::string summaryString();
 
   // The tray picture for a device known to be connected or not: the
   // outline while disconnected; the filled one, dimmed while it is not the

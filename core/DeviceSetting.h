@@ -157,6 +157,7 @@ public:
   }
   std::optional<std::string> statusString() { return presentation_.statusString(); }
   std::optional<std::string> toolTipString() { return presentation_.toolTipString(); }
+  std::string summaryString() { return presentation_.summaryString(); }
 
   // What scripts see and do (DeviceSettingScripting.cpp).
   std::string scriptingName() const { return deviceName().value_or(""); }

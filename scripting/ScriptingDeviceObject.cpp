@@ -29,6 +29,7 @@ const std::vector<ScriptingProperty>& ScriptingDeviceObject::properties() {
       {"Connected", "b", [](DeviceSetting& s, BatteryReading) { return QVariant(s.scriptingIsConnected()); },
        [](DeviceSetting& s, const QVariant& value) { s.setScriptingIsConnected(value.toBool()); }},
       {"Status", "s", [](DeviceSetting& s, BatteryReading) { return text(s.scriptingStatus()); }},
+      {"SoundOutput", "b", [](DeviceSetting& s, BatteryReading) { return QVariant(s.isAudioOutput() == true); }},
       {"ConnectionScript", "s", [](DeviceSetting& s, BatteryReading) { return text(s.shellScriptAfterConnected()); }},
       {"DisconnectionScript", "s",
        [](DeviceSetting& s, BatteryReading) { return text(s.shellScriptAfterDisconnected()); }},

@@ -269,9 +269,9 @@ void DeviceListPane::deviceChanged(const DeviceSetting* changed) {
 }
 
 // A picture is drawn again only when the device's choice changed.
-void DeviceListPane::showRow(QListWidgetItem& item, const DeviceSetting& setting) {
+void DeviceListPane::showRow(QListWidgetItem& item, DeviceSetting& setting) {
   item.setData(deviceIDRole, QVariant::fromValue(setting.deviceID()));
-  item.setText(QString::fromStdString(setting.displayName()));
+  item.setText(QString::fromStdString(setting.displayName() + "\n" + setting.summaryString()));
   const auto icon = nameOf(setting.icon());
   if (item.data(iconRole) == icon) return;
   item.setData(iconRole, icon);

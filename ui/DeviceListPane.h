@@ -66,7 +66,7 @@ private:
   void selectRow(int row);
   // The detail area for the selected device.
   void showSelected();
-  void showRow(QListWidgetItem& item, const DeviceSetting& setting);
+  void showRow(QListWidgetItem& item, DeviceSetting& setting);
   QIcon pictureOf(const DeviceSetting& setting) const;
   void deviceChanged(const DeviceSetting* changed);
   void fillIconMenu();

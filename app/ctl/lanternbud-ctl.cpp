@@ -127,15 +127,15 @@ int list(ProgramClient& client, bool json) {
     std::cout << lb::pxrPrintableLines(all.dump(2)) << "\n";
     return ok;
   }
-  std::printf("%-4s %-24s %-18s %-13s %s\n", "ID", "NAME", "ADDRESS", "STATE", "BATTERY");
+  std::printf("%-4s %-24s %-18s %-13s %-7s %s\n", "ID", "NAME", "ADDRESS", "STATE", "OUTPUT", "BATTERY");
   for (const auto& device : all) {
     auto text = [&](const char* key) {
       return device[key].is_null() ? std::string("-") : lb::pxrPrintable(device[key].get<std::string>());
     };
     const auto level = device["batteryLevel"];
-    std::printf("%-4lld %-24s %-18s %-13s %s\n", device["id"].get<long long>(), text("name").c_str(),
+    std::printf("%-4lld %-24s %-18s %-13s %-7s %s\n", device["id"].get<long long>(), text("name").c_str(),
                 text("address").c_str(), device["connected"].get<bool>() ? "connected" : "disconnected",
-                level.is_null() ? "-" : (std::to_string(level.get<int>()) + "%").c_str());
+                device["soundOutput"].get<bool>() ? "sound" : "-", level.is_null() ? "-" : (std::to_string(level.get<int>()) + "%").c_str());
   }
   return ok;
 }

@@ -201,6 +201,15 @@ TEST_F(PreferencesWindowTest, TheListShowsTheDevicesWhoseOptionsApplyAndAreSaved
   EXPECT_EQ(registry->deviceSettingList()[1]->icon(), MenuBarIconOption::mouse);
   EXPECT_EQ(savedDevice(1).at("icon"), SettingsValue("mouse"));
 
+  // Each row says what is on.
+  auto* list = find<QListWidget>("devices");
+  EXPECT_EQ(list->item(1)->text(), "Lantern Keyboard\nDisconnected");
+  sim.world.setConnected(keyboardAddress, true);
+  sim.world.device(keyboardAddress)->setBatteryProperty("batteryPercentSingle", 80);
+  sim.loop.runDue();
+  registry->updateItemIcon(); // the tray's timer
+  EXPECT_EQ(list->item(1)->text(), "Lantern Keyboard\nConnected · 80%");
+
   click("launchAtLogin");
   EXPECT_TRUE(sim.defaults.boolValue("launchAtLogin", false));
   sim.defaults.setValue("launchAtLogin", false); // as lanternbud-ctl config set does
