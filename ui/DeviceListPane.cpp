@@ -5,18 +5,18 @@
 #include "ui/AddByAddressDialog.h"
 #include "ui/AdvancedSheet.h"
 #include "ui/DeviceChooser.h"
+#include "ui/IconPicker.h"
 #include "ui/ShortcutRecorder.h"
 #include "ui/TrayIconsChoice.h"
 #include "ui/TrayImage.h"
 #include "ui/UiText.h"
 
 #include <QCheckBox>
+#include <QEvent>
 #include <QFormLayout>
-#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QListWidget>
-#include <QMenu>
 #include <QMessageBox>
 #include <QPainter>
 #include <QPushButton>
@@ -33,14 +33,6 @@ struct DeviceListPane::Switch {
 };
 
 namespace {
-
-// "horizontal-speaker" as "Horizontal speaker": a picture's name where the
-// catalogue gives it none.
-QString readable(const std::string& raw) {
-  auto name = QString::fromStdString(raw).replace('-', ' ');
-  if (!name.isEmpty()) name[0] = name[0].toUpper();
-  return name;
-}
 
 // A row's device, to know the list's order from the registry's, and the
 // name of its picture, to draw it only when it changed.
@@ -87,7 +79,7 @@ QPushButton* button(const QString& title, const QString& accessibleName, QWidget
 DeviceListPane::DeviceListPane(DeviceSettingManager& registry, Services& services, QWidget* parent)
     : QWidget(parent), registry_(registry), services_(services), list_(new DeviceList(this)),
       deviceLabel_(new QLabel(this)), iconButton_(new QToolButton(this)),
-      shortcut_(new ShortcutRecorder(services.shortcuts, this)), iconMenu_(new QMenu(this)),
+      shortcut_(new ShortcutRecorder(services.shortcuts, this)), picker_(new IconPicker(services.images, this)),
       advancedButton_(button(uiText("Ad&vanced…"), uiText("Scripts of the device"), this)),
       removeButton_(button("−", uiText("Remove the device"), this)),
       launchAtLogin_(new QCheckBox(uiText("Start Lanternbud at &login"), this)) {
@@ -116,12 +108,17 @@ DeviceListPane::DeviceListPane(DeviceSettingManager& registry, Services& service
   deviceLabel_->setFont(font);
   iconButton_->setObjectName("icon");
   iconButton_->setAccessibleName(uiText("Icon in the tray"));
-  iconButton_->setToolTip(uiText("Choose the device's icon (hold Alt for the connected pictures)"));
+  iconButton_->setToolTip(uiText("Choose the device's picture in the tray"));
   iconButton_->setIconSize(QSize(32, 32));
-  iconButton_->setPopupMode(QToolButton::InstantPopup);
-  iconButton_->setMenu(iconMenu_);
-  iconMenu_->setToolTipsVisible(true);
-  connect(iconMenu_, &QMenu::aboutToShow, this, &DeviceListPane::fillIconMenu);
+  connect(iconButton_, &QToolButton::clicked, this, [this] {
+    if (auto setting = selectedDeviceSetting()) picker_->popUp(iconButton_, setting->icon());
+  });
+  connect(picker_, &IconPicker::chosen, this, [this](MenuBarIconOption option) {
+    if (auto setting = selectedDeviceSetting()) {
+      setting->setIcon(option);
+      save();
+    }
+  });
 
   auto makeSwitch = [this](const char* name, QString title, bool (DeviceSetting::*get)() const,
                            void (DeviceSetting::*set)(bool)) {
@@ -300,36 +297,6 @@ void DeviceListPane::showSelected() {
                        setting ? setting->deviceID() : 0);
   for (QWidget* widget : std::initializer_list<QWidget*>{iconButton_, advancedButton_, removeButton_}) {
     widget->setEnabled(setting != nullptr);
-  }
-}
-
-// Every picture once, in groups; the current one checked. With Alt held
-// the menu shows the connected pictures.
-void DeviceListPane::fillIconMenu() {
-  iconMenu_->clear();
-  const auto setting = selectedDeviceSetting();
-  if (!setting) return;
-  const bool connected = QGuiApplication::queryKeyboardModifiers() & Qt::AltModifier;
-  const QColor ink = palette().color(QPalette::WindowText);
-  for (const auto& entry : availableIconsForMenu(services_.images)) {
-    if (!entry) {
-      iconMenu_->addSeparator();
-      continue;
-    }
-    const std::string raw(rawValue(*entry));
-    auto picture = connected ? connectedImage(services_.images, *entry) : services_.images.named(raw);
-    const auto tip = lb::toolTip(*entry);
-    auto* action = iconMenu_->addAction(TrayImage::iconOf(picture, ink),
-                                        tip ? QString::fromStdString(std::string(*tip)) : readable(raw));
-    if (tip) action->setToolTip(QString::fromStdString(std::string(*tip)));
-    action->setCheckable(true);
-    action->setChecked(*entry == setting->icon());
-    connect(action, &QAction::triggered, this, [this, weak = std::weak_ptr(setting), option = *entry] {
-      if (auto chosen = weak.lock()) {
-        chosen->setIcon(option);
-        save();
-      }
-    });
   }
 }
 

@@ -13,13 +13,13 @@ class QCheckBox;
 class QLabel;
 class QListWidget;
 class QListWidgetItem;
-class QMenu;
 class QPushButton;
 class QToolButton;
 
 namespace lb {
 
 class DeviceChooser;
+class IconPicker;
 class DeviceSetting;
 class DeviceSettingManager;
 class ShortcutRecorder;
@@ -69,7 +69,6 @@ private:
   void showRow(QListWidgetItem& item, DeviceSetting& setting);
   QIcon pictureOf(const DeviceSetting& setting) const;
   void deviceChanged(const DeviceSetting* changed);
-  void fillIconMenu();
   void openAdvancedSheet();
   void added(std::int64_t deviceID);
   void save();
@@ -80,7 +79,7 @@ private:
   QLabel* deviceLabel_;
   QToolButton* iconButton_;
   ShortcutRecorder* shortcut_;
-  QMenu* iconMenu_;
+  IconPicker* picker_;
   std::vector<Switch> switches_;
   QPushButton* advancedButton_;
   QPushButton* removeButton_;

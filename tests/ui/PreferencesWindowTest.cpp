@@ -10,6 +10,7 @@
 #include "ui/AdvancedSheet.h"
 #include "ui/DeviceChooser.h"
 #include "ui/DeviceListPane.h"
+#include "ui/IconPicker.h"
 #include "ui/PreferencesWindow.h"
 #include "ui/PaletteIconStyle.h"
 #include "ui/ShortcutRecorder.h"
@@ -31,6 +32,7 @@
 #include <QProxyStyle>
 #include <QPushButton>
 #include <QRegularExpression>
+#include <QScreen>
 #include <QTest>
 #include <QToolButton>
 
@@ -166,7 +168,8 @@ protected:
 } // namespace
 
 TEST_F(PreferencesWindowTest, TheListShowsTheDevicesWhoseOptionsApplyAndAreSavedAtOnce) {
-  open();
+  SvgImages artwork;
+  open({.images = &artwork});
   EXPECT_EQ(window->windowTitle(), "Lanternbud Settings");
   EXPECT_EQ(rows(), (QStringList{"Lantern Headset", "Lantern Keyboard"}));
   window->present(2);
@@ -184,20 +187,35 @@ TEST_F(PreferencesWindowTest, TheListShowsTheDevicesWhoseOptionsApplyAndAreSaved
   EXPECT_EQ(savedDevice(1).at("connectOnlyMode"), SettingsValue(true));
   EXPECT_EQ(find<QLabel>("saveState")->text(), "Changes are saved as you make them.");
 
-  // The icon picker: every picture once in groups, the current one checked.
-  auto* menu = find<QToolButton>("icon")->menu();
-  emit menu->aboutToShow();
-  const auto actions = menu->actions();
-  EXPECT_EQ(actions.size(), 59);
+  // The picker: every picture once, named, dropping from its button, the
+  // current one checked.
+  auto* iconButton = find<QToolButton>("icon");
+  QTest::mouseClick(iconButton, Qt::LeftButton);
+  auto* picker = opened<IconPicker>();
+  ASSERT_TRUE(picker);
+  const int buttonTop = iconButton->mapToGlobal(QPoint(0, 0)).y();
+  // At the button's edge and on the screen, give or take the few pixels
+  // that offscreen windows sit off where they are put.
+  const auto placed = picker->frameGeometry();
+  const int below = std::abs(placed.top() - (buttonTop + iconButton->height()));
+  const int above = std::abs(placed.bottom() + 1 - buttonTop);
+  EXPECT_LE(std::min(below, above), 4) << placed.top() << " " << placed.bottom() << " " << buttonTop;
+  EXPECT_TRUE(iconButton->screen()->availableGeometry().adjusted(-4, -4, 4, 4).contains(placed));
+  const auto pictures = picker->findChildren<QToolButton*>();
+  EXPECT_EQ(pictures.size(), 49);
   QStringList checked;
-  QAction* mouse = nullptr;
-  for (auto* action : actions) {
-    if (action->isChecked()) checked << action->text();
-    if (action->text() == "Mouse") mouse = action;
+  QToolButton* mouse = nullptr;
+  for (auto* picture : pictures) {
+    if (picture->isChecked()) checked << picture->text();
+    if (picture->text() == "Mouse") mouse = picture;
   }
   EXPECT_EQ(checked, QStringList{"Wand"}); // saved without a choice
   ASSERT_TRUE(mouse);
-  mouse->trigger();
+  const auto outline = mouse->icon().pixmap(24, 24).toImage();
+  click("connectedPictures", picker);
+  EXPECT_NE(mouse->icon().pixmap(24, 24).toImage(), outline);
+  mouse->click();
+  EXPECT_FALSE(picker->isVisible());
   EXPECT_EQ(registry->deviceSettingList()[1]->icon(), MenuBarIconOption::mouse);
   EXPECT_EQ(savedDevice(1).at("icon"), SettingsValue("mouse"));
 
@@ -297,9 +315,12 @@ TEST_F(PreferencesWindowTest, InADarkPaletteEveryPictureTakesTheTextColour) {
       EXPECT_GE(test::contrast(*ink, background), 3.0) << what.toStdString();
     }
   };
-  auto* menu = find<QToolButton>("icon")->menu();
-  emit menu->aboutToShow();
-  for (auto* action : menu->actions()) expectLegible(action->icon(), dark.color(QPalette::Window), action->text());
+  QTest::mouseClick(find<QToolButton>("icon"), Qt::LeftButton);
+  auto* picker = opened<IconPicker>();
+  ASSERT_TRUE(picker);
+  for (auto* picture : picker->findChildren<QToolButton*>()) {
+    expectLegible(picture->icon(), dark.color(QPalette::Window), picture->text());
+  }
   for (auto* button : window->findChildren<QAbstractButton*>()) {
     expectLegible(button->icon(), dark.color(QPalette::Button), button->objectName());
   }
