@@ -116,6 +116,14 @@
         <translation>Fertig</translation>
     </message>
     <message>
+        <source>This script does not run until “Run this script after connecting” is ticked.</source>
+        <translation>Dieses Skript läuft erst, wenn „Dieses Skript nach dem Verbinden ausführen“ angekreuzt ist.</translation>
+    </message>
+    <message>
+        <source>This script does not run until “Run this script after disconnecting” is ticked.</source>
+        <translation>Dieses Skript läuft erst, wenn „Dieses Skript nach dem Trennen ausführen“ angekreuzt ist.</translation>
+    </message>
+    <message>
         <source>Unable to write script to the folder.</source>
         <translation>Das Skript konnte nicht in den Ordner geschrieben werden.</translation>
     </message>
@@ -240,8 +248,8 @@
         <translation>Symbol in der Systemleiste</translation>
     </message>
     <message>
-        <source>Choose the device&apos;s icon (hold Alt for the connected pictures)</source>
-        <translation>Symbol des Geräts wählen (Alt gedrückt halten für die Bilder im verbundenen Zustand)</translation>
+        <source>Choose the device&apos;s picture in the tray</source>
+        <translation>Das Bild des Geräts in der Systemleiste wählen</translation>
     </message>
     <message>
         <source>Sho&amp;w in the tray</source>
@@ -276,6 +284,26 @@
         <translation>Klicken Sie auf +, um ein gekoppeltes Gerät hinzuzufügen.</translation>
     </message>
     <message>
+        <source>Remove Device</source>
+        <translation>Gerät entfernen</translation>
+    </message>
+    <message>
+        <source>Remove “%@” from Lanternbud?</source>
+        <translation>„%@“ aus Lanternbud entfernen?</translation>
+    </message>
+    <message>
+        <source>Its tray icon, its connect and disconnect scripts and its shortcut %@ go with it. The device stays paired with this computer.</source>
+        <translation>Sein Symbol in der Systemleiste, seine Skripte zum Verbinden und Trennen und sein Tastenkürzel %@ werden mit entfernt. Das Gerät bleibt mit diesem Computer gekoppelt.</translation>
+    </message>
+    <message>
+        <source>Its tray icon and its connect and disconnect scripts go with it. The device stays paired with this computer.</source>
+        <translation>Sein Symbol in der Systemleiste und seine Skripte zum Verbinden und Trennen werden mit entfernt. Das Gerät bleibt mit diesem Computer gekoppelt.</translation>
+    </message>
+    <message>
+        <source>Remove</source>
+        <translation>Entfernen</translation>
+    </message>
+    <message>
         <source>L</source>
         <translation>L</translation>
     </message>
@@ -308,6 +336,22 @@
         <translation> (nicht die Tonausgabe)</translation>
     </message>
     <message>
+        <source>Not paired</source>
+        <translation>Nicht gekoppelt</translation>
+    </message>
+    <message>
+        <source>sound output</source>
+        <translation>Audioausgang</translation>
+    </message>
+    <message>
+        <source>not the sound output</source>
+        <translation>nicht der Audioausgang</translation>
+    </message>
+    <message>
+        <source>Unknown device</source>
+        <translation>Unbekanntes Gerät</translation>
+    </message>
+    <message>
         <source>Connect</source>
         <translation>Verbinden</translation>
     </message>
@@ -334,6 +378,98 @@
     <message>
         <source>Quit</source>
         <translation>Beenden</translation>
+    </message>
+    <message>
+        <source>The help could not be opened.</source>
+        <translation>Die Hilfe konnte nicht geöffnet werden.</translation>
+    </message>
+    <message>
+        <source>No program on this computer opens web pages. The page is %@.</source>
+        <translation>Kein Programm auf diesem Computer öffnet Webseiten. Die Seite ist %@.</translation>
+    </message>
+    <message>
+        <source>Show the co&amp;nnected pictures</source>
+        <translation>Bilder für &amp;verbunden zeigen</translation>
+    </message>
+    <message>
+        <source>Pictures</source>
+        <translation>Bilder</translation>
+    </message>
+    <message>
+        <source>Wand</source>
+        <translation>Zauberstab</translation>
+    </message>
+    <message>
+        <source>Earbuds</source>
+        <translation>Ohrhörer</translation>
+    </message>
+    <message>
+        <source>Phone</source>
+        <translation>Telefon</translation>
+    </message>
+    <message>
+        <source>Headset</source>
+        <translation>Headset</translation>
+    </message>
+    <message>
+        <source>Headset with microphone</source>
+        <translation>Headset mit Mikrofon</translation>
+    </message>
+    <message>
+        <source>Box</source>
+        <translation>Box</translation>
+    </message>
+    <message>
+        <source>Boombox</source>
+        <translation>Kofferradio</translation>
+    </message>
+    <message>
+        <source>Smart speaker</source>
+        <translation>Smart Speaker</translation>
+    </message>
+    <message>
+        <source>Wide speaker</source>
+        <translation>Breiter Lautsprecher</translation>
+    </message>
+    <message>
+        <source>Round speaker</source>
+        <translation>Runder Lautsprecher</translation>
+    </message>
+    <message>
+        <source>Conference speaker</source>
+        <translation>Konferenzlautsprecher</translation>
+    </message>
+    <message>
+        <source>Desktop speaker</source>
+        <translation>Schreibtischlautsprecher</translation>
+    </message>
+    <message>
+        <source>Mouse</source>
+        <translation>Maus</translation>
+    </message>
+    <message>
+        <source>Mouse with buttons</source>
+        <translation>Maus mit Tasten</translation>
+    </message>
+    <message>
+        <source>Graphics tablet</source>
+        <translation>Grafiktablett</translation>
+    </message>
+    <message>
+        <source>Keyboard</source>
+        <translation>Tastatur</translation>
+    </message>
+    <message>
+        <source>Game controller</source>
+        <translation>Gamecontroller</translation>
+    </message>
+    <message>
+        <source>Controller</source>
+        <translation>Controller</translation>
+    </message>
+    <message>
+        <source>Headphones</source>
+        <translation>Kopfhörer</translation>
     </message>
     <message>
         <source>Collecting the log files</source>
@@ -394,6 +530,10 @@
     <message>
         <source>Changes are saved as you make them.</source>
         <translation>Änderungen werden sofort gespeichert.</translation>
+    </message>
+    <message>
+        <source>Lanternbud Report</source>
+        <translation>Lanternbud-Bericht</translation>
     </message>
     <message>
         <source>Save Diagnostic Report</source>
