@@ -341,11 +341,11 @@
     </message>
     <message>
         <source>sound output</source>
-        <translation>Audioausgang</translation>
+        <translation>Tonausgabe</translation>
     </message>
     <message>
         <source>not the sound output</source>
-        <translation>nicht der Audioausgang</translation>
+        <translation>nicht die Tonausgabe</translation>
     </message>
     <message>
         <source>Unknown device</source>
