@@ -33,7 +33,8 @@ DemoWorld::DemoWorld(EventLoop& loop) : world(loop) {
   headsets_.push_back(std::make_unique<SimHeadsetAudio>(world, audio, loop, buds.addressString(), "Lantern Buds",
                                                         SimHeadsetAudio::Options{.delay = 0.4}));
 
-  add("00:1D:43:A0:00:03", "Lantern Mouse", 5, 32, MenuBarIconOption::mouse).setBatteryProperty("batteryPercentSingle", 45);
+  add("00:1D:43:A0:00:03", "Lantern Mouse", 5, 32, MenuBarIconOption::mouse)
+      .setBatteryProperty("batteryPercentSingle", 45);
   add("00:1D:43:A0:00:04", "Lantern Keyboard", 5, 16, MenuBarIconOption::keyboard);
 
   // Every other connect pages in vain, and so does its retry: the demo shows

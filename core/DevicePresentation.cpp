@@ -85,7 +85,12 @@ std::string DevicePresentation::summaryString() {
   std::string text = localized("Connected");
   if (owner_.isAudioOutput() == true) text += " · " + localized("sound output");
   if (isNotTheOutput(true)) text += " · " + localized("not the sound output");
-  if (auto battery = batteryLevelFormat(BatteryReading::lastKnown)) text += " · " + formatted(*battery, "");
+  if (auto battery = batteryLevelFormat(BatteryReading::lastKnown)) {
+    // "L: 60% R: 75%" kept on one line where the list wraps.
+    std::string together;
+    for (char c : formatted(*battery, "")) together += c == ' ' ? std::string("\u00a0") : std::string(1, c);
+    text += " · " + together;
+  }
   return text;
 }
 

@@ -90,22 +90,22 @@ MenuBarIconOption iconForClassOfDevice(std::uint32_t classOfDevice) {
   case 2: return phone;
   case 4: // audio and video, by the assigned numbers' minor classes
     switch (minor) {
-    case 1:                        // wearable headset
-    case 2: return headset;        // hands-free
-    case 4: return wand;           // a microphone
-    case 5:                        // loudspeaker
-    case 8:                        // car audio
+    case 1:                            // wearable headset
+    case 2: return headset;            // hands-free
+    case 4: return wand;               // a microphone
+    case 5:                            // loudspeaker
+    case 8:                            // car audio
     case 15: return horizontalSpeaker; // a display with speakers
-    case 7: return boombox;        // portable audio
-    case 9: return box;            // set-top box
-    case 10: return desktopSpeaker; // hi-fi
+    case 7: return boombox;            // portable audio
+    case 9: return box;                // set-top box
+    case 10: return desktopSpeaker;    // hi-fi
     case 11:
     case 12:
     case 13:
-    case 14: return wand;          // video
+    case 14: return wand; // video
     case 16: return conferenceSpeaker;
     case 18: return gameController; // gaming toy
-    default: return headphones;    // headphones, or uncategorised
+    default: return headphones;     // headphones, or uncategorised
     }
   case 5: { // peripherals
     if ((minor >> 4) & 1) return keyboard;

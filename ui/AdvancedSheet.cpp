@@ -87,12 +87,12 @@ AdvancedSheet::AdvancedSheet(std::shared_ptr<DeviceSetting> setting, Services& s
     connect(run, &QCheckBox::toggled, note, update);
     return note;
   };
-  auto* connectedNote =
-      notRunNote("connectedNote", runConnected_, connected_,
-                 uiText("This script does not run until “Run this script after connecting” is ticked."));
-  auto* disconnectedNote =
-      notRunNote("disconnectedNote", runDisconnected_, disconnected_,
-                 uiText("This script does not run until “Run this script after disconnecting” is ticked."));
+  auto* connectedNote = notRunNote(
+      "connectedNote", runConnected_, connected_,
+      uiText("This script does not run until “Run this script after connecting” is ticked."));
+  auto* disconnectedNote = notRunNote(
+      "disconnectedNote", runDisconnected_, disconnected_,
+      uiText("This script does not run until “Run this script after disconnecting” is ticked."));
 
   auto* layout = new QVBoxLayout(this);
   layout->addWidget(runConnected_);

@@ -87,6 +87,9 @@ DeviceListPane::DeviceListPane(DeviceSettingManager& registry, Services& service
   list_->setAccessibleName(uiText("Devices"));
   list_->setIconSize(QSize(24, 24));
   list_->setMinimumWidth(200);
+  // A long state line wraps rather than scrolling sideways.
+  list_->setWordWrap(true);
+  list_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   connect(list_, &QListWidget::currentRowChanged, this, [this] { showSelected(); });
 
   auto* addButton = button("+", uiText("Add a paired device"), this);

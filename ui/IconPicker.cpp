@@ -110,8 +110,8 @@ void IconPicker::popUp(QWidget* button, MenuBarIconOption current) {
 void IconPicker::draw() {
   const QColor ink = palette().color(QPalette::ButtonText);
   for (const auto& [option, picture] : pictures_) {
-    const auto image =
-        connected_->isChecked() ? connectedImage(images_, option) : images_.named(std::string(rawValue(option)));
+    const auto image = connected_->isChecked() ? connectedImage(images_, option)
+                                               : images_.named(std::string(rawValue(option)));
     picture->setIcon(TrayImage::iconOf(image, ink));
   }
 }
@@ -141,7 +141,8 @@ QString IconPicker::nameOf(MenuBarIconOption option) {
   default: break;
   }
   const auto product = lb::toolTip(option);
-  return product ? QString::fromStdString(std::string(*product)) : QString::fromStdString(std::string(rawValue(option)));
+  return product ? QString::fromStdString(std::string(*product))
+                 : QString::fromStdString(std::string(rawValue(option)));
 }
 
 } // namespace lb

@@ -135,7 +135,8 @@ int list(ProgramClient& client, bool json) {
     const auto level = device["batteryLevel"];
     std::printf("%-4lld %-24s %-18s %-13s %-7s %s\n", device["id"].get<long long>(), text("name").c_str(),
                 text("address").c_str(), device["connected"].get<bool>() ? "connected" : "disconnected",
-                device["soundOutput"].get<bool>() ? "sound" : "-", level.is_null() ? "-" : (std::to_string(level.get<int>()) + "%").c_str());
+                device["soundOutput"].get<bool>() ? "sound" : "-",
+                level.is_null() ? "-" : (std::to_string(level.get<int>()) + "%").c_str());
   }
   return ok;
 }

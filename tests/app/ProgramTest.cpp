@@ -467,8 +467,9 @@ TEST(Demo, StartsWithItsDevices) {
     return status.ends_with(" - Connected");
   })) << status;
   EXPECT_EQ(program.ctl({"battery", "Lantern Buds"}).output, "Battery Level: L: 60% R: 75%\n");
-  EXPECT_TRUE(test::eventually(
-      [&] { return nlohmann::json::parse(program.ctl({"list", "--json"}).output)[0]["soundOutput"] == true; }));
+  EXPECT_TRUE(test::eventually([&] {
+    return nlohmann::json::parse(program.ctl({"list", "--json"}).output)[0]["soundOutput"] == true;
+  }));
   EXPECT_NE(program.ctl({"list"}).output.find("Lantern Buds             00:1D:43:A0:00:02  connected     sound"),
             std::string::npos);
 }

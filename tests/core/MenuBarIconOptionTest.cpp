@@ -82,11 +82,21 @@ TEST(MenuBarIconOption, MissingArtworkIsLoggedNotFatal) {
 TEST(MenuBarIconOption, ANewDeviceGetsThePictureOfItsClass) {
   using enum MenuBarIconOption;
   const std::pair<std::uint32_t, MenuBarIconOption> classes[] = {
-      {0x240404, headset}, {0x240418, headphones},     {0x240414, horizontalSpeaker},
-      {0x24041c, boombox}, {0x240428, desktopSpeaker}, {0x002540, keyboard},
-      {0x002580, mouse},   {0x0025c0, keyboard},       {0x002508, gameController},
-      {0x5a020c, phone},   {0x000000, wand},           {0x00010c, wand}, // a laptop
-      {0x00250c, siriRemote}, {0x240420, horizontalSpeaker}, {0x240410, wand}, // remote, car audio, microphone
+      {0x240404, headset},
+      {0x240418, headphones},
+      {0x240414, horizontalSpeaker},
+      {0x24041c, boombox},
+      {0x240428, desktopSpeaker},
+      {0x002540, keyboard},
+      {0x002580, mouse},
+      {0x0025c0, keyboard},
+      {0x002508, gameController},
+      {0x5a020c, phone},
+      {0x000000, wand},
+      {0x00010c, wand}, // a laptop
+      {0x00250c, siriRemote},
+      {0x240420, horizontalSpeaker},
+      {0x240410, wand}, // remote, car audio, microphone
   };
   for (const auto& [classOfDevice, icon] : classes) {
     EXPECT_EQ(iconForClassOfDevice(classOfDevice), icon) << std::hex << classOfDevice;

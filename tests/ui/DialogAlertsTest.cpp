@@ -24,8 +24,9 @@ TEST(DialogAlerts, AHelpPageThatNothingOpensIsSaid) {
     }
   });
   alerts.openHelpPage("scripts");
-  EXPECT_EQ(said.toStdString(), "The help could not be opened.\nNo program on this computer opens web pages. The page is " +
-                                    (folder.path() / "scripts.html").string() + ".");
+  EXPECT_EQ(said.toStdString(),
+            "The help could not be opened.\nNo program on this computer opens web pages. The page is " +
+                (folder.path() / "scripts.html").string() + ".");
 }
 
 } // namespace lb

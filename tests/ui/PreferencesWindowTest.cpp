@@ -474,7 +474,8 @@ TEST_F(PreferencesWindowTest, TheAboutTabSavesAReportWhereTheUserSaysAndSaysHowI
   installTranslator(nullptr);
   auto* offered = opened<QFileDialog>();
   ASSERT_TRUE(offered);
-  EXPECT_TRUE(offered->selectedFiles().value(0).contains("/Lanternbud-Bericht ")) << offered->selectedFiles()[0].toStdString();
+  EXPECT_TRUE(offered->selectedFiles().value(0).contains("/Lanternbud-Bericht "))
+      << offered->selectedFiles()[0].toStdString();
   offered->reject();
   save("report.tar.gz");
   ASSERT_EQ(reporter.asked.size(), 1u);
