@@ -87,9 +87,10 @@ std::string DevicePresentation::summaryString() {
   if (isNotTheOutput(true)) text += " · " + localized("not the sound output");
   if (auto battery = batteryLevelFormat(BatteryReading::lastKnown)) {
     // "L: 60% R: 75%" kept on one line where the list wraps.
-    std::string together;
-    for (char c : formatted(*battery, "")) together += c == ' ' ? std::string("\u00a0") : std::string(1, c);
-    text += " · " + together;
+    auto levels = formatted(*battery, "");
+    for (auto at = levels.find(' '); at != std::string::npos; at = levels.find(' ', at))
+      levels.replace(at, 1, "\u00a0");
+    text += " · " + levels;
   }
   return text;
 }

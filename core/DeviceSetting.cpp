@@ -83,18 +83,15 @@ std::optional<std::string> DeviceSetting::deviceName() const {
   return name;
 }
 
-std::string DeviceSetting::deviceNameOrUnknown() const {
-  if (auto name = deviceName()) return *name;
+std::optional<std::string> DeviceSetting::knownName() const {
+  if (auto name = deviceName()) return name;
   auto found = device();
-  if (found) return found->nameOrAddress();
-  return "unknown (nil)";
+  return found ? std::optional(found->nameOrAddress()) : std::nullopt;
 }
 
-std::string DeviceSetting::displayName() const {
-  if (auto name = deviceName()) return *name;
-  auto found = device();
-  return found ? found->nameOrAddress() : localized("Unknown device");
-}
+std::string DeviceSetting::deviceNameOrUnknown() const { return knownName().value_or("unknown (nil)"); }
+
+std::string DeviceSetting::displayName() const { return knownName().value_or(localized("Unknown device")); }
 
 std::string DeviceSetting::description() const { return "<DeviceSetting: " + deviceNameOrUnknown() + ">"; }
 

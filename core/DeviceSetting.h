@@ -187,6 +187,8 @@ public:
   bool hasFastTimer() const { return tracker_.hasFastTimer(); }
 
 private:
+  // Its name, or its address, when the system knows the device.
+  std::optional<std::string> knownName() const;
   DeviceSetting(Services& services, SettingsValue::Dictionary options, DeviceSettingManager* registry);
   void start();
   // `wanted` none: the other state.

@@ -39,7 +39,7 @@ namespace {
 constexpr int deviceIDRole = Qt::UserRole;
 constexpr int iconRole = Qt::UserRole + 1;
 
-QString nameOf(MenuBarIconOption icon) {
+QString rawName(MenuBarIconOption icon) {
   const auto name = rawValue(icon);
   return QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size()));
 }
@@ -272,7 +272,7 @@ void DeviceListPane::deviceChanged(const DeviceSetting* changed) {
 void DeviceListPane::showRow(QListWidgetItem& item, DeviceSetting& setting) {
   item.setData(deviceIDRole, QVariant::fromValue(setting.deviceID()));
   item.setText(QString::fromStdString(setting.displayName() + "\n" + setting.summaryString()));
-  const auto icon = nameOf(setting.icon());
+  const auto icon = rawName(setting.icon());
   if (item.data(iconRole) == icon) return;
   item.setData(iconRole, icon);
   item.setIcon(pictureOf(setting));
@@ -287,7 +287,7 @@ void DeviceListPane::showSelected() {
   const auto setting = selectedDeviceSetting();
   deviceLabel_->setText(setting ? QString::fromStdString(setting->displayName())
                                 : uiText("Click + to add a paired device."));
-  const auto icon = setting ? nameOf(setting->icon()) : QString();
+  const auto icon = setting ? rawName(setting->icon()) : QString();
   if (iconButton_->property("icon") != icon) {
     iconButton_->setProperty("icon", icon);
     iconButton_->setIcon(setting ? pictureOf(*setting) : QIcon());

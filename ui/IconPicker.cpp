@@ -41,19 +41,21 @@ IconPicker::IconPicker(Images& images, QWidget* parent)
   auto* group = new QButtonGroup(this);
   QGridLayout* grid = nullptr;
   int index = 0;
+  auto startGroup = [&] {
+    grid = new QGridLayout;
+    grid->setSpacing(2);
+    layout->addLayout(grid);
+    index = 0;
+  };
+  startGroup();
   for (const auto& entry : availableIconsForMenu(images_)) {
-    if (!entry || !grid) {
-      if (grid) {
-        auto* line = new QFrame(grids);
-        line->setFrameShape(QFrame::HLine);
-        line->setFrameShadow(QFrame::Sunken);
-        layout->addWidget(line);
-      }
-      grid = new QGridLayout;
-      grid->setSpacing(2);
-      layout->addLayout(grid);
-      index = 0;
-      if (!entry) continue;
+    if (!entry) { // the catalogue's groups, a line between each two
+      auto* line = new QFrame(grids);
+      line->setFrameShape(QFrame::HLine);
+      line->setFrameShadow(QFrame::Sunken);
+      layout->addWidget(line);
+      startGroup();
+      continue;
     }
     auto* picture = new QToolButton(grids);
     picture->setText(nameOf(*entry));

@@ -51,13 +51,11 @@ void PreferencesWindow::present(std::optional<std::int64_t> deviceID) {
   raise();
   activateWindow();
   if (windowHandle()->isExposed()) return pane_->offerChooserWhenEmpty();
-  chooserWaits_ = true;
-  windowHandle()->installEventFilter(this);
+  windowHandle()->installEventFilter(this); // until then
 }
 
 bool PreferencesWindow::eventFilter(QObject* watched, QEvent* event) {
-  if (event->type() == QEvent::Expose && chooserWaits_ && windowHandle()->isExposed()) {
-    chooserWaits_ = false;
+  if (watched == windowHandle() && event->type() == QEvent::Expose && windowHandle()->isExposed()) {
     windowHandle()->removeEventFilter(this);
     QMetaObject::invokeMethod(pane_, &DeviceListPane::offerChooserWhenEmpty, Qt::QueuedConnection);
   }

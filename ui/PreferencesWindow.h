@@ -44,7 +44,6 @@ private:
   QTabWidget* tabs_;
   DeviceListPane* pane_;
   QLabel* saveState_;
-  bool chooserWaits_ = false;
 };
 
 } // namespace lb
