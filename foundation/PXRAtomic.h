@@ -1,6 +1,5 @@
 #pragma once
 
-#include <concepts>
 #include <mutex>
 #include <shared_mutex>
 #include <source_location>
@@ -37,10 +36,6 @@ public:
   decltype(auto) mutate(Block&& block) {
     std::unique_lock writer(mutex_);
     return std::forward<Block>(block)(value_);
-  }
-
-  void increment() requires std::integral<T> {
-    mutate([](T& stored) { ++stored; });
   }
 
   // Where the atomic was created, for diagnostics.

@@ -127,7 +127,6 @@ public:
     return removed;
   }
 
-  std::unique_ptr<Node> removeFirst() { return first_ ? remove(first_.get()) : nullptr; }
   std::unique_ptr<Node> removeLast() { return last_ ? remove(last_) : nullptr; }
 
   void removeAll() {
