@@ -42,7 +42,7 @@ int main(int argc, char** argv) {
     settings.back()->setupStatusItem();
   }
 
-  test::PrivateBus::MessageCounter sent(bus, connection.baseService());
+  test::PrivateBus::MessageCounter sent(bus, "sender='" + connection.baseService() + "'");
   if (!sent.started()) {
     std::fprintf(stderr, "cannot run: dbus-monitor did not start\n");
     return 1;

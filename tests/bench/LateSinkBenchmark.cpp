@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <thread>
 
 using namespace lb;
 

@@ -11,6 +11,7 @@
 #include "tests/bench/ProgramServices.h"
 #include "tests/support/RunningProgram.h"
 #include "tests/support/XServer.h"
+#include "tests/support/XfcePanel.h"
 
 #include <QCoreApplication>
 #include <QDBusArgument>
@@ -77,12 +78,12 @@ int main(int argc, char** argv) {
   if (!services.ready()) return 1;
   auto& [system, session, pulse] = services;
   std::unique_ptr<test::XServer> display;
+  std::unique_ptr<test::XfcePanel> panel; // the tray's host
   if (tray) {
     display = std::make_unique<test::XServer>();
-    if (!display->skipReason().empty() || !session.startStatusNotifierWatcher()) {
-      std::fprintf(stderr, "cannot run: %s\n",
-                   display->skipReason().empty() ? "the StatusNotifierWatcher did not start"
-                                                 : display->skipReason().c_str());
+    if (display->skipReason().empty()) panel = std::make_unique<test::XfcePanel>(*display, session);
+    if (!panel || !panel->skipReason().empty()) {
+      std::fprintf(stderr, "cannot run: %s\n", panel ? panel->skipReason().c_str() : display->skipReason().c_str());
       return 1;
     }
   }
@@ -129,9 +130,9 @@ int main(int argc, char** argv) {
   }
   std::vector<std::unique_ptr<test::PrivateBus::MessageCounter>> onSystem, onSession;
   for (const auto& name : onSystemNames)
-    onSystem.push_back(std::make_unique<test::PrivateBus::MessageCounter>(system, name));
+    onSystem.push_back(std::make_unique<test::PrivateBus::MessageCounter>(system, "sender='" + name + "'"));
   for (const auto& name : onSessionNames)
-    onSession.push_back(std::make_unique<test::PrivateBus::MessageCounter>(session, name));
+    onSession.push_back(std::make_unique<test::PrivateBus::MessageCounter>(session, "sender='" + name + "'"));
   auto sent = [](auto& counters) {
     int total = 0;
     for (auto& counter : counters) total += counter->count();

@@ -9,6 +9,8 @@
 #include "sim/VirtualEventLoop.h"
 #include "tests/support/PulseServer.h"
 
+#include <QCoreApplication>
+
 #include <cstdio>
 
 using namespace lb;
@@ -34,6 +36,7 @@ struct Headset final : BluetoothMatchable, BluetoothDevice {
 } // namespace
 
 int main(int argc, char** argv) {
+  QCoreApplication application(argc, argv);
   const double seconds = argc > 1 ? std::atof(argv[1]) : 60;
   test::PulseServer pulse;
   if (!pulse.skipReason().empty()) {
@@ -51,7 +54,7 @@ int main(int argc, char** argv) {
   headsets.emplace_back("00:11:22:33:44:99"); // a tenth whose sink is absent
 
   PulseAudioSystem audio(pulse.server());
-  test::eventually([&] { return audio.deviceIDs().size() == 14; });
+  test::waitUntil([&] { return audio.deviceIDs().size() == 14; });
   VirtualEventLoop cacheClock; // the name caches age in virtual time: every query reaches the mirror
   InMemorySettingsStore store;
   UserDefaults defaults(store);

@@ -12,16 +12,16 @@
 namespace lb::test {
 
 // Installs a shared logger that keeps its lines in memory, with the given
-// areas switched on, and takes it away again at the end of the test.
+// areas switched on, and puts the one it replaced back at the end of the test.
 class CapturedLog {
 public:
   explicit CapturedLog(std::set<std::string> areasOn = {})
-      : areasOn_(std::move(areasOn)), sink_(std::make_shared<Sink>()) {
+      : areasOn_(std::move(areasOn)), sink_(std::make_shared<Sink>()), replaced_(PXRLogger::sharedLogger()) {
     auto logger = std::make_shared<PXRLogger>([this](const std::string& area) { return areasOn_.contains(area); });
     logger->addSink(sink_);
     PXRLogger::setSharedLogger(logger);
   }
-  ~CapturedLog() { PXRLogger::setSharedLogger(nullptr); }
+  ~CapturedLog() { PXRLogger::setSharedLogger(replaced_); }
 
   std::vector<LogLine> lines() const {
     std::lock_guard lock(sink_->mutex);
@@ -52,6 +52,7 @@ private:
 
   std::set<std::string> areasOn_;
   std::shared_ptr<Sink> sink_;
+  std::shared_ptr<PXRLogger> replaced_;
 };
 
 } // namespace lb::test

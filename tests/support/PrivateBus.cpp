@@ -13,16 +13,6 @@
 
 namespace lb::test {
 
-bool waitUntil(const std::function<bool()>& predicate, double seconds) {
-  QElapsedTimer clock;
-  clock.start();
-  while (!predicate()) {
-    if (static_cast<double>(clock.elapsed()) > seconds * 1000) return false;
-    QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-  }
-  return true;
-}
-
 PrivateBus::PrivateBus(Kind kind) {
   if (!std::filesystem::exists("/usr/bin/dbus-daemon")) {
     skipReason_ = "dbus-daemon is not installed (scripts/install-deps installs it)";
@@ -64,7 +54,7 @@ PrivateBus::PrivateBus(Kind kind) {
 
 PrivateBus::~PrivateBus() {
   killBluez();
-  for (auto* process : {upower_.get(), watcher_.get(), portal_.get(), daemon_.get()}) {
+  for (auto* process : {upower_.get(), portal_.get(), daemon_.get()}) {
     if (!process) continue;
     process->kill();
     process->waitForFinished(5000);
@@ -107,27 +97,16 @@ bool PrivateBus::startBluez() {
   return bluez_ != nullptr;
 }
 
-bool PrivateBus::startStatusNotifierWatcher() {
-  watcher_ = startModel({LANTERNBUD_TEST_SUPPORT_DIR "/status_notifier_watcher.py"}, "org.kde.StatusNotifierWatcher",
-                        "StatusNotifierWatcher");
-  return watcher_ != nullptr;
-}
-
-bool PrivateBus::startPortal(bool withGlobalShortcuts) {
-  QStringList arguments{"-m", "dbusmock", "--session", "--template",
-                        LANTERNBUD_TEST_SUPPORT_DIR "/global_shortcuts_portal_template.py"};
-  if (!withGlobalShortcuts)
-    arguments << "--parameters"
-              << R"({"without": true})";
-  portal_ = startModel(arguments, "org.freedesktop.portal.Desktop", "the desktop portal");
+bool PrivateBus::startPortal() {
+  portal_ = startModel({"-m", "dbusmock", "--session", "--template",
+                        LANTERNBUD_TEST_SUPPORT_DIR "/global_shortcuts_portal_template.py"},
+                       "org.freedesktop.portal.Desktop", "the desktop portal");
   return portal_ != nullptr;
 }
 
 QDBusMessage PrivateBus::portal(const QString& method, const QVariantList& arguments) {
-  auto message = QDBusMessage::createMethodCall("org.freedesktop.portal.Desktop", "/org/freedesktop/portal/desktop",
-                                                "org.lanternbud.TestPortal", method);
-  message.setArguments(arguments);
-  return control_->call(message, QDBus::Block, 10000);
+  return call("org.freedesktop.portal.Desktop", "/org/freedesktop/portal/desktop", "org.lanternbud.TestPortal", method,
+              arguments);
 }
 
 bool PrivateBus::startUPower() {
@@ -136,9 +115,7 @@ bool PrivateBus::startUPower() {
 }
 
 QDBusMessage PrivateBus::upower(const QString& method, const QVariantList& arguments, const QString& path) {
-  auto message = QDBusMessage::createMethodCall("org.freedesktop.UPower", path, "org.freedesktop.DBus.Mock", method);
-  message.setArguments(arguments);
-  return control_->call(message, QDBus::Block, 10000);
+  return call("org.freedesktop.UPower", path, "org.freedesktop.DBus.Mock", method, arguments);
 }
 
 QString PrivateBus::bluezDevicePath(std::string address) {
@@ -153,12 +130,13 @@ bool PrivateBus::bluezConnected(const std::string& address) {
 }
 
 QStringList PrivateBus::statusNotifierItems() {
-  auto get = QDBusMessage::createMethodCall("org.kde.StatusNotifierWatcher", "/StatusNotifierWatcher",
-                                            "org.freedesktop.DBus.Properties", "Get");
-  get << "org.kde.StatusNotifierWatcher"
-      << "RegisteredStatusNotifierItems";
-  auto reply = control_->call(get, QDBus::Block, 5000);
-  return reply.arguments().value(0).value<QDBusVariant>().variant().toStringList();
+  return call("org.kde.StatusNotifierWatcher", "/StatusNotifierWatcher", "org.freedesktop.DBus.Properties", "Get",
+              {"org.kde.StatusNotifierWatcher", "RegisteredStatusNotifierItems"})
+      .arguments()
+      .value(0)
+      .value<QDBusVariant>()
+      .variant()
+      .toStringList();
 }
 
 void PrivateBus::killBluez() {
@@ -174,16 +152,27 @@ void PrivateBus::pauseBluez(bool paused) {
 
 QDBusMessage PrivateBus::bluez(const QString& path, const QString& interface, const QString& method,
                                const QVariantList& arguments) {
-  auto message = QDBusMessage::createMethodCall("org.bluez", path, interface, method);
+  return call("org.bluez", path, interface, method, arguments);
+}
+
+QDBusMessage PrivateBus::call(const QString& service, const QString& path, const QString& interface,
+                              const QString& method, const QVariantList& arguments) {
+  auto message = QDBusMessage::createMethodCall(service, path, interface, method);
   message.setArguments(arguments);
   return control_->call(message, QDBus::Block, 10000);
 }
 
-PrivateBus::MessageCounter::MessageCounter(const PrivateBus& bus, const QString& uniqueName) : uniqueName_(uniqueName) {
-  monitor_.start("/usr/bin/dbus-monitor",
-                 {"--address", QString::fromStdString(bus.address()), "sender='" + uniqueName + "'"});
-  // The monitor says nothing until it sees a message; give it time to hook in.
-  started_ = monitor_.waitForStarted(5000) && !waitUntil([&] { return monitor_.state() != QProcess::Running; }, 0.5);
+PrivateBus::MessageCounter::MessageCounter(const PrivateBus& bus, const QString& rule) {
+  // The monitor says nothing until it sees a message: it watches for a
+  // marker too, sent until it shows, so that counting starts once it is in.
+  monitor_.start("/usr/bin/dbus-monitor", {"--address", QString::fromStdString(bus.address()), rule,
+                                           "type='signal',interface='org.lanternbud.Test',member='Watching'"});
+  started_ = monitor_.waitForStarted(5000) && waitUntil([&] {
+               bus.control_->send(QDBusMessage::createSignal("/", "org.lanternbud.Test", "Watching"));
+               pending_ += monitor_.readAllStandardOutput();
+               return pending_.contains("member=Watching");
+             });
+  pending_.clear();
 }
 
 PrivateBus::MessageCounter::~MessageCounter() {
@@ -194,10 +183,11 @@ PrivateBus::MessageCounter::~MessageCounter() {
 int PrivateBus::MessageCounter::count() {
   QCoreApplication::processEvents();
   pending_ += monitor_.readAllStandardOutput();
-  // One header line a message: "method call time=… sender=:1.5 -> …".
+  // A header line a message: "method call time=… sender=:1.5 -> …".
   for (qsizetype end; (end = pending_.indexOf('\n')) >= 0; pending_.remove(0, end + 1)) {
-    QByteArray line = pending_.left(end);
-    if (line.contains("sender=" + uniqueName_.toUtf8() + " ")) ++count_;
+    const QByteArray line = pending_.left(end);
+    const bool header = line.startsWith("method ") || line.startsWith("signal ") || line.startsWith("error ");
+    if (header && !line.contains("member=Watching")) ++count_;
   }
   return count_;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tests/support/TemporaryDirectory.h"
+#include "tests/support/Wait.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>
@@ -12,10 +13,6 @@
 #include <string>
 
 namespace lb::test {
-
-// Runs `until` the predicate holds or `seconds` pass, delivering Qt events
-// (D-Bus signals, timers) meanwhile. Whether it held.
-bool waitUntil(const std::function<bool()>& predicate, double seconds = 10);
 
 // A private D-Bus daemon of the system type (or the session type) on a
 // socket in a temporary folder, with python-dbusmock models of system
@@ -50,13 +47,11 @@ public:
   QDBusMessage bluez(const QString& path, const QString& interface, const QString& method,
                      const QVariantList& arguments = {});
 
-  // Starts a tray's StatusNotifierWatcher of our own, on a session bus.
-  bool startStatusNotifierWatcher();
   // The tray items registered with it: each a bus name.
   QStringList statusNotifierItems();
 
-  // Starts the desktop portal's model, with or without GlobalShortcuts.
-  bool startPortal(bool withGlobalShortcuts);
+  // Starts the desktop portal's model with GlobalShortcuts.
+  bool startPortal();
   // A method of its test interface: Bound() or Activate(id).
   QDBusMessage portal(const QString& method, const QVariantList& arguments = {});
 
@@ -68,19 +63,20 @@ public:
   QDBusMessage upower(const QString& method, const QVariantList& arguments = {},
                       const QString& path = "/org/freedesktop/UPower");
 
-  // Counts the messages that the connection with this unique name sends,
-  // from now on, by watching the bus with dbus-monitor.
+  // Counts the messages on the bus that match a rule ("sender=':1.5'",
+  // "type='method_call',member='Connect'"), from now on, by watching the bus
+  // with dbus-monitor.
   class MessageCounter {
   public:
-    MessageCounter(const PrivateBus& bus, const QString& uniqueName);
+    MessageCounter(const PrivateBus& bus, const QString& rule);
     ~MessageCounter();
-    // How many have been seen so far; false if the monitor could not start.
+    // Whether the monitor watches; false if it could not start.
     bool started() const { return started_; }
+    // How many have been seen so far.
     int count();
 
   private:
     QProcess monitor_;
-    QString uniqueName_;
     bool started_ = false;
     int count_ = 0;
     QByteArray pending_;
@@ -93,10 +89,12 @@ private:
   std::unique_ptr<QProcess> daemon_;
   // Debian's python3 with these arguments, serving `service` on this bus.
   std::unique_ptr<QProcess> startModel(const QStringList& arguments, const QString& service, const std::string& what);
+  // A method call on the bus, waited for; the reply (or error) message.
+  QDBusMessage call(const QString& service, const QString& path, const QString& interface, const QString& method,
+                    const QVariantList& arguments);
 
   std::unique_ptr<QProcess> bluez_;
   std::unique_ptr<QProcess> upower_;
-  std::unique_ptr<QProcess> watcher_;
   std::unique_ptr<QProcess> portal_;
   std::unique_ptr<QDBusConnection> control_;
 };

@@ -1,30 +1,19 @@
 #pragma once
 
 #include "tests/support/TemporaryDirectory.h"
+#include "tests/support/Wait.h"
 
-#include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <functional>
 #include <spawn.h>
 #include <string>
 #include <sys/wait.h>
-#include <thread>
 #include <unistd.h>
 
 extern char** environ;
 
 namespace lb::test {
-
-// Waits, within a bound, for `done`; whether it came true.
-inline bool eventually(const std::function<bool()>& done, double seconds = 10) {
-  auto deadline = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
-  while (!done()) {
-    if (std::chrono::steady_clock::now() > deadline) return false;
-    std::this_thread::sleep_for(std::chrono::milliseconds(5));
-  }
-  return true;
-}
 
 // A PulseAudio server of the tests' own: anonymous access on a socket in a
 // temporary folder, with a built-in null sink. Whatever it starts it stops.
@@ -54,7 +43,7 @@ public:
                           home + "/server.log'";
     const char* arguments[] = {"/bin/sh", "-c", command.c_str(), nullptr};
     if (posix_spawn(&pid_, "/bin/sh", nullptr, nullptr, const_cast<char**>(arguments), environ) != 0 ||
-        !eventually([&] { return pactl("info").find("Server Name") != std::string::npos; }, 30)) {
+        !waitUntil([&] { return pactl("info").find("Server Name") != std::string::npos; }, 30)) {
       skipReason_ = "the PulseAudio server did not start; see " + home + "/server.log";
     }
   }

@@ -18,9 +18,6 @@ REQUEST_IFACE = 'org.freedesktop.portal.Request'
 def load(mock, parameters):
     mock.session = ''
     mock.bound = []
-    if parameters.get('without', False):
-        mock.AddProperties('org.freedesktop.portal.Settings', {'version': dbus.UInt32(1)})
-        return
     mock.AddProperties(MAIN_IFACE, {'version': dbus.UInt32(1)})
 
 
