@@ -62,10 +62,6 @@ protected:
       "shortcutDictForDevice2": {"keySequence": "Ctrl+Alt+K"}})");
   }
 
-  bool logSays(const std::string& text) {
-    return test::waitUntil([&] { return program.logText().find(text) != std::string::npos; });
-  }
-
   test::PrivateBus system;
   test::PrivateBus session{test::PrivateBus::Kind::session};
   test::RunningProgram program{&system, session, ""};
@@ -73,7 +69,7 @@ protected:
 
 } // namespace
 
-TEST_F(ShortcutsTest, X11KeyPressesToggleWhateverTheLocksAndATakenKeyIsSaid) {
+TEST_F(ShortcutsTest, X11KeyPressesToggleWhateverTheLocksBesideAKeyAnotherProgramHolds) {
   test::XServer display;
   LB_REQUIRE_SERVICE(display.skipReason());
   KeyHolder holder(display.display(), 'k', XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_1);
@@ -81,13 +77,13 @@ TEST_F(ShortcutsTest, X11KeyPressesToggleWhateverTheLocksAndATakenKeyIsSaid) {
   program.setVariable("DISPLAY", display.display());
   program.setVariable("XDG_SESSION_TYPE", "x11");
   ASSERT_TRUE(program.start({"-TrayHostWaitInterval", "0", "-LogHotKey", "YES"}));
-  EXPECT_TRUE(logSays("Shortcuts: X11 key grabs")) << program.logText();
-  EXPECT_TRUE(logSays("The shortcut Ctrl+Alt+K for K380 does nothing: another program holds Ctrl+Alt+K"));
+  // The scripting interface answers once the program has launched, its keys grabbed.
+  ASSERT_TRUE(test::waitUntil([&] { return program.ctl({"list"}).status == 0; }));
 
   auto press = [&](const char* keys) { return display.run("xdotool", {"key", keys}).has_value(); };
   ASSERT_TRUE(press("ctrl+alt+h"));
   EXPECT_TRUE(test::waitUntil([&] { return system.bluezConnected(headsetAddress); })) << program.logText();
-  EXPECT_TRUE(logSays("User pressed shortcut for WH Headset."));
+  EXPECT_NE(program.logText().find("User pressed shortcut for WH Headset."), std::string::npos);
   ASSERT_TRUE(press("Num_Lock"));
   ASSERT_TRUE(press("ctrl+alt+h"));
   EXPECT_TRUE(test::waitUntil([&] { return !system.bluezConnected(headsetAddress); })) << program.logText();
@@ -98,11 +94,10 @@ TEST_F(ShortcutsTest, X11KeyPressesToggleWhateverTheLocksAndATakenKeyIsSaid) {
   EXPECT_TRUE(test::waitUntil([&] { return system.bluezConnected(headsetAddress); })) << program.logText();
 }
 
-TEST_F(ShortcutsTest, OnWaylandThePortalsActivationTogglesAndAPortalWithoutItIsSaid) {
-  ASSERT_TRUE(session.startPortal(true));
+TEST_F(ShortcutsTest, OnWaylandThePortalsActivationToggles) {
+  ASSERT_TRUE(session.startPortal());
   program.setVariable("XDG_SESSION_TYPE", "wayland");
   ASSERT_TRUE(program.start());
-  EXPECT_TRUE(logSays("Shortcuts: the desktop portal's GlobalShortcuts (version 1)")) << program.logText();
   QStringList bound;
   EXPECT_TRUE(test::waitUntil([&] {
     bound.clear();
@@ -122,15 +117,6 @@ TEST_F(ShortcutsTest, OnWaylandThePortalsActivationTogglesAndAPortalWithoutItIsS
   session.portal("Activate", {"shortcutDictForDevice1"});
   EXPECT_TRUE(test::waitUntil([&] { return system.bluezConnected(headsetAddress); })) << program.logText();
 
-  test::PrivateBus bare(test::PrivateBus::Kind::session);
-  ASSERT_TRUE(bare.startPortal(false));
-  test::RunningProgram without(&system, bare, "");
-  without.setVariable("XDG_SESSION_TYPE", "wayland");
-  ASSERT_TRUE(without.start({"--demo"}));
-  EXPECT_TRUE(test::waitUntil([&] {
-    return without.logText().find("Shortcuts: none; this desktop offers programs no global shortcuts.") !=
-           std::string::npos;
-  })) << without.logText();
 }
 
 } // namespace lb

@@ -122,9 +122,6 @@ protected:
 } // namespace
 
 TEST_F(TrayTest, EachActiveDeviceHasAnItemThatShowsItsStateAndTakesClicks) {
-  // A connection attempt that hangs a while, for the spinner.
-  system.bluez(test::PrivateBus::bluezDevicePath(stallingAddress), "org.freedesktop.DBus.Mock", "AddMethod",
-               {"org.bluez.Device1", "Connect", "", "", "time.sleep(3)"});
   ASSERT_TRUE(program->start());
   QString headset, stalling;
   ASSERT_TRUE(test::waitUntil([&] {
@@ -133,10 +130,8 @@ TEST_F(TrayTest, EachActiveDeviceHasAnItemThatShowsItsStateAndTakesClicks) {
     return !headset.isEmpty() && !stalling.isEmpty();
   })) << program->logText();
   EXPECT_EQ(session.statusNotifierItems().size(), 2); // none for the inactive keyboard
-  EXPECT_NE(program->logText().find("Tray: StatusNotifierItem over D-Bus"), std::string::npos);
 
-  // Xfce's dark panel is said, and every item stands out from it by 3:1.
-  EXPECT_NE(program->logText().find("Tray pictures: light, from Xfce's panel"), std::string::npos);
+  // Every item stands out from Xfce's dark panel by 3:1.
   const auto file = program->stateFolder() / "screen.png";
   std::vector<double> items; // the strongest contrast in each run of columns that differ from the panel
   test::waitUntil([&] {
@@ -188,9 +183,10 @@ TEST_F(TrayTest, EachActiveDeviceHasAnItemThatShowsItsStateAndTakesClicks) {
   choose(headset, enabled.front());
   EXPECT_TRUE(test::waitUntil([&] { return !system.bluezConnected(headsetAddress); }));
 
-  // While a connection attempt runs, the spinner turns and the menu says
-  // so; after, the picture is back.
+  // While a connection attempt runs (BlueZ holds it), the spinner turns and
+  // the menu says so; after, the connected picture shows.
   const auto before = pixmaps(stalling);
+  system.pauseBluez(true);
   activate(stalling);
   QByteArray first;
   EXPECT_TRUE(test::waitUntil(
@@ -198,10 +194,10 @@ TEST_F(TrayTest, EachActiveDeviceHasAnItemThatShowsItsStateAndTakesClicks) {
         const auto now = pixmaps(stalling);
         if (first.isEmpty() && now != before) first = now;
         return !first.isEmpty() && now != first && now != before;
-      },
-      3));
+      }));
   EXPECT_EQ(menu(stalling).front(), "Connecting…");
-  EXPECT_TRUE(test::waitUntil([&] { return pixmaps(stalling) == before; }, 30));
+  system.pauseBluez(false);
+  EXPECT_TRUE(test::waitUntil([&] { return text(stalling).startsWith("Slow Headset - Connected."); }));
 }
 
 // Xfce's panel lists each device as an item of its own, by an Id that
@@ -264,8 +260,6 @@ TEST(XEmbedTray, ShowsTheDemosItems) {
   test::RunningProgram program(nullptr, session, "");
   program.setVariable("DISPLAY", display.display());
   ASSERT_TRUE(program.start({"--demo", "-TrayIconColor", "white"}));
-  EXPECT_TRUE(test::waitUntil([&] { return program.logText().find("Tray: XEmbed system tray") != std::string::npos; }))
-      << program.logText();
 
   // The panel sits at the top right, 32 pixels tall, in one colour; the
   // items are what differs from it.

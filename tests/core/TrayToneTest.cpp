@@ -1,5 +1,4 @@
 #include "core/TrayTone.h"
-#include "tests/support/CapturedLog.h"
 #include "tests/support/SimulatedPlatform.h"
 
 #include <gtest/gtest.h>
@@ -10,46 +9,39 @@ using Scheme = PanelSignals::Scheme;
 using Tone = TrayTone::Tone;
 
 // The most specific signal that speaks decides; "no preference" and
-// silence fall through to the next. Each step silences the one that spoke.
+// silence fall through to the next. Each row silences the one that spoke
+// in the row before.
 TEST(TrayTone, TheMostSpecificSignalDecides) {
-  PanelSignals panel{true, false, true, Scheme::preferLight, true};
-  auto chosen = [&panel] {
-    const auto tone = TrayTone::choose(panel);
-    return std::pair{tone.tone, tone.source};
+  const auto none = std::nullopt;
+  const std::tuple<PanelSignals, Tone, std::string> cases[] = {
+      {{true, false, true, Scheme::preferLight, true}, Tone::light, "GNOME Shell"},
+      {{false, false, true, Scheme::preferLight, true}, Tone::dark, "Xfce's panel"},
+      {{false, true, true, Scheme::preferLight, true}, Tone::light, "Xfce's panel"},
+      {{false, none, true, Scheme::preferLight, true}, Tone::light, "Plasma's colours"},
+      {{false, none, none, Scheme::preferLight, true}, Tone::dark, "the desktop's colour scheme"},
+      {{false, none, none, Scheme::preferDark, true}, Tone::light, "the desktop's colour scheme"},
+      {{false, none, none, Scheme::noPreference, true}, Tone::light, "the colour theme"},
+      {{false, none, none, Scheme::noPreference, false}, Tone::dark, "the colour theme"},
+      {{false, none, none, Scheme::noPreference, none}, Tone::haloed, "nothing the desktop says"},
   };
-  EXPECT_EQ(chosen(), std::pair(Tone::light, std::string("GNOME Shell")));
-  panel.gnomeShell = false;
-  EXPECT_EQ(chosen(), std::pair(Tone::dark, std::string("Xfce's panel")));
-  panel.xfcePanelDark = true;
-  EXPECT_EQ(chosen(), std::pair(Tone::light, std::string("Xfce's panel")));
-  panel.xfcePanelDark.reset();
-  EXPECT_EQ(chosen(), std::pair(Tone::light, std::string("Plasma's colours")));
-  panel.plasmaDark.reset();
-  EXPECT_EQ(chosen(), std::pair(Tone::dark, std::string("the desktop's colour scheme")));
-  panel.portalScheme = Scheme::preferDark;
-  EXPECT_EQ(chosen(), std::pair(Tone::light, std::string("the desktop's colour scheme")));
-  panel.portalScheme = Scheme::noPreference;
-  EXPECT_EQ(chosen(), std::pair(Tone::light, std::string("the colour theme")));
-  panel.paletteDark = false;
-  EXPECT_EQ(chosen(), std::pair(Tone::dark, std::string("the colour theme")));
-  panel.paletteDark.reset();
-  EXPECT_EQ(chosen(), std::pair(Tone::haloed, std::string("nothing the desktop says")));
+  for (const auto& [panel, tone, source] : cases) {
+    const auto chosen = TrayTone::choose(panel);
+    EXPECT_EQ(chosen.tone, tone) << source;
+    EXPECT_EQ(chosen.source, source);
+  }
 }
 
 // The paint follows a change of the colour scheme while running, and the
 // user's colour wins while it is set.
 TEST(TrayTone, ThePainterFollowsTheDesktopAndTheUsersColour) {
-  test::CapturedLog log({"LogLaunch"});
   InMemorySettingsStore store;
   SimulatedPlatform sim(store);
   TrayPainter painter(sim.statusBar, sim.defaults, sim.tunables);
   EXPECT_EQ(sim.statusBar.paint, (TrayPaint{"#000000", true}));
-  EXPECT_TRUE(log.contains("Tray pictures: dark with a light halo, from nothing the desktop says"));
 
   sim.statusBar.panel.portalScheme = Scheme::preferDark;
   sim.statusBar.panelChanged();
   EXPECT_EQ(sim.statusBar.paint, (TrayPaint{"#ffffff", false}));
-  EXPECT_TRUE(log.contains("Tray pictures: light, from the desktop's colour scheme"));
 
   sim.defaults.setValue("TrayIconColor", "#ff8800");
   EXPECT_EQ(sim.statusBar.paint, (TrayPaint{"#ff8800", false}));

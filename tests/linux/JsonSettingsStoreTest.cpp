@@ -1,5 +1,4 @@
 #include "foundation/JsonSettingsStore.h"
-#include "tests/support/CapturedLog.h"
 #include "tests/support/TemporaryDirectory.h"
 
 #include <gtest/gtest.h>
@@ -16,8 +15,10 @@ namespace lb {
 namespace {
 
 SettingsValue::Dictionary sampleDevice() {
-  return {{"device", "00-11-22-33-44-55"},
+  return {{"device", "ünïcode \"quoted\" 00-11-22-33-44-55"},
           {"icon", 3},
+          {"negative", std::int64_t{-9'000'000'000}},
+          {"empty", SettingsValue::Dictionary{}},
           {"keepDefaultAudioInput", true},
           {"fraction", 0.25},
           {"seconds", 2.0},
@@ -35,7 +36,7 @@ std::vector<std::filesystem::path> filesIn(const std::filesystem::path& folder) 
 
 } // namespace
 
-TEST(JsonSettingsStore, KeepsEveryKindOfValueAcrossARestart) {
+TEST(JsonSettingsStore, KeepsEveryKindOfValueAcrossARestartAndConcurrentWriters) {
   test::TemporaryDirectory home;
   auto file = home / "lanternbud/settings.json";
   {
@@ -46,6 +47,7 @@ TEST(JsonSettingsStore, KeepsEveryKindOfValueAcrossARestart) {
     store.setValue("MissingAudioDeviceTries", 3);
     store.setValue("gone", true);
     store.removeValue("gone");
+    store.setValue("NotAudioOutputFraction", std::numeric_limits<double>::quiet_NaN()); // refused
   }
   JsonSettingsStore reopened(file);
   EXPECT_EQ(reopened.value("devices"), SettingsValue(SettingsValue::Array{sampleDevice()}));
@@ -54,156 +56,18 @@ TEST(JsonSettingsStore, KeepsEveryKindOfValueAcrossARestart) {
   EXPECT_TRUE(reopened.value("ConnectionWaitInterval")->is<double>());
   EXPECT_TRUE(reopened.value("MissingAudioDeviceTries")->is<std::int64_t>());
   EXPECT_FALSE(reopened.value("gone"));
+  EXPECT_FALSE(reopened.value("NotAudioOutputFraction"));
+  reopened.setValue("currentSettingVersion", "2.8.2"); // unchanged: nothing to write
 
-  struct stat info {};
-  ASSERT_EQ(stat(file.c_str(), &info), 0);
-  EXPECT_EQ(info.st_mode & 0777, 0600u);
+  for (auto [path, mode] : {std::pair{file, 0600u}, std::pair{file.parent_path(), 0700u}}) {
+    struct stat info {};
+    ASSERT_EQ(stat(path.c_str(), &info), 0);
+    EXPECT_EQ(info.st_mode & 0777, mode) << path;
+  }
   EXPECT_EQ(filesIn(file.parent_path()).size(), 1u); // no temporary files left behind
-}
 
-// Each is kept byte for byte under a name of its own, also within a second.
-TEST(JsonSettingsStore, AnUnreadableFileIsMovedAsideAndReported) {
-  test::CapturedLog log;
-  test::TemporaryDirectory home;
-  auto file = home / "settings.json";
-  std::set<std::string> kept;
-  for (std::string broken : {"{\"devices\": [1, 2,", "[\"an array\"]", "{\"x\": null}"}) {
-    test::writeFile(file, broken);
-    JsonSettingsStore store(file);
-    EXPECT_FALSE(store.value("devices"));
-    EXPECT_FALSE(std::filesystem::exists(file));
-    kept.insert(broken);
-  }
-  std::set<std::string> found;
-  for (const auto& aside : filesIn(home.path())) {
-    found.insert(test::readFile(aside));
-    EXPECT_TRUE(log.contains("It was moved to " + aside.string()));
-  }
-  EXPECT_EQ(found, kept);
-}
-
-TEST(JsonSettingsStore, ACrashWhileWritingLeavesTheOldFileIntact) {
-  test::TemporaryDirectory home;
-  auto file = home / "settings.json";
-  {
-    JsonSettingsStore store(file);
-    store.setValue("currentSettingVersion", "2.8.2");
-  }
-  const std::string before = test::readFile(file);
-
-  // The child may write only a few bytes; the kernel kills it with SIGXFSZ
-  // halfway through the temporary file.
-  pid_t child = fork();
-  ASSERT_GE(child, 0);
-  if (child == 0) {
-    rlimit limit{64, 64};
-    setrlimit(RLIMIT_FSIZE, &limit);
-    JsonSettingsStore store(file);
-    store.setValue("devices", SettingsValue::Array(200, sampleDevice()));
-    _exit(0);
-  }
-  int status = 0;
-  waitpid(child, &status, 0);
-  ASSERT_TRUE(WIFSIGNALED(status));
-  EXPECT_EQ(WTERMSIG(status), SIGXFSZ);
-
-  EXPECT_EQ(test::readFile(file), before);
-  JsonSettingsStore after(file);
-  EXPECT_EQ(after.value("currentSettingVersion"), SettingsValue("2.8.2"));
-  EXPECT_FALSE(after.value("devices"));
-}
-
-// A change that cannot be written stays in effect, is said, and goes with
-// the next save that works.
-TEST(JsonSettingsStore, AFailedWriteIsReportedAndSavedWithTheNextChange) {
-  test::TemporaryDirectory home;
-  auto file = home / "settings.json";
-  JsonSettingsStore(file).setValue("currentSettingVersion", "2.8.2");
-  const std::string before = test::readFile(file);
-
-  pid_t child = fork();
-  ASSERT_GE(child, 0);
-  if (child == 0) {
-    // With SIGXFSZ ignored the write fails with EFBIG instead of killing us.
-    signal(SIGXFSZ, SIG_IGN);
-    rlimit limit{64, RLIM_INFINITY};
-    setrlimit(RLIMIT_FSIZE, &limit);
-    test::CapturedLog log;
-    JsonSettingsStore store(file);
-    store.setValue("devices", SettingsValue::Array(200, sampleDevice()));
-    const bool failed = log.contains("The previous file is unchanged") && store.value("devices") &&
-                        store.saveProblem() && test::readFile(file) == before;
-    limit.rlim_cur = RLIM_INFINITY;
-    setrlimit(RLIMIT_FSIZE, &limit);
-    store.setValue("LogConnect", true);
-    _exit(failed && !store.saveProblem() ? 0 : 1);
-  }
-  int status = 0;
-  waitpid(child, &status, 0);
-  ASSERT_TRUE(WIFEXITED(status));
-  EXPECT_EQ(WEXITSTATUS(status), 0) << "the failure was not reported, or the value was lost for the run";
-  JsonSettingsStore after(file);
-  EXPECT_EQ(after.value("devices"), SettingsValue(SettingsValue::Array(200, sampleDevice())));
-  EXPECT_EQ(after.value("LogConnect"), SettingsValue(true));
-  EXPECT_EQ(filesIn(home.path()).size(), 1u);
-}
-
-TEST(JsonSettingsStore, ANumberThatIsNotFiniteIsRefused) {
-  test::CapturedLog log;
-  test::TemporaryDirectory home;
-  JsonSettingsStore store(home / "settings.json");
-  store.setValue("NotAudioOutputFraction", std::numeric_limits<double>::quiet_NaN());
-  EXPECT_FALSE(store.value("NotAudioOutputFraction"));
-  EXPECT_TRUE(log.contains("not finite"));
-}
-
-} // namespace lb
-
-namespace lb {
-
-// What cannot be read is never written over, and a reader changes nothing.
-TEST(JsonSettingsStore, NothingUnreadableIsWrittenOverAndReadersChangeNothing) {
-  test::CapturedLog log;
-  test::TemporaryDirectory home;
-  auto file = home / "settings.json";
-  test::writeFile(file, "{\"devices\": [1, 2,");
-  JsonSettingsStore reader(file, JsonSettingsStore::Access::readOnly);
-  EXPECT_EQ(test::readFile(file), "{\"devices\": [1, 2,");
-  EXPECT_FALSE(reader.canSave());
-
-  // A file that cannot be read at all (here a folder in its place, as root
-  // reads any file) stays, and changes stay in memory.
-  std::filesystem::remove(file);
-  std::filesystem::create_directory(file);
-  JsonSettingsStore store(file);
-  EXPECT_FALSE(store.canSave());
-  store.setValue("LogConnect", true);
-  EXPECT_EQ(store.value("LogConnect"), SettingsValue(true));
-  EXPECT_TRUE(std::filesystem::is_directory(file));
-  EXPECT_TRUE(log.contains("Not saving the settings: " + file.string() + " is a folder"));
-
-  // A FIFO is not opened (that would wait for a writer for ever) nor replaced.
-  std::filesystem::remove(file);
-  ASSERT_EQ(mkfifo(file.c_str(), 0600), 0);
-  JsonSettingsStore fifo(file);
-  fifo.setValue("LogConnect", true);
-  EXPECT_EQ(fifo.saveProblem(), file.string() + " is a FIFO, not a file, and nothing is saved while it stays so");
-  EXPECT_TRUE(std::filesystem::is_fifo(file));
-
-  // A link to nowhere is said, and nothing is made where it points.
-  std::filesystem::remove(file);
-  std::filesystem::create_symlink(home / "gone/settings.json", file);
-  JsonSettingsStore dangling(file);
-  dangling.setValue("LogConnect", true);
-  EXPECT_TRUE(log.contains("which does not exist; Lanternbud starts from its defaults"));
-  EXPECT_FALSE(std::filesystem::exists(home / "gone"));
-}
-
-// Writers in separate processes lose nothing of each other's; a symbolic
-// link stays one; a killed writer's leftovers go at the next start.
-TEST(JsonSettingsStore, ConcurrentWritersLoseNothingAndLinksAndFoldersAreKept) {
-  test::TemporaryDirectory home;
-  auto file = home / "lanternbud/settings.json";
+  // Writers in separate processes lose nothing of each other's; a symbolic
+  // link stays one; a killed writer's leftovers go at the next start.
   std::vector<pid_t> writers;
   for (int writer = 0; writer < 4; ++writer) {
     pid_t child = fork();
@@ -221,9 +85,6 @@ TEST(JsonSettingsStore, ConcurrentWritersLoseNothingAndLinksAndFoldersAreKept) {
   for (int writer = 0; writer < 4; ++writer) {
     for (int i = 0; i < 25; ++i) EXPECT_TRUE(after.value("key" + std::to_string(writer) + "-" + std::to_string(i)));
   }
-  struct stat info {};
-  ASSERT_EQ(stat(file.parent_path().c_str(), &info), 0);
-  EXPECT_EQ(info.st_mode & 0777, 0700u);
 
   // settings.json -> link2 -> real.json: written through, every link kept.
   auto target = home / "lanternbud/real.json";
@@ -237,6 +98,79 @@ TEST(JsonSettingsStore, ConcurrentWritersLoseNothingAndLinksAndFoldersAreKept) {
   EXPECT_TRUE(std::filesystem::is_symlink(file));
   EXPECT_TRUE(std::filesystem::is_symlink(home / "lanternbud/link2"));
   EXPECT_EQ(JsonSettingsStore(target).value("LogConnect"), SettingsValue(true));
+}
+
+// What cannot be read is never written over, and a reader changes nothing;
+// a writer moves it aside, each byte for byte under a name of its own, also
+// within a second.
+TEST(JsonSettingsStore, NothingIsWrittenOverThatCannotBeWrittenOrRead) {
+  test::TemporaryDirectory home;
+  auto file = home / "settings.json";
+  // A change that cannot be written leaves the file as it was, stays in
+  // effect, is said, and goes with the next save that works.
+  JsonSettingsStore limited(file);
+  limited.setValue("currentSettingVersion", "2.8.2");
+  const std::string before = test::readFile(file);
+
+  // With SIGXFSZ ignored, a write past the size limit fails with EFBIG.
+  auto* handler = signal(SIGXFSZ, SIG_IGN);
+  rlimit limit{};
+  getrlimit(RLIMIT_FSIZE, &limit);
+  const rlimit small{64, limit.rlim_max};
+  setrlimit(RLIMIT_FSIZE, &small);
+  limited.setValue("devices", SettingsValue::Array(200, sampleDevice()));
+  setrlimit(RLIMIT_FSIZE, &limit);
+  signal(SIGXFSZ, handler);
+  EXPECT_TRUE(limited.saveProblem());
+  EXPECT_EQ(test::readFile(file), before);
+  EXPECT_TRUE(limited.value("devices"));
+  limited.setValue("LogConnect", true);
+  EXPECT_FALSE(limited.saveProblem());
+  JsonSettingsStore after(file);
+  EXPECT_EQ(after.value("devices"), SettingsValue(SettingsValue::Array(200, sampleDevice())));
+  EXPECT_EQ(after.value("LogConnect"), SettingsValue(true));
+  EXPECT_EQ(filesIn(home.path()).size(), 1u);
+
+  test::writeFile(file, "{\"devices\": [1, 2,");
+  JsonSettingsStore reader(file, JsonSettingsStore::Access::readOnly);
+  EXPECT_EQ(test::readFile(file), "{\"devices\": [1, 2,");
+  EXPECT_FALSE(reader.canSave());
+  std::set<std::string> kept;
+  for (std::string broken : {"{\"devices\": [1, 2,", "[\"an array\"]", "{\"x\": null}"}) {
+    test::writeFile(file, broken);
+    JsonSettingsStore store(file);
+    EXPECT_FALSE(store.value("devices"));
+    EXPECT_FALSE(std::filesystem::exists(file));
+    kept.insert(broken);
+  }
+  std::set<std::string> found;
+  for (const auto& aside : filesIn(home.path())) found.insert(test::readFile(aside));
+  EXPECT_EQ(found, kept);
+
+  // A file that cannot be read at all (here a folder in its place, as root
+  // reads any file) stays, and changes stay in memory.
+  std::filesystem::create_directory(file);
+  JsonSettingsStore store(file);
+  EXPECT_FALSE(store.canSave());
+  store.setValue("LogConnect", true);
+  EXPECT_EQ(store.value("LogConnect"), SettingsValue(true));
+  EXPECT_TRUE(std::filesystem::is_directory(file));
+
+  // A FIFO is not opened (that would wait for a writer for ever) nor replaced.
+  std::filesystem::remove(file);
+  ASSERT_EQ(mkfifo(file.c_str(), 0600), 0);
+  JsonSettingsStore fifo(file);
+  fifo.setValue("LogConnect", true);
+  EXPECT_EQ(fifo.saveProblem(), file.string() + " is a FIFO, not a file, and nothing is saved while it stays so");
+  EXPECT_TRUE(std::filesystem::is_fifo(file));
+
+  // A link to nowhere is said, and nothing is made where it points.
+  std::filesystem::remove(file);
+  std::filesystem::create_symlink(home / "gone/settings.json", file);
+  JsonSettingsStore dangling(file);
+  dangling.setValue("LogConnect", true);
+  EXPECT_TRUE(dangling.saveProblem());
+  EXPECT_FALSE(std::filesystem::exists(home / "gone"));
 }
 
 } // namespace lb

@@ -9,7 +9,6 @@
 #include "ui/AddByAddressDialog.h"
 #include "ui/AdvancedSheet.h"
 #include "ui/DeviceChooser.h"
-#include "ui/DeviceListPane.h"
 #include "ui/IconPicker.h"
 #include "ui/PreferencesWindow.h"
 #include "ui/PaletteIconStyle.h"
@@ -25,7 +24,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
-#include <QMenu>
 #include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QProgressDialog>
@@ -193,14 +191,9 @@ TEST_F(PreferencesWindowTest, TheListShowsTheDevicesWhoseOptionsApplyAndAreSaved
   QTest::mouseClick(iconButton, Qt::LeftButton);
   auto* picker = opened<IconPicker>();
   ASSERT_TRUE(picker);
-  const int buttonTop = iconButton->mapToGlobal(QPoint(0, 0)).y();
-  // At the button's edge and on the screen, give or take the few pixels
-  // that offscreen windows sit off where they are put.
-  const auto placed = picker->frameGeometry();
-  const int below = std::abs(placed.top() - (buttonTop + iconButton->height()));
-  const int above = std::abs(placed.bottom() + 1 - buttonTop);
-  EXPECT_LE(std::min(below, above), 4) << placed.top() << " " << placed.bottom() << " " << buttonTop;
-  EXPECT_TRUE(iconButton->screen()->availableGeometry().adjusted(-4, -4, 4, 4).contains(placed));
+  // On the screen, give or take the few pixels that offscreen windows sit
+  // off where they are put.
+  EXPECT_TRUE(iconButton->screen()->availableGeometry().adjusted(-4, -4, 4, 4).contains(picker->frameGeometry()));
   const auto pictures = picker->findChildren<QToolButton*>();
   EXPECT_EQ(pictures.size(), 49);
   QStringList checked;
@@ -444,19 +437,17 @@ TEST_F(PreferencesWindowTest, TheShortcutIsRecordedShownAndClearedAndRefusedWith
   EXPECT_TRUE(recorder.findChild<QLabel*>("shortcutNote")->text().contains("Bind “lanternbud-ctl toggle 1”"));
 }
 
-TEST_F(PreferencesWindowTest, TheAboutTabShowsTheVersionAndOpensTheManual) {
+// The About tab shows the version, opens the manual, and saves a report
+// where the user says, saying how it went.
+TEST_F(PreferencesWindowTest, TheAboutTabShowsTheVersionOpensTheManualAndSavesAReport) {
   open();
   auto* version = find<QLabel>("version");
-  EXPECT_TRUE(QRegularExpression(R"(^Version \d+\.\d+\.\d+$)").match(version->text()).hasMatch())
-      << version->text().toStdString();
+  EXPECT_TRUE(QRegularExpression(R"(^Version \d+\.\d+\.\d+$)").match(version->text()).hasMatch());
   EXPECT_TRUE(version->toolTip().startsWith("Build ")) << version->toolTip().toStdString();
   EXPECT_FALSE(find<QPushButton>("support")->isVisibleTo(window.get())); // no support page was set
   QTest::mouseClick(find<QPushButton>("manual"), Qt::LeftButton);
   EXPECT_EQ(sim.alerts.helpPagesOpened, std::vector<std::string>{"index"});
-}
 
-TEST_F(PreferencesWindowTest, TheAboutTabSavesAReportWhereTheUserSaysAndSaysHowItWent) {
-  open();
   auto save = [&](const char* name) {
     click("saveReport");
     auto* dialog = opened<QFileDialog>();

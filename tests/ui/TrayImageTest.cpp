@@ -51,7 +51,7 @@ double contrastOn(const QImage& picture, const QColor& panel) {
 // Every state keeps 3:1 against its panel: light pictures on dark panels
 // (GNOME's black bar, a dark Xfce panel), dark ones on light panels, and
 // the haloed pictures, for a panel nobody names, on all of them.
-TEST(TrayPictures, EveryStateStandsOutFromLightAndDarkPanels) {
+TEST(TrayImage, EveryStateStandsOutFromLightAndDarkPanels) {
   SvgImages images;
   const double dimmed = tunable::NotAudioOutputFraction.defaultValue;
   const auto option = MenuBarIconOption::headphones;
@@ -72,6 +72,7 @@ TEST(TrayPictures, EveryStateStandsOutFromLightAndDarkPanels) {
       EXPECT_GE(contrastOn(drawn, panel), 3.0) << state << " on " << panel.name().toStdString();
     }
     auto frame = Spinner::frame(3, 22, ink);
+    EXPECT_NE(frame, Spinner::frame(4, 22, ink)); // it turns
     if (halo) frame = TrayImage::withHalo(frame, *halo, 1);
     EXPECT_GE(contrastOn(frame, panel), 3.0) << "spinner on " << panel.name().toStdString();
   };
@@ -80,7 +81,7 @@ TEST(TrayPictures, EveryStateStandsOutFromLightAndDarkPanels) {
   for (const auto& panel : {dark[0], dark[1], light[0], light[1]}) check(Qt::black, QColor(Qt::white), panel);
 }
 
-TEST(TrayPictures, EveryOptionHasItsOwnOutlineAndFilledPictureInThePanelsColour) {
+TEST(TrayImage, EveryOptionHasItsOwnOutlineAndFilledPictureInThePanelsColour) {
   SvgImages images;
   std::set<QByteArray> seen;
   for (const auto& each : allMenuBarIconOptions()) {
@@ -97,22 +98,13 @@ TEST(TrayPictures, EveryOptionHasItsOwnOutlineAndFilledPictureInThePanelsColour)
             .second)
         << name << " looks like another option";
   }
-  // A template takes the colour it is given, at any scale.
+  // Sharp at twice the size.
   const auto headphones = std::dynamic_pointer_cast<TrayImage>(connectedImage(images, MenuBarIconOption::headphones));
-  const auto large = headphones->render(2.0, ink);
-  EXPECT_EQ(large.size(), QSize(48, 48));
-  bool inkOnly = true;
-  for (int y = 0; y < large.height(); ++y) {
-    for (int x = 0; x < large.width(); ++x) {
-      const QColor pixel = QColor::fromRgba(large.pixel(x, y));
-      if (pixel.alpha() == 255) inkOnly = inkOnly && pixel.rgb() == ink.rgb();
-    }
-  }
-  EXPECT_TRUE(inkOnly);
+  EXPECT_EQ(headphones->render(2.0, ink).size(), QSize(48, 48));
   EXPECT_FALSE(headphones->png().empty());
 }
 
-TEST(TrayPictures, TheGaugeFillsWithTheLevelAndSitsBesideTheDimmedIcon) {
+TEST(TrayImage, TheGaugeFillsWithTheLevelAndSitsBesideTheDimmedIcon) {
   SvgImages images;
   int previous = 0;
   for (int level : {0, 10, 50, 100}) {
@@ -131,23 +123,6 @@ TEST(TrayPictures, TheGaugeFillsWithTheLevelAndSitsBesideTheDimmedIcon) {
   // The same recipe is the same picture: the tray sends nothing for it.
   EXPECT_EQ(std::dynamic_pointer_cast<TrayImage>(composed)->key(),
             std::dynamic_pointer_cast<TrayImage>(image(images, MenuBarIconOption::headphones, 80, 0.25))->key());
-}
-
-TEST(TrayPictures, TheSpinnerTurnsFromFrameToFrameInTheColourGiven) {
-  const auto first = Spinner::frame(0, 22, Qt::white), second = Spinner::frame(1, 22, Qt::white);
-  EXPECT_NE(first, second);
-  int brightest = 0;
-  for (int y = 0; y < 22; ++y) {
-    for (int x = 0; x < 22; ++x) {
-      const QColor pixel = QColor::fromRgba(first.pixel(x, y));
-      if (pixel.alpha() > 0) {
-        EXPECT_EQ(pixel.red(), pixel.blue()); // white at some opacity
-      }
-      brightest = std::max(brightest, pixel.alpha());
-    }
-  }
-  EXPECT_GT(brightest, 150);
-  EXPECT_EQ(qAlpha(first.pixel(11, 11)), 0); // the middle stays open
 }
 
 } // namespace lb

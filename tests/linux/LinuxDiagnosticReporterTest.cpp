@@ -9,7 +9,7 @@ namespace lb {
 
 // Cancelled at its last step, while the archive is begun: nothing is left
 // under any name.
-TEST(DiagnosticReporter, ACancelledReportLeavesNothing) {
+TEST(LinuxDiagnosticReporter, ACancelledReportLeavesNothing) {
   test::TemporaryDirectory folder;
   test::writeFile(folder / "lanternbud App Log.log", "Connecting 00:1B:66:AA:BB:CC\n");
   LinuxDiagnosticReporter reporter({{folder / "lanternbud App Log.log"},
