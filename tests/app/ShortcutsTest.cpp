@@ -116,7 +116,6 @@ TEST_F(ShortcutsTest, OnWaylandThePortalsActivationToggles) {
   EXPECT_EQ(bound, (QStringList{"shortcutDictForDevice1=CTRL+ALT+h", "shortcutDictForDevice2=CTRL+ALT+k"}));
   session.portal("Activate", {"shortcutDictForDevice1"});
   EXPECT_TRUE(test::waitUntil([&] { return system.bluezConnected(headsetAddress); })) << program.logText();
-
 }
 
 } // namespace lb

@@ -189,12 +189,11 @@ TEST_F(TrayTest, EachActiveDeviceHasAnItemThatShowsItsStateAndTakesClicks) {
   system.pauseBluez(true);
   activate(stalling);
   QByteArray first;
-  EXPECT_TRUE(test::waitUntil(
-      [&] {
-        const auto now = pixmaps(stalling);
-        if (first.isEmpty() && now != before) first = now;
-        return !first.isEmpty() && now != first && now != before;
-      }));
+  EXPECT_TRUE(test::waitUntil([&] {
+    const auto now = pixmaps(stalling);
+    if (first.isEmpty() && now != before) first = now;
+    return !first.isEmpty() && now != first && now != before;
+  }));
   EXPECT_EQ(menu(stalling).front(), "Connecting…");
   system.pauseBluez(false);
   EXPECT_TRUE(test::waitUntil([&] { return text(stalling).startsWith("Slow Headset - Connected."); }));

@@ -98,9 +98,9 @@ bool PrivateBus::startBluez() {
 }
 
 bool PrivateBus::startPortal() {
-  portal_ = startModel({"-m", "dbusmock", "--session", "--template",
-                        LANTERNBUD_TEST_SUPPORT_DIR "/global_shortcuts_portal_template.py"},
-                       "org.freedesktop.portal.Desktop", "the desktop portal");
+  portal_ = startModel(
+      {"-m", "dbusmock", "--session", "--template", LANTERNBUD_TEST_SUPPORT_DIR "/global_shortcuts_portal_template.py"},
+      "org.freedesktop.portal.Desktop", "the desktop portal");
   return portal_ != nullptr;
 }
 
