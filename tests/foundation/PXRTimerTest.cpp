@@ -44,16 +44,4 @@ TEST(PXRTimer, RepeatsWithATenthOfItsIntervalAsToleranceUntilInvalidated) {
   EXPECT_TRUE(loop.activeTimers().empty());
 }
 
-TEST(PXRTimerDeathTest, SchedulingTwiceIsAProgrammingError) {
-  GTEST_FLAG_SET(death_test_style, "threadsafe");
-  EXPECT_DEATH(
-      {
-        VirtualEventLoop loop;
-        PXRTimer timer(Seconds(1.0), true, [] {});
-        timer.schedule(loop);
-        timer.schedule(loop);
-      },
-      "scheduled at most once");
-}
-
 } // namespace lb

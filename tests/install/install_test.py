@@ -259,15 +259,11 @@ class Activation(BusTestCase):
         self.assertIn("Lantern Headset", listed.stdout)
         self.assertTrue(bus.program_runs())
 
-    def test_config_and_report_never_start_the_program(self):
+    def test_config_never_starts_the_program(self):
         bus = self.start_bus()
         self.assertEqual(bus.ctl("config", "set", "LogConnect", "YES").returncode, 0)
         got = bus.ctl("config", "get", "LogConnect")
         self.assertEqual((got.returncode, got.stdout.strip()), (0, "true"))
-        report = pathlib.Path(bus.env["HOME"]) / "report.tar.gz"
-        written = bus.ctl("report", str(report))
-        self.assertEqual(written.returncode, 0, written.stderr)
-        self.assertTrue(report.exists())
         self.assertFalse(bus.program_runs())
 
     def test_without_a_service_file_a_command_says_the_program_is_not_running(self):

@@ -80,6 +80,12 @@ TEST_F(BluezTest, FindsDevicesByEitherAddressFormAndFollowsABluetoothdRestart) {
   bus.bluez("/org/bluez/hci0/dev_AA_AA_AA_AA_AA_AA", "org.freedesktop.DBus.Mock", "UpdateProperties",
             {"org.bluez.Device1", QVariantMap{{"UUIDs", QStringList{"0000110B-0000-1000-8000-00805F9B34FB"}}}});
   EXPECT_TRUE(test::waitUntil([&] { return speaker->majorDeviceClass() == 4u; }));
+  // Only paired devices are offered to add; a pairing is told.
+  int pairings = 0;
+  auto pairing = bluetooth->registerForPairingChanges([&] { ++pairings; });
+  EXPECT_EQ(bluetooth->pairedDevices().size(), 2u);
+  bus.bluez("/", "org.bluez.Mock", "PairDevice", {"hci0", "AA:AA:AA:AA:AA:AA", 0x240414});
+  EXPECT_TRUE(test::waitUntil([&] { return pairings > 0 && bluetooth->pairedDevices().size() == 3; }));
 
   // A bluetoothd restart is followed; a device held meanwhile works again.
   bus.killBluez();
