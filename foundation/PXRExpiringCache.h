@@ -19,16 +19,6 @@ public:
     this->setValue(key, made);
     return made;
   }
-
-  // The current value; on a miss the cache is emptied and the block is
-  // expected to store every entry it can obtain, this key's among them.
-  template <class Block>
-  std::optional<Value> fillAll(const Key& key, Block&& block) {
-    if (auto current = this->value(key)) return current;
-    this->removeAll();
-    std::forward<Block>(block)();
-    return this->value(key);
-  }
 };
 
 } // namespace lb

@@ -51,20 +51,6 @@ TEST(ConnectionControl, AFailedFirstAttemptIsRetried) {
   EXPECT_TRUE(log.contains("It looks like <DeviceSetting: Keyboard> is already connected: IOReturn"));
 }
 
-// The demo's speaker: a device that fails once it has connected before.
-TEST(ConnectionControl, AFailurePastTheRetryAfterASuccessShowsTheDialog) {
-  test::SimulatedDevice d;
-  const auto pagesInVain = sim::failsAfter(sim::pageTimeoutResult(), 3);
-  d.device->setConnectBehaviour(sim::cycles({sim::succeedsAfter(1), pagesInVain, pagesInVain}));
-  for (double wait : {5.0, 5.0, 30.0}) {
-    d.setting->toggleConnection();
-    d.sim.loop.advance(wait);
-  }
-  EXPECT_EQ(d.device->connectCalls().size(), 3u);
-  ASSERT_EQ(d.sim.alerts.shown.size(), 1u);
-  EXPECT_EQ(d.sim.alerts.shown[0].informativeText, "The Bluetooth connection timed out.");
-}
-
 TEST(ConnectionControl, ATimeoutIsWaitedOutThenJudgedSpuriousOrReal) {
   test::SimulatedDevice spurious({{"ConnectionWaitInterval", 2.0}});
   spurious.device->setConnectBehaviour(sim::connectsLateAfter(sim::timeoutResult(), 1, 0.5));

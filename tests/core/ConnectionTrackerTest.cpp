@@ -9,49 +9,32 @@ using test::SimulatedHeadset;
 
 // The first look at a device connected at start only records the state:
 // no script, no audio change. The timer lets its device go.
-TEST(ConnectionTracker, TheSlowTimerFollowsItsTunablesAndItsFirstLookOnlyRecordsTheState) {
-  for (bool useTimer : {false, true}) {
-    InMemorySettingsStore store({{"ConnectionUpdateUseTimer", useTimer}, {"ConnectionUpdateTimerInterval", 5.0}});
-    SimulatedPlatform sim(store);
-    sim.world.addDevice("aa", "Mouse", 5);
-    sim.world.setConnected("aa", true);
-    const auto before = sim.loop.activeTimers().size();
-    auto setting = DeviceSetting::make(sim.services, {{"device", "aa"}});
-    ASSERT_EQ(sim.loop.activeTimers().size(), before + useTimer);
-    if (!useTimer) continue;
-    sim.loop.advance(4.9);
-    EXPECT_FALSE(setting->isConnected());
-    sim.loop.advance(0.1);
-    EXPECT_EQ(setting->isConnected(), true);
-    EXPECT_FALSE(setting->lastConnectionScriptRun());
-    std::weak_ptr<DeviceSetting> watch = setting;
-    setting.reset();
-    EXPECT_TRUE(watch.expired());
-    EXPECT_EQ(sim.loop.activeTimers().size(), before);
-  }
-}
-
-// Without the disconnect notification, the fast timer finds a change within
-// a tenth of a second.
-TEST(ConnectionTracker, WithoutTheDisconnectNotificationTheFastTimerFindsTheChange) {
-  test::SimulatedDevice off({{"DeviceSettingDisableDisconnectObservation", true}});
-  EXPECT_EQ(off.sim.world.subscriptionCount(), 1u); // the registry's connect notification alone
-  off.sim.world.setConnected(off.address, true);
-  off.sim.loop.advance(0.2);
-  ASSERT_EQ(off.setting->isConnected(), true);
-  off.sim.world.setConnected(off.address, false);
-  off.sim.world.setConnected(off.address, true);
-  off.sim.world.setConnected(off.address, false);
-  off.sim.loop.advance(0.1);
-  EXPECT_EQ(off.setting->isConnected(), false);
+TEST(ConnectionTracker, TheSlowTimerFollowsItsIntervalAndItsFirstLookOnlyRecordsTheState) {
+  InMemorySettingsStore store({{"ConnectionUpdateTimerInterval", 5.0}});
+  SimulatedPlatform sim(store);
+  sim.world.addDevice("aa", "Mouse", 5);
+  sim.world.setConnected("aa", true);
+  const auto before = sim.loop.activeTimers().size();
+  auto setting = DeviceSetting::make(sim.services, {{"device", "aa"}});
+  ASSERT_EQ(sim.loop.activeTimers().size(), before + 1);
+  sim.loop.advance(4.9);
+  EXPECT_FALSE(setting->isConnected());
+  sim.loop.advance(0.1);
+  EXPECT_EQ(setting->isConnected(), true);
+  EXPECT_FALSE(setting->lastConnectionScriptRun());
+  std::weak_ptr<DeviceSetting> watch = setting;
+  setting.reset();
+  EXPECT_TRUE(watch.expired());
+  EXPECT_EQ(sim.loop.activeTimers().size(), before);
 }
 
 // The sound server makes the speaker after the link and does not switch to
 // it; the connection the user started does, the moment the speaker is
 // listed. No timer looks in between: the audio system's change is the event.
+// Past the window, the fixer about to close the link finds it and sets it.
 TEST(ConnectionTracker, TheSpeakerOfAManualConnectionBecomesTheOutputTheMomentItIsListed) {
   for (bool earlier : {false, true}) {
-    for (double delay : {0.0, 0.3, 2.0, 6.0}) {
+    for (double delay : {0.0, 0.3, 2.0, 6.0, 8.5}) {
       SCOPED_TRACE(testing::Message() << "delay " << delay << (earlier ? " after an earlier connection" : ""));
       test::CapturedLog log({"LogAudioOutput", "LogConnect", "LogIsConnected", "LogScript"});
       SimulatedHeadset h({.delay = delay}, {{"ConnectionUpdateUseTimer", false}});
@@ -62,11 +45,15 @@ TEST(ConnectionTracker, TheSpeakerOfAManualConnectionBecomesTheOutputTheMomentIt
       h.setting->toggleConnection();
       for (int step = 0; step < 400 && !h.audio.speaker; ++step) h.sim.loop.advance(0.05);
       ASSERT_TRUE(h.audio.speaker);
-      EXPECT_TRUE(h.outputIsHeadset()); // in the same moment
+      EXPECT_TRUE(h.outputIsHeadset() || delay > 8); // in the same moment, within the window
       h.sim.loop.advance(20);
+      EXPECT_TRUE(h.outputIsHeadset());
       EXPECT_EQ(h.setting->outputFixer().state(), OutputFixer::State::ok());
-      EXPECT_TRUE(log.contains(
-          "Setting sound output device because connection was manually initiated: <DeviceSetting: WH Headset>"));
+      EXPECT_EQ(h.device->disconnectCalls(), 0);
+      EXPECT_EQ(
+          log.contains(
+              "Setting sound output device because connection was manually initiated: <DeviceSetting: WH Headset>"),
+          delay < 8);
     }
   }
 }
@@ -111,20 +98,6 @@ TEST(ConnectionTracker, TheInputIsRestoredForDevicesThatKeepIt) {
     EXPECT_EQ(h.setting->outputFixer().state(), OutputFixer::State::ok());
     EXPECT_EQ(h.sim.audio.defaultDevice(AudioDirection::input), keep ? h.microphone : *h.audio.microphone);
   }
-}
-
-TEST(ConnectionTracker, ConnectScriptRunsAreSpacedByTheInterval) {
-  test::SimulatedDevice d({}, 4, "WH Headset");
-  d.setting->setRunShellScriptAfterConnected(true);
-  d.sim.scriptsFolder.files["1.connected"] = "#!/bin/sh\n";
-  auto& runs = d.sim.scriptRunner.runs;
-  d.setting->reactToSettingAudioOutput();
-  d.sim.loop.advance(3);
-  d.setting->reactToSettingAudioOutput();
-  EXPECT_EQ(runs.size(), 1u);
-  d.sim.loop.advance(1); // 4 s after the run: not less than the interval
-  d.setting->reactToSettingAudioOutput();
-  EXPECT_EQ(runs.size(), 2u);
 }
 
 } // namespace lb

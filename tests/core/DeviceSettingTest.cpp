@@ -11,8 +11,9 @@ protected:
   SimulatedPlatform sim{store};
 };
 
-// Script files replace what the saved options say.
-TEST_F(DeviceSettingTest, AnEmptyDictionaryGivesEveryDefault) {
+// Script files replace what the saved options say; what the program does
+// not know is kept.
+TEST_F(DeviceSettingTest, AnEmptyDictionaryGivesEveryDefaultAndUnknownValuesAreKept) {
   test::CapturedLog log;
   sim.scriptsFolder.files["0.connected"] = "#!/bin/sh\necho hi\n";
   auto setting = DeviceSetting::make(sim.services, {});
@@ -25,14 +26,17 @@ TEST_F(DeviceSettingTest, AnEmptyDictionaryGivesEveryDefault) {
   EXPECT_EQ(setting->description(), "<DeviceSetting: unknown (nil)>");
 
   sim.scriptsFolder.files["4.disconnected"] = "#!/bin/sh\nlogger bye\n";
-  auto options = DeviceSetting::make(sim.services, {{"deviceID", 4},
-                                                    {"connected", "stale text"},
-                                                    {"disconnected", "stale text"},
-                                                    {"legacyKey", "kept"}})
-                     ->options();
+  auto older = DeviceSetting::make(sim.services, {{"deviceID", 4},
+                                                  {"connected", "stale text"},
+                                                  {"disconnected", "stale text"},
+                                                  {"legacyKey", "kept"},
+                                                  {"icon", "no-such-picture"}});
+  const auto options = older->options();
   EXPECT_FALSE(options.contains("connected"));
   EXPECT_EQ(options.at("disconnected"), SettingsValue("#!/bin/sh\nlogger bye\n"));
   EXPECT_EQ(options.at("legacyKey"), SettingsValue("kept"));
+  EXPECT_EQ(options.at("icon"), SettingsValue("no-such-picture")); // until another is chosen
+  EXPECT_EQ(older->icon(), MenuBarIconOption::wand);
 }
 
 TEST_F(DeviceSettingTest, ANewDeviceStoresItsIDAndAddress) {
@@ -47,28 +51,6 @@ TEST_F(DeviceSettingTest, ANewDeviceStoresItsIDAndAddress) {
   EXPECT_EQ(setting->options().at("device"), SettingsValue("00-11-22-33-44-55"));
   setting->setDevice(nullptr);
   EXPECT_FALSE(setting->options().contains("device"));
-}
-
-TEST_F(DeviceSettingTest, OptionsOfTheWrongTypeReadAsTheirDefaults) {
-  auto setting = DeviceSetting::make(sim.services, {{"deviceID", "12"},
-                                                    {"keepDefaultAudioInput", "true"},
-                                                    {"isActive", 0},
-                                                    {"icon", "no-such-picture"},
-                                                    {"connected", 3}});
-  EXPECT_EQ(setting->deviceID(), 0);
-  EXPECT_FALSE(setting->keepDefaultAudioInput());
-  EXPECT_TRUE(setting->isActive());
-  EXPECT_EQ(setting->icon(), MenuBarIconOption::wand);
-  EXPECT_EQ(setting->options().at("icon"), SettingsValue("no-such-picture")); // kept until set
-  setting->setIcon(MenuBarIconOption::headphones);
-  EXPECT_EQ(setting->options().at("icon"), SettingsValue("headphones"));
-
-  sim.world.addDevice("aa", "Keyboard", 5);
-  sim.world.setConnected("aa", true);
-  auto inactive = DeviceSetting::make(sim.services, {{"device", "aa"}, {"isActive", false}});
-  inactive->setupStatusItem();
-  EXPECT_TRUE(sim.statusBar.items().empty());
-  EXPECT_EQ(inactive->isConnected(), true); // observed all the same
 }
 
 // As scripts ask: each request says what it did, and one made while an
@@ -93,30 +75,6 @@ TEST(DeviceSetting, RequestsSayWhatTheyDidAndARunningAttemptIgnoresMore) {
   d.sim.loop.advance(3);
   EXPECT_EQ(d.device->disconnectCalls(), 1);
   EXPECT_FALSE(d.setting->scriptingIsConnected());
-}
-
-// A level only while connected; a mirror takes the last level read, even
-// stale, and reads none itself; a client that asks gets a fresh one.
-TEST(DeviceSetting, ScriptsSeeTheBatteryLevelAndNothingOfAnUnknownDevice) {
-  test::SimulatedDevice d({}, 4, "Headset");
-  d.device->setBatteryProperty("batteryPercentSingle", 70);
-  EXPECT_EQ(d.setting->scriptingBatteryLevel(), std::nullopt);
-  d.sim.world.setConnected(d.address, true);
-  d.sim.loop.advance(1);
-  EXPECT_EQ(d.setting->scriptingBatteryLevel(), 70);
-  EXPECT_EQ(d.setting->scriptingAddress(), d.address);
-
-  auto mirror = DeviceSetting::make(d.sim.services, {{"deviceID", 8}, {"device", d.address}});
-  d.sim.loop.advance(2);
-  EXPECT_EQ(mirror->scriptingBatteryLevel(BatteryReading::lastKnown), 70);
-  d.device->setBatteryProperty("batteryPercentSingle", 60);
-  d.sim.loop.advance(120);
-  EXPECT_EQ(mirror->scriptingBatteryLevel(BatteryReading::lastKnown), 70);
-  EXPECT_EQ(mirror->scriptingBatteryLevel(), 60);
-
-  auto stranger = DeviceSetting::make(d.sim.services, {{"deviceID", 9}, {"device", "AA-AA-AA-AA-AA-AA"}});
-  EXPECT_EQ(stranger->scriptingName(), "");
-  EXPECT_EQ(stranger->scriptingAddress(), std::nullopt);
 }
 
 } // namespace lb

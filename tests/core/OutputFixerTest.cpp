@@ -6,18 +6,6 @@ namespace lb {
 
 using State = OutputFixer::State;
 
-TEST(OutputFixer, NoTriesLeftStillAllowsOneCycleAndSwitchedOffItDoesNothing) {
-  test::SimulatedDevice none({{"MissingAudioDeviceTries", 0}}, 4, "Headset");
-  none.setting->outputFixer().didFailToSetAudioOutput();
-  EXPECT_TRUE(none.setting->outputFixer().didDisconnect());
-  none.setting->outputFixer().didFailToSetAudioOutput();
-  EXPECT_EQ(none.setting->outputFixer().state(), State::gaveUp());
-
-  test::SimulatedDevice off({{"WorkAroundMissingAudioDevice", false}}, 4, "Headset");
-  off.setting->outputFixer().didFailToSetAudioOutput();
-  EXPECT_EQ(off.setting->outputFixer().state(), State::initial());
-}
-
 // Each cycle waits out the window for the speaker, then the delay before
 // closing, and reconnects; the reports of one disconnection reopen once.
 TEST(OutputFixer, ASpeakerThatNeverAppearsSendsItThroughItsCyclesUntilItGivesUp) {
@@ -32,17 +20,6 @@ TEST(OutputFixer, ASpeakerThatNeverAppearsSendsItThroughItsCyclesUntilItGivesUp)
   EXPECT_EQ(h.setting->isConnected(), true);
   h.setting->outputFixer().didFailToSetAudioOutput();
   EXPECT_EQ(h.setting->outputFixer().state(), State::gaveUp());
-}
-
-// The window has ended; the fixer, about to close the link, finds the
-// speaker listed and sets it instead.
-TEST(OutputFixer, ASpeakerJustAfterTheWindowIsSetWithoutReconnecting) {
-  test::SimulatedHeadset h({.delay = 8.5}, {{"ConnectionUpdateUseTimer", false}});
-  h.setting->toggleConnection();
-  h.sim.loop.advance(15);
-  EXPECT_TRUE(h.outputIsHeadset());
-  EXPECT_EQ(h.device->disconnectCalls(), 0);
-  EXPECT_EQ(h.setting->outputFixer().state(), State::ok());
 }
 
 // Nothing says this device could be an output, so nothing is closed and

@@ -29,7 +29,6 @@ TEST(ShortcutBinder, StoredKeysAreBoundAndFollowEveryChangeOfTheSetting) {
   b.bindBoth();
   b.keys.press("Ctrl+Alt+H");
   EXPECT_EQ(b.headsetPresses, 1);
-  EXPECT_EQ(b.binder.state("shortcutDictForDevice1").trigger, "Ctrl+Alt+H");
 
   // As lanternbud-ctl config set writes it, and as the recorder does.
   b.defaults.setValue("shortcutDictForDevice2", SettingsValue::Dictionary{{"keySequence", "Meta+K"}});

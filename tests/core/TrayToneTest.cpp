@@ -1,5 +1,4 @@
 #include "core/TrayTone.h"
-#include "tests/support/SimulatedPlatform.h"
 
 #include <gtest/gtest.h>
 
@@ -29,27 +28,6 @@ TEST(TrayTone, TheMostSpecificSignalDecides) {
     EXPECT_EQ(chosen.tone, tone) << source;
     EXPECT_EQ(chosen.source, source);
   }
-}
-
-// The paint follows a change of the colour scheme while running, and the
-// user's colour wins while it is set.
-TEST(TrayTone, ThePainterFollowsTheDesktopAndTheUsersColour) {
-  InMemorySettingsStore store;
-  SimulatedPlatform sim(store);
-  TrayPainter painter(sim.statusBar, sim.defaults, sim.tunables);
-  EXPECT_EQ(sim.statusBar.paint, (TrayPaint{"#000000", true}));
-
-  sim.statusBar.panel.portalScheme = Scheme::preferDark;
-  sim.statusBar.panelChanged();
-  EXPECT_EQ(sim.statusBar.paint, (TrayPaint{"#ffffff", false}));
-
-  sim.defaults.setValue("TrayIconColor", "#ff8800");
-  EXPECT_EQ(sim.statusBar.paint, (TrayPaint{"#ff8800", false}));
-  sim.statusBar.panel.portalScheme = Scheme::preferLight;
-  sim.statusBar.panelChanged();
-  EXPECT_EQ(sim.statusBar.paint.colour, "#ff8800");
-  sim.defaults.removeValue("TrayIconColor");
-  EXPECT_EQ(sim.statusBar.paint, (TrayPaint{"#000000", false}));
 }
 
 } // namespace lb

@@ -1,6 +1,5 @@
 #include "core/Tunables.h"
 #include "sim/InMemorySettingsStore.h"
-#include "tests/support/CapturedLog.h"
 
 #include <gtest/gtest.h>
 
@@ -25,19 +24,6 @@ TEST(Tunables, ReadOnceKeysKeepTheirFirstValueOthersFollowAndDefaultsComeFromThe
   EXPECT_FALSE(defaults.boolValue("BatteryInfoUseHelper", true)); // off on Linux
   defaults.setValue("BatteryInfoUseHelper", true);
   EXPECT_TRUE(tunables(tunable::BatteryInfoUseHelper));
-}
-
-// A number out of its tunable's range (0 s would spin a core, NaN is no
-// time at all) is ignored once said.
-TEST(Tunables, OutOfRangeValuesAreIgnored) {
-  test::CapturedLog log;
-  InMemorySettingsStore store(SettingsValue::Dictionary{{"ConnectionUpdateTimerInterval", 0.0}});
-  UserDefaults defaults(store, UserDefaults::argumentDomain({"-NotAudioOutputFraction", "nan"}));
-  Tunables tunables(defaults);
-  EXPECT_EQ(tunables(tunable::ConnectionUpdateTimerInterval), Seconds(1.0));
-  EXPECT_DOUBLE_EQ(tunables(tunable::NotAudioOutputFraction), 0.5);
-  EXPECT_DOUBLE_EQ(tunables(tunable::NotAudioOutputFraction), 0.5);
-  EXPECT_EQ(log.messages().size(), 2u);
 }
 
 } // namespace lb

@@ -315,22 +315,6 @@ class Completions(BusTestCase):
         self.assertEqual(sorted(self.complete(bus, "lanternbud-ctl config set shortcut")),
                          sorted(f"shortcutDictForDevice{d['id']}" for d in devices))
 
-    def test_zsh_and_fish_offer_the_running_programs_devices_and_never_start_it(self):
-        need(self, "zsh", "fish")
-        bus = self.start_bus()
-        # zsh: the script's functions without its last line, which runs the completion itself.
-        scripts = {"zsh": f"source <(sed '$d' '{self.completion('zsh')}'); reply=(); _lanternbud_ctl_devices; "
-                          "print -rl -- $reply",
-                   "fish": f"source '{self.completion('fish')}'; complete -C 'lanternbud-ctl toggle '"}
-        for shell, script in scripts.items():
-            self.assertEqual(run(shell, "-c", script, env=bus.env).stdout.strip(), "", shell)
-        self.assertFalse(bus.program_runs())
-        devices = bus.devices()
-        expected = {"zsh": [f"{d['id']}:{d['name']}" for d in devices] + [f"{d['name']}:device {d['id']}" for d in devices],
-                    "fish": [f"{d['id']}\t{d['name']}" for d in devices] + [f"{d['name']}\tdevice {d['id']}" for d in devices]}
-        for shell, script in scripts.items():
-            self.assertEqual(sorted(run(shell, "-c", script, env=bus.env).stdout.splitlines()), sorted(expected[shell]))
-
 
 class Package(unittest.TestCase):
     """The package that `cpack -G DEB` made in the build folder (scripts/check

@@ -36,9 +36,6 @@ TEST(LinuxDiagnosticReporter, ACancelledReportLeavesNothing) {
     return reporter.saveReport(
         file, true, [](int, int, const std::string&) {}, cancelled);
   };
-  EXPECT_TRUE(save(folder / "report.tar.gz"));
-  EXPECT_TRUE(std::filesystem::exists(folder / "report.tar.gz"));
-
   // Any name the folder takes is taken; a FIFO (like a device node) in the
   // way is refused and stays.
   const auto longest = folder / (std::string(248, 'r') + ".tar.gz");

@@ -62,7 +62,6 @@ TEST_F(PulseAudioTest, ListsSinksAndSourcesWithoutMonitorsAndSetsTheDefaults) {
   EXPECT_EQ(audio->defaultDevice(AudioDirection::output), *headset); // at once, no waiting
   EXPECT_EQ(audio->setDefaultDevice(AudioDirection::input, *microphone), 0);
   EXPECT_EQ(audio->defaultDevice(AudioDirection::input), *microphone);
-  EXPECT_NE(pulse.pactl("get-default-sink").find("headset"), std::string::npos);
   EXPECT_NE(audio->setDefaultDevice(AudioDirection::input, *headset), 0); // a sink is no input
 
   pulse.pactl("set-default-sink builtin"); // the system switches by itself
