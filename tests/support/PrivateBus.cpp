@@ -4,7 +4,6 @@
 #include <QDBusConnectionInterface>
 #include <QDBusReply>
 #include <QDBusVariant>
-#include <QElapsedTimer>
 #include <QVariantMap>
 
 #include <algorithm>
