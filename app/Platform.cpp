@@ -98,10 +98,10 @@ void Platform::wire(Bluetooth& bluetooth, AudioSystem& audio, BatterySources& ba
   inputDeviceManager_ = std::make_unique<InputDeviceManager>(*audioHardware_, tunables_, loop_);
   batteryInfo_ = std::make_unique<BatteryInfo>(batterySources, tunables_, loop_, loop_.now());
   deviceInfoCache_ = std::make_unique<DeviceInfoCache>(loop_, 1000, tunables_(tunable::DeviceInfoStalenessInterval));
-  services_ = std::make_unique<Services>(Services{loop_, bluetooth, *statusBar_, images_, windows_, *shortcuts_,
-                                                  loginItems, scriptsFolder_, scriptRunner_, collator_, *alerts_,
-                                                  operatingSystem_, defaults_, tunables_, *outputDeviceManager_,
-                                                  *inputDeviceManager_, *batteryInfo_, *deviceInfoCache_});
+  services_ = std::make_unique<Services>(
+      Services{loop_, bluetooth, *statusBar_, images_, windows_, *shortcuts_, loginItems, scriptsFolder_, scriptRunner_,
+               collator_, *alerts_, operatingSystem_, desktopSettings_, defaults_, tunables_, *outputDeviceManager_,
+               *inputDeviceManager_, *batteryInfo_, *deviceInfoCache_});
 }
 
 } // namespace lb

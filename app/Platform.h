@@ -8,6 +8,7 @@
 #include "linux/system/QtEventLoop.h"
 #include "linux/system/SpawnScriptRunner.h"
 #include "linux/battery/UPowerRegistry.h"
+#include "linux/desktop/DesktopSettingsPrograms.h"
 #include "linux/report/LinuxDiagnosticReporter.h"
 #include "linux/xdg/XdgScriptsFolder.h"
 #include "ui/TrayHost.h"
@@ -76,6 +77,7 @@ private:
   std::unique_ptr<Alerts> alerts_;
   IcuNameCollator collator_;
   LinuxOperatingSystem operatingSystem_;
+  DesktopSettingsPrograms desktopSettings_;
   XdgScriptsFolder scriptsFolder_;
   SpawnScriptRunner scriptRunner_;
   LinuxDiagnosticReporter reporter_{LinuxDiagnosticReporter::Sources::thisMachine()};

@@ -9,6 +9,7 @@
 #include "linux/bluez/BluezLowEnergyCentral.h"
 #include "linux/battery/LinuxBatterySources.h"
 #include "linux/battery/PropertyList.h"
+#include "linux/desktop/XembedTray.h"
 #include "scripting/ScriptingService.h"
 #include "linux/system/TerminationSignals.h"
 #include "ui/DesktopNotification.h"
@@ -67,7 +68,8 @@ bool hasDisplay() {
 // The tray the desktop offers, said in the log; without one, said to the
 // user in every way left.
 TrayHost::Kind findTray(const QDBusConnection& session, Tunables& tunables, bool display) {
-  const auto host = display ? TrayHost::find(session, tunables(tunable::TrayHostWaitInterval)) : TrayHost::Kind::none;
+  const auto host = display ? TrayHost::find(session, tunables(tunable::TrayHostWaitInterval), XembedTray::isClaimed)
+                            : TrayHost::Kind::none;
   PXR_LOG(launchLog(), "Tray:", TrayHost::describe(host));
   if (host != TrayHost::Kind::none) return host;
   const auto advice = TrayHost::missingAdvice(display);

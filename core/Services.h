@@ -9,6 +9,7 @@
 #include "foundation/PXRExpiringCache.h"
 #include "ports/Alerts.h"
 #include "ports/Bluetooth.h"
+#include "ports/DesktopSettings.h"
 #include "ports/EventLoop.h"
 #include "ports/Images.h"
 #include "ports/LoginItems.h"
@@ -40,6 +41,7 @@ struct Services {
   NameCollator& collator;
   Alerts& alerts;
   OperatingSystem& operatingSystem;
+  DesktopSettings& desktopSettings;
   UserDefaults& defaults;
   Tunables& tunables;
   OutputDeviceManager& outputDeviceManager;

@@ -8,9 +8,7 @@
 #include <QDialogButtonBox>
 #include <QLabel>
 #include <QListWidget>
-#include <QProcess>
 #include <QPushButton>
-#include <QStandardPaths>
 #include <QVBoxLayout>
 
 namespace lb {
@@ -126,18 +124,8 @@ void DeviceChooser::addChosen() {
   if (allAdded) accept();
 }
 
-// The first of the desktops' own Bluetooth settings that is installed.
 void DeviceChooser::openBluetoothSettings() {
-  const std::pair<const char*, QStringList> candidates[] = {
-      {"gnome-control-center", {"bluetooth"}},
-      {"systemsettings", {"kcm_bluetooth"}},
-      {"blueman-manager", {}},
-      {"blueberry", {}},
-  };
-  for (const auto& [program, arguments] : candidates) {
-    const auto path = QStandardPaths::findExecutable(program);
-    if (!path.isEmpty() && QProcess::startDetached(path, arguments)) return;
-  }
+  if (services_.desktopSettings.openBluetoothSettings()) return;
   message_->setText(uiText("No Bluetooth settings program was found. Pair the device in a terminal with "
                            "bluetoothctl (scan on, then pair and trust its address), and it appears here."));
   message_->show();

@@ -5,13 +5,8 @@
 #include <QDBusConnectionInterface>
 #include <QDBusServiceWatcher>
 #include <QEventLoop>
-#include <QGuiApplication>
 #include <QSystemTrayIcon>
 #include <QTimer>
-
-#include <xcb/xcb.h>
-
-#include <memory>
 
 namespace lb {
 
@@ -19,21 +14,6 @@ namespace {
 
 bool hasWatcher(const QDBusConnection& session) {
   return session.isConnected() && session.interface()->isServiceRegistered(TrayHost::watcherService);
-}
-
-// Whether an XEmbed tray owns its selection on the X display, asked of the
-// X server directly: asking Qt would fix its StatusNotifierItem choice now.
-bool hasXembedTray() {
-  auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-  if (!x11) return false;
-  auto* connection = x11->connection();
-  const char name[] = "_NET_SYSTEM_TRAY_S0";
-  std::unique_ptr<xcb_intern_atom_reply_t, decltype(&free)> atom(
-      xcb_intern_atom_reply(connection, xcb_intern_atom(connection, 1, sizeof name - 1, name), nullptr), &free);
-  if (!atom || atom->atom == XCB_NONE) return false;
-  std::unique_ptr<xcb_get_selection_owner_reply_t, decltype(&free)> owner(
-      xcb_get_selection_owner_reply(connection, xcb_get_selection_owner(connection, atom->atom), nullptr), &free);
-  return owner && owner->owner != XCB_NONE;
 }
 
 bool awaitWatcher(const QDBusConnection& session, Seconds wait) {
@@ -49,7 +29,8 @@ bool awaitWatcher(const QDBusConnection& session, Seconds wait) {
 
 } // namespace
 
-TrayHost::Kind TrayHost::find(const QDBusConnection& session, Seconds wait) {
+TrayHost::Kind TrayHost::find(const QDBusConnection& session, Seconds wait,
+                              const std::function<bool()>& hasXembedTray) {
   if (hasWatcher(session)) return Kind::statusNotifierItem;
   if (!hasXembedTray() && awaitWatcher(session, wait)) return Kind::statusNotifierItem;
   return QSystemTrayIcon::isSystemTrayAvailable() ? Kind::xembed : Kind::none;

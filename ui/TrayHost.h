@@ -4,6 +4,7 @@
 
 #include <QDBusConnection>
 
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -20,8 +21,8 @@ struct TrayHost {
   static constexpr const char* watcherService = "org.kde.StatusNotifierWatcher";
 
   // Asked of a GUI application on a display; the caller knows whether it
-  // has one.
-  static Kind find(const QDBusConnection& session, Seconds wait);
+  // has one, and how to see an XEmbed tray there.
+  static Kind find(const QDBusConnection& session, Seconds wait, const std::function<bool()>& hasXembedTray);
   // "StatusNotifierItem over D-Bus", "XEmbed system tray", "no tray"
   static std::string describe(Kind kind);
   // Why there are no tray icons and how to get them, in English: the key of

@@ -9,6 +9,7 @@
 #include "sim/SimBluetooth.h"
 #include "sim/SimImages.h"
 #include "sim/SimLoginItems.h"
+#include "sim/SimDesktopSettings.h"
 #include "sim/SimOperatingSystem.h"
 #include "sim/SimScriptRunner.h"
 #include "sim/SimScriptsFolder.h"
@@ -60,6 +61,7 @@ struct SimulatedPlatform {
                     collator,
                     alerts,
                     operatingSystem,
+                    desktopSettings,
                     defaults,
                     tunables,
                     outputDeviceManager,
@@ -84,6 +86,7 @@ struct SimulatedPlatform {
   SimpleNameCollator collator;
   SimAlerts alerts;
   SimOperatingSystem operatingSystem;
+  SimDesktopSettings desktopSettings;
   SimAudioSystem audio;
   AudioHardware audioHardware{audio, loop};
   OutputDeviceManager outputDeviceManager{audioHardware, tunables};

@@ -377,6 +377,9 @@ TEST_F(PreferencesWindowTest, RemovingAsksThenTakesTheItemAndShortcutAndAnEmptyL
   EXPECT_TRUE(find<QLabel>("message", chooser)->text().startsWith("Every paired device is in Lanternbud already."));
   expectNothingCut(chooser);
   EXPECT_TRUE(find<QPushButton>("bluetoothSettings", chooser)->isVisible());
+  sim.desktopSettings.installed = false;
+  click("bluetoothSettings", chooser);
+  EXPECT_TRUE(find<QLabel>("message", chooser)->text().startsWith("No Bluetooth settings program was found."));
 }
 
 // Where BlueZ is not running, the devices have no names, and the chooser
