@@ -105,11 +105,13 @@ void DeviceSetting::setIcon(MenuBarIconOption newIcon) {
   if (newIcon == icon()) return;
   options_.set(deviceOption::icon, std::string(rawValue(newIcon)));
   updateButtonImage();
+  optionsChanged();
 }
 
 void DeviceSetting::setShowBatteryLevel(bool value) {
   options_.set(deviceOption::showBatteryLevel, value);
   updateButtonImage();
+  optionsChanged();
 }
 
 void DeviceSetting::setActive(bool active) {
@@ -120,7 +122,12 @@ void DeviceSetting::setActive(bool active) {
   } else {
     removeStatusItem();
   }
-  if (registry_) registry_->noteChange(this);
+  optionsChanged();
+}
+
+// What the user chose is saved at once.
+void DeviceSetting::optionsChanged() {
+  if (registry_) registry_->optionsChanged(*this);
 }
 
 void DeviceSetting::setupStatusItem() {

@@ -71,18 +71,28 @@ public:
   // An inactive device has no tray item and no shortcut.
   void setActive(bool active);
   bool connectionOnlyMode() const { return options_.option(deviceOption::connectOnlyMode, false); }
-  void setConnectionOnlyMode(bool value) { options_.set(deviceOption::connectOnlyMode, value); }
+  void setConnectionOnlyMode(bool value) {
+    options_.set(deviceOption::connectOnlyMode, value);
+    optionsChanged();
+  }
   bool keepDefaultAudioInput() const { return options_.option(deviceOption::keepDefaultAudioInput, false); }
-  void setKeepDefaultAudioInput(bool value) { options_.set(deviceOption::keepDefaultAudioInput, value); }
+  void setKeepDefaultAudioInput(bool value) {
+    options_.set(deviceOption::keepDefaultAudioInput, value);
+    optionsChanged();
+  }
   bool runShellScriptAfterConnected() const {
     return options_.option(deviceOption::runShellScriptAfterConnected, false);
   }
-  void setRunShellScriptAfterConnected(bool value) { options_.set(deviceOption::runShellScriptAfterConnected, value); }
+  void setRunShellScriptAfterConnected(bool value) {
+    options_.set(deviceOption::runShellScriptAfterConnected, value);
+    optionsChanged();
+  }
   bool runShellScriptAfterDisconnected() const {
     return options_.option(deviceOption::runShellScriptAfterDisconnected, false);
   }
   void setRunShellScriptAfterDisconnected(bool value) {
     options_.set(deviceOption::runShellScriptAfterDisconnected, value);
+    optionsChanged();
   }
   bool showBatteryLevel() const { return options_.option(deviceOption::showBatteryLevel, false); }
   void setShowBatteryLevel(bool value);
@@ -191,6 +201,7 @@ private:
   std::optional<std::string> knownName() const;
   DeviceSetting(Services& services, SettingsValue::Dictionary options, DeviceSettingManager* registry);
   void start();
+  void optionsChanged();
   // `wanted` none: the other state.
   ConnectionOutcome request(std::optional<bool> wanted, const std::optional<StatusItemClick>& click = std::nullopt,
                             bool evenInConnectOnlyMode = false);

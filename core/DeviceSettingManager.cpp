@@ -2,6 +2,7 @@
 
 #include "core/LogAreas.h"
 #include "core/SettingKeys.h"
+#include "foundation/BluetoothAddress.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -10,15 +11,6 @@
 namespace lb {
 
 using namespace std::chrono_literals;
-
-namespace {
-
-std::optional<std::string> addressOf(const std::shared_ptr<BluetoothDevice>& device) {
-  if (!device) return std::nullopt;
-  return device->addressString();
-}
-
-} // namespace
 
 DeviceSettingManager::DeviceSettingManager(Services& services)
     : services_(services), scriptSaver_(services.scriptsFolder, services.defaults) {
@@ -116,13 +108,15 @@ void DeviceSettingManager::giveValidIDs(std::vector<SettingsValue::Dictionary>& 
   }
 }
 
-void DeviceSettingManager::synchronize() {
+Result<> DeviceSettingManager::synchronize() {
   SettingsValue::Array devices;
   for (const auto& setting : list_) {
     if (auto name = setting->deviceName()) setting->storeDeviceName(*name);
     devices.emplace_back(setting->options());
   }
   services_.defaults.setValue("devices", std::move(devices));
+  if (auto problem = services_.defaults.saveProblem()) return Failure{*problem};
+  return {};
 }
 
 void DeviceSettingManager::sort() {
@@ -139,29 +133,51 @@ void DeviceSettingManager::sort() {
   }
 }
 
-std::shared_ptr<DeviceSetting> DeviceSettingManager::add(const BluetoothDevice& device) {
-  const std::optional<std::string> address = device.addressString();
+bool DeviceSettingManager::holds(const DeviceSetting& setting, std::string_view address) {
+  return sameBluetoothAddress(setting.storedAddress().value_or(""), address);
+}
+
+DeviceSetting* DeviceSettingManager::find(std::string_view address) const {
   for (const auto& setting : list_) {
-    if (addressOf(setting->device()) == address) return nullptr;
+    if (holds(*setting, address)) return setting.get();
   }
-  auto setting = DeviceSetting::make(services_, device, maxDeviceID_, this);
+  return nullptr;
+}
+
+auto DeviceSettingManager::add(const std::string& text) -> Result<DeviceSetting&, AddError> {
+  const auto address = BluetoothAddress::parse(text);
+  if (!address) return AddError::invalid;
+  if (find(text)) return AddError::alreadyAdded;
+  auto device = services_.bluetooth.deviceWithAddressString(address->toString());
+  if (!device) return AddError::unknown;
+  auto setting = DeviceSetting::make(services_, *device, maxDeviceID_, this);
   list_.push_back(setting);
   sort();
   ++maxDeviceID_;
   setting->setupStatusItem();
   noteChange();
-  return setting;
+  if (!synchronize()) return AddError::notSaved;
+  return *setting;
 }
 
-void DeviceSettingManager::remove(std::size_t index) {
-  auto setting = list_.at(index);
+auto DeviceSettingManager::remove(std::int64_t deviceID) -> Result<void, RemoveError> {
+  const auto found = std::find_if(list_.begin(), list_.end(),
+                                  [deviceID](const auto& setting) { return setting->deviceID() == deviceID; });
+  if (found == list_.end()) return RemoveError::unknown;
+  const auto setting = *found;
   setting->removeStatusItem();
-  for (auto type : allScriptTypes) scriptSaver_.cleanUp(setting->deviceID(), type);
-  list_.erase(list_.begin() + static_cast<std::ptrdiff_t>(index));
-  sort();
+  for (auto type : allScriptTypes) scriptSaver_.cleanUp(deviceID, type);
+  list_.erase(found);
   services_.defaults.removeValue(setting->shortCutKey());
   services_.defaults.removeValue(setting->oldShortCutKey());
   noteChange();
+  if (!synchronize()) return RemoveError::notSaved;
+  return {};
+}
+
+void DeviceSettingManager::optionsChanged(const DeviceSetting& setting) {
+  noteChange(&setting);
+  synchronize();
 }
 
 void DeviceSettingManager::updateItemIcon() {
@@ -186,9 +202,9 @@ void DeviceSettingManager::deviceConnected(const BluetoothNotification& notifica
     return;
   }
   PXR_LOG(bluetoothNotificationsLog(), "Device connected:", notification, "device:", *device);
-  const auto address = addressOf(device);
+  // Every setting of it: a saved list may hold one address twice.
   for (const auto& setting : list_) {
-    if (addressOf(setting->device()) == address) setting->deviceConnected(notification);
+    if (holds(*setting, device->addressString())) setting->deviceConnected(notification);
   }
 }
 

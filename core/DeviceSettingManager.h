@@ -35,13 +35,26 @@ public:
   bool firstLaunch() const { return firstLaunch_; }
 
   // Writes every device's options, with its current name, under "devices".
-  void synchronize();
+  // Fails when the settings cannot be written; the settings say why.
+  Result<> synchronize();
 
-  // Adds a device unless its address is registered already; then nothing.
-  std::shared_ptr<DeviceSetting> add(const BluetoothDevice& device);
-  // Removes the device at `index` with its tray item, scripts and shortcut.
-  // The saved list changes at the next save.
-  void remove(std::size_t index);
+  // Why a device was not added, or not kept: its address does not read as
+  // one, the system knows no device there, it is in the list already, or it
+  // was added but the list could not be saved (it is in the list until the
+  // program quits, and the next save that works keeps it).
+  enum class AddError { invalid, unknown, alreadyAdded, notSaved };
+  // Adds the paired device at `address`, written in any form an address is
+  // read in, with its tray item, and saves the list.
+  Result<DeviceSetting&, AddError> add(const std::string& address);
+  enum class RemoveError { unknown, notSaved };
+  // Removes the device with this ID, with its tray item, scripts and
+  // shortcut, and saves the list.
+  Result<void, RemoveError> remove(std::int64_t deviceID);
+  // The added device at `address`, written in any form; none when there is
+  // none, or the text is no address.
+  DeviceSetting* find(std::string_view address) const;
+  // Saves after a change to the options of one of the devices.
+  void optionsChanged(const DeviceSetting& setting);
 
   // Orders the list by name as the user's language does, ignoring case;
   // equal names keep their order, and a device without a name goes by ID.
@@ -70,6 +83,8 @@ public:
   void noteChange(const DeviceSetting* changed = nullptr) const { listeners_.notify(changed); }
 
 private:
+  // The one comparison of addresses: the same device however either is written.
+  static bool holds(const DeviceSetting& setting, std::string_view address);
   void checkMigration();
   void load();
   void giveValidIDs(std::vector<SettingsValue::Dictionary>& entries);

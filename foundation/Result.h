@@ -1,7 +1,9 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <variant>
 
@@ -12,33 +14,42 @@ struct Failure {
   std::string reason;
 };
 
-// What an operation that can fail gives back: its value, or its failure.
-// Tests as true when it succeeded.
-template <class T = void>
+// What an operation that can fail gives back: its value, or why it failed
+// (in words, or as an error code of its own, `E`). A value may be a
+// reference to something the callee keeps. Tests as true when it succeeded.
+template <class T = void, class E = Failure>
 class Result {
-public:
-  Result(T value) : outcome_(std::move(value)) {}
-  Result(Failure failure) : outcome_(std::move(failure)) {}
+  using Stored = std::conditional_t<std::is_reference_v<T>, std::reference_wrapper<std::remove_reference_t<T>>, T>;
 
-  explicit operator bool() const { return std::holds_alternative<T>(outcome_); }
-  const T& value() const { return std::get<T>(outcome_); }
-  const Failure& failure() const { return std::get<Failure>(outcome_); }
+public:
+  Result(T value) : outcome_(std::in_place_index<0>, static_cast<T&&>(value)) {}
+  Result(E failure) : outcome_(std::in_place_index<1>, std::move(failure)) {}
+
+  explicit operator bool() const { return outcome_.index() == 0; }
+  decltype(auto) value() const {
+    if constexpr (std::is_reference_v<T>) {
+      return std::get<0>(outcome_).get();
+    } else {
+      return static_cast<const T&>(std::get<0>(outcome_));
+    }
+  }
+  const E& failure() const { return std::get<1>(outcome_); }
 
 private:
-  std::variant<T, Failure> outcome_;
+  std::variant<Stored, E> outcome_;
 };
 
-template <>
-class Result<void> {
+template <class E>
+class Result<void, E> {
 public:
   Result() = default;
-  Result(Failure failure) : failure_(std::move(failure)) {}
+  Result(E failure) : failure_(std::move(failure)) {}
 
   explicit operator bool() const { return !failure_; }
-  const Failure& failure() const { return *failure_; }
+  const E& failure() const { return *failure_; }
 
 private:
-  std::optional<Failure> failure_;
+  std::optional<E> failure_;
 };
 
 } // namespace lb

@@ -76,12 +76,12 @@
         <translation>Bluetooth-Adresse</translation>
     </message>
     <message>
-        <source>This computer knows no Bluetooth device at %@. Pair the device in your desktop’s Bluetooth settings first, then add it here.</source>
-        <translation>Dieser Computer kennt kein Bluetooth-Gerät mit der Adresse %@. Koppeln Sie das Gerät zuerst in den Bluetooth-Einstellungen Ihrer Arbeitsumgebung und fügen Sie es dann hier hinzu.</translation>
-    </message>
-    <message>
         <source>The device has already been added.</source>
         <translation>Das Gerät wurde bereits hinzugefügt.</translation>
+    </message>
+    <message>
+        <source>This computer knows no Bluetooth device at %@. Pair the device in your desktop’s Bluetooth settings first, then add it here.</source>
+        <translation>Dieser Computer kennt kein Bluetooth-Gerät mit der Adresse %@. Koppeln Sie das Gerät zuerst in den Bluetooth-Einstellungen Ihrer Arbeitsumgebung und fügen Sie es dann hier hinzu.</translation>
     </message>
     <message>
         <source>Run this script after &amp;connecting:</source>

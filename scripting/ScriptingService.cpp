@@ -152,51 +152,48 @@ void ScriptingService::fail(const char* error, const QString& message) {
   sendErrorReply(QString(bus::errorPrefix) + error, message);
 }
 
-// Saved at once: a device added from a script is not lost if the program is.
 QDBusObjectPath ScriptingService::addDevice(const QString& text) {
   auto* registry = app_.deviceSettingManager();
-  const auto address = BluetoothAddress::parse(text.toStdString());
   if (!registry) {
     fail("Starting", "Lanternbud is still starting; try again in a moment.");
     return {};
   }
-  if (!address) {
+  const auto address = text.toStdString();
+  const auto added = registry->add(address);
+  if (added) return QDBusObjectPath(devicePath(added.value().deviceID()));
+  // As BlueZ writes it, once it reads as an address.
+  const auto parsed = BluetoothAddress::parse(address);
+  const auto written = parsed ? QString::fromStdString(parsed->toString()) : text;
+  switch (added.failure()) {
+  case DeviceSettingManager::AddError::invalid:
     fail("InvalidAddress",
          "\"" + quoted(text) +
              "\" is not a Bluetooth address: six pairs of hexadecimal digits, as in 00:1B:66:AA:BB:CC.");
-    return {};
-  }
-  const auto written = QString::fromStdString(address->toString());
-  auto device = services_.bluetooth.deviceWithAddressString(address->toString());
-  if (!device) {
+    break;
+  case DeviceSettingManager::AddError::unknown:
     fail("UnknownDevice",
          "The system knows no Bluetooth device at " + written + "; pair it first (bluetoothctl pair " + written + ").");
-    return {};
+    break;
+  case DeviceSettingManager::AddError::alreadyAdded:
+    fail("AlreadyAdded",
+         written + " is already added, as device " + QString::number(registry->find(address)->deviceID()) + ".");
+    break;
+  case DeviceSettingManager::AddError::notSaved: {
+    const auto& setting = *registry->find(address);
+    reportedNotSaved(QString::fromStdString(setting.deviceName().value_or(written.toStdString())) +
+                     " added as device " + QString::number(setting.deviceID()));
+    break;
   }
-  for (const auto& setting : registry->deviceSettingList()) {
-    if (sameBluetoothAddress(setting->scriptingAddress().value_or(""), address->toString())) {
-      fail("AlreadyAdded", written + " is already added, as device " + QString::number(setting->deviceID()) + ".");
-      return {};
-    }
   }
-  auto added = registry->add(*device);
-  registry->synchronize();
-  if (reportedNotSaved(QString::fromStdString(added->deviceName().value_or(address->toString())) + " added as device " +
-                       QString::number(added->deviceID()))) {
-    return {};
-  }
-  return QDBusObjectPath(devicePath(added->deviceID()));
+  return {};
 }
 
 void ScriptingService::removeDevice(const QDBusObjectPath& path) {
   if (auto* registry = app_.deviceSettingManager()) {
-    const auto& list = registry->deviceSettingList();
-    for (std::size_t index = 0; index < list.size(); ++index) {
-      if (devicePath(list[index]->deviceID()) != path.path()) continue;
-      const auto name = QString::fromStdString(list[index]->deviceName().value_or("The device"));
-      registry->remove(index);
-      registry->synchronize();
-      reportedNotSaved(name + " removed");
+    for (const auto& setting : registry->deviceSettingList()) {
+      if (devicePath(setting->deviceID()) != path.path()) continue;
+      const auto name = QString::fromStdString(setting->deviceName().value_or("The device"));
+      if (!registry->remove(setting->deviceID())) reportedNotSaved(name + " removed");
       return;
     }
   }

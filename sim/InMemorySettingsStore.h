@@ -3,6 +3,7 @@
 #include "foundation/SettingsStore.h"
 
 #include <mutex>
+#include <optional>
 
 namespace lb {
 
@@ -26,6 +27,15 @@ public:
     std::lock_guard lock(mutex_);
     values_.erase(key);
   }
+
+  std::optional<std::string> saveProblem() const override {
+    std::lock_guard lock(mutex_);
+    return unwritable;
+  }
+
+  // The world's side: while set, every change stays in memory only, and
+  // this is why.
+  std::optional<std::string> unwritable;
 
 private:
   mutable std::mutex mutex_;

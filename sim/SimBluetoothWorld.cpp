@@ -1,5 +1,7 @@
 #include "sim/SimBluetoothWorld.h"
 
+#include "foundation/BluetoothAddress.h"
+
 namespace lb {
 
 class SimBluetoothWorld::Registration final : public NotificationRegistration {
@@ -72,8 +74,13 @@ void SimBluetoothWorld::setConnected(const std::string& address, bool connected)
 
 std::shared_ptr<SimBluetoothDevice> SimBluetoothWorld::device(const std::string& address) const {
   std::lock_guard lock(mutex_);
+  // As BlueZ, in any spelling of the address.
   auto found = devices_.find(address);
-  return found == devices_.end() ? nullptr : found->second;
+  if (found != devices_.end()) return found->second;
+  for (const auto& [known, device] : devices_) {
+    if (sameBluetoothAddress(known, address)) return device;
+  }
+  return nullptr;
 }
 
 std::unique_ptr<NotificationRegistration> SimBluetoothWorld::subscribe(std::optional<std::string> address,

@@ -69,16 +69,17 @@ void AddByAddressDialog::add() {
     problem_->show();
     adjustSize(); // taller by the message's lines
   };
-  auto device = services_.bluetooth.deviceWithAddressString(*address);
-  if (!device) {
-    return say(formatted(localized("This computer knows no Bluetooth device at %@. Pair the device in your "
-                                   "desktop’s Bluetooth settings first, then add it here."),
-                         *address));
+  // Added but not saved is added: the window says that nothing is saved.
+  const auto outcome = registry_.add(*address);
+  using enum DeviceSettingManager::AddError;
+  if (outcome || outcome.failure() == notSaved) {
+    emit added(registry_.find(*address)->deviceID());
+    return accept();
   }
-  auto setting = registry_.add(*device);
-  if (!setting) return say(localized("The device has already been added."));
-  emit added(setting->deviceID());
-  accept();
+  if (outcome.failure() == alreadyAdded) return say(localized("The device has already been added."));
+  say(formatted(localized("This computer knows no Bluetooth device at %@. Pair the device in your desktop’s "
+                          "Bluetooth settings first, then add it here."),
+                *address));
 }
 
 } // namespace lb

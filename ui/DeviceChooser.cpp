@@ -1,7 +1,6 @@
 #include "ui/DeviceChooser.h"
 
 #include "core/DeviceSettingManager.h"
-#include "foundation/BluetoothAddress.h"
 #include "ui/TrayImage.h"
 #include "ui/UiText.h"
 
@@ -16,13 +15,6 @@ namespace lb {
 namespace {
 
 constexpr int addressRole = Qt::UserRole;
-
-bool isAdded(const DeviceSettingManager& registry, const std::string& address) {
-  for (const auto& setting : registry.deviceSettingList()) {
-    if (auto stored = setting->scriptingAddress(); stored && sameBluetoothAddress(*stored, address)) return true;
-  }
-  return false;
-}
 
 } // namespace
 
@@ -80,7 +72,7 @@ void DeviceChooser::refresh() {
   const auto paired = services_.bluetooth.pairedDevices();
   list_->clear();
   for (const auto& device : paired) {
-    if (device.address.empty() || isAdded(registry_, device.address)) continue;
+    if (device.address.empty() || registry_.find(device.address)) continue;
     const auto picture = services_.images.named(std::string(rawValue(iconForClassOfDevice(device.classOfDevice))));
     const auto name = device.name.empty() ? device.address : device.name;
     auto* item = new QListWidgetItem(TrayImage::iconOf(picture, ink),
@@ -110,15 +102,16 @@ void DeviceChooser::addChosen() {
   if (chosen.isEmpty()) return;
   bool allAdded = true;
   for (const auto* item : chosen) {
-    auto device = services_.bluetooth.deviceWithAddressString(item->data(addressRole).toString().toStdString());
-    auto setting = device ? registry_.add(*device) : nullptr;
-    if (setting) {
-      emit added(setting->deviceID());
+    const auto address = item->data(addressRole).toString().toStdString();
+    const auto outcome = registry_.add(address);
+    using enum DeviceSettingManager::AddError;
+    if (outcome || outcome.failure() == notSaved) { // the window says that nothing is saved
+      emit added(registry_.find(address)->deviceID());
       continue;
     }
     allAdded = false;
-    message_->setText(device ? uiText("The device has already been added.")
-                             : uiText("The device is no longer paired with this computer."));
+    message_->setText(outcome.failure() == alreadyAdded ? uiText("The device has already been added.")
+                                                        : uiText("The device is no longer paired with this computer."));
     message_->show();
   }
   if (allAdded) accept();

@@ -119,7 +119,7 @@ DeviceListPane::DeviceListPane(DeviceSettingManager& registry, Services& service
   connect(picker_, &IconPicker::chosen, this, [this](MenuBarIconOption option) {
     if (auto setting = selectedDeviceSetting()) {
       setting->setIcon(option);
-      save();
+      emit saved();
     }
   });
 
@@ -131,7 +131,7 @@ DeviceListPane::DeviceListPane(DeviceSettingManager& registry, Services& service
     connect(box, &QCheckBox::clicked, this, [this, set](bool on) {
       if (auto setting = selectedDeviceSetting()) {
         ((*setting).*set)(on);
-        save();
+        emit saved();
       }
     });
     switches_.push_back({box, get, set});
@@ -308,7 +308,7 @@ void DeviceListPane::openAdvancedSheet() {
   if (!setting) return;
   auto* sheet = new AdvancedSheet(setting, services_, this);
   sheet->setAttribute(Qt::WA_DeleteOnClose);
-  connect(sheet, &AdvancedSheet::scriptsChanged, this, &DeviceListPane::save);
+  connect(sheet, &AdvancedSheet::scriptsChanged, this, &DeviceListPane::saved);
   sheet->open();
 }
 
@@ -335,7 +335,7 @@ void DeviceListPane::addNewDeviceManually() {
 void DeviceListPane::added(std::int64_t deviceID) {
   reload();
   select(deviceID);
-  save();
+  emit saved();
 }
 
 // Asks first, naming what goes with the device; then the neighbouring row
@@ -364,9 +364,9 @@ void DeviceListPane::removeSelectedDevice() {
     const auto found = std::find(devices.begin(), devices.end(), weak.lock());
     if (found == devices.end()) return; // removed meanwhile
     const int row = static_cast<int>(found - devices.begin());
-    registry_.remove(static_cast<std::size_t>(row));
+    registry_.remove((*found)->deviceID());
     selectRow(row); // the next one, or the last
-    save();
+    emit saved();
     offerChooserWhenEmpty();
   });
   question->open();
@@ -381,11 +381,6 @@ void DeviceListPane::changeEvent(QEvent* event) {
   if (event->type() != QEvent::PaletteChange) return;
   iconButton_->setProperty("icon", QVariant());
   reload(); // new rows, new pictures
-}
-
-void DeviceListPane::save() {
-  registry_.synchronize();
-  emit saved();
 }
 
 } // namespace lb

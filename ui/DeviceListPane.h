@@ -71,7 +71,6 @@ private:
   void deviceChanged(const DeviceSetting* changed);
   void openAdvancedSheet();
   void added(std::int64_t deviceID);
-  void save();
 
   DeviceSettingManager& registry_;
   Services& services_;

@@ -22,8 +22,7 @@ std::vector<std::int64_t> idsOf(const DeviceSettingManager& registry) {
 
 } // namespace
 
-// IDs missing, repeated or out of range get fresh ones; a registered
-// address is not added again.
+// IDs missing, repeated or out of range get fresh ones.
 TEST(DeviceSettingManager, LoadsSavedDevicesAndGivesOutTheNextID) {
   const SettingsValue::Dictionary noID{{"device", "g"}}, textID{{"deviceID", "7"}, {"device", "h"}};
   InMemorySettingsStore store(
@@ -34,9 +33,41 @@ TEST(DeviceSettingManager, LoadsSavedDevicesAndGivesOutTheNextID) {
   EXPECT_EQ(idsOf(registry), (std::vector<std::int64_t>{1, 5, 3, 6, 7, 8, 9, 10})); // saved order until a change
   EXPECT_FALSE(registry.firstLaunch());
   EXPECT_EQ(store.value("currentSettingVersion"), SettingsValue("2.8.2"));
-  EXPECT_EQ(registry.add(sim.world.addDevice("a", "Mouse", 5)), nullptr);
-  EXPECT_EQ(registry.add(sim.world.addDevice("new", "New", 5))->deviceID(), 11);
+  sim.world.addDevice("00:1B:66:00:00:0B", "New", 5);
+  EXPECT_EQ(registry.add("00:1B:66:00:00:0B").value().deviceID(), 11);
   EXPECT_EQ(registry.maxDeviceID(), 12);
+}
+
+// Every door (the window, the chooser, the bus) adds and removes through
+// these, and is told the same outcomes; each change is saved at once.
+TEST(DeviceSettingManager, AddAndRemoveSayWhatWentWrongAndSaveAtOnce) {
+  using enum DeviceSettingManager::AddError;
+  InMemorySettingsStore store;
+  SimulatedPlatform sim(store);
+  sim.world.addDevice("00:1B:66:00:00:01", "Mouse", 5);
+  sim.world.addDevice("00-1b-66-00-00-02", "Keyboard", 5);
+  DeviceSettingManager registry(sim.services);
+  auto saved = [&] { return store.value("devices")->as<SettingsValue::Array>()->size(); };
+
+  EXPECT_EQ(registry.add("00:1B:66:00:00").failure(), invalid);
+  EXPECT_EQ(registry.add("00:1B:66:00:00:09").failure(), unknown);
+  auto& mouse = registry.add("00-1b-66-00-00-01").value();
+  EXPECT_EQ(saved(), 1u);
+  EXPECT_EQ(registry.add("00:1B:66:00:00:01").failure(), alreadyAdded); // however it is written
+  EXPECT_EQ(registry.find("00_1B_66_00_00_01"), &mouse);
+  EXPECT_EQ(registry.find("not an address"), nullptr);
+
+  store.unwritable = "the disk is full";
+  EXPECT_EQ(registry.add("00:1B:66:00:00:02").failure(), notSaved);
+  EXPECT_EQ(registry.deviceSettingList().size(), 2u); // kept until the program quits
+  EXPECT_EQ(registry.remove(mouse.deviceID()).failure(), DeviceSettingManager::RemoveError::notSaved);
+  store.unwritable.reset();
+  EXPECT_EQ(registry.remove(99).failure(), DeviceSettingManager::RemoveError::unknown);
+  registry.deviceSettingList()[0]->setConnectionOnlyMode(true); // a user's choice is saved too
+  EXPECT_EQ(saved(), 1u);
+  EXPECT_EQ(
+      store.value("devices")->as<SettingsValue::Array>()->at(0).as<SettingsValue::Dictionary>()->at("connectOnlyMode"),
+      SettingsValue(true));
 }
 
 // Kept aside, each under a key of its own: the save at quit writes this
@@ -71,7 +102,7 @@ TEST(DeviceSettingManager, SortsByNameIgnoringCaseAndKeepsEqualNamesInOrder) {
   EXPECT_EQ(idsOf(registry), (std::vector<std::int64_t>{2, 3, 1, 4, 9}));
 }
 
-TEST(DeviceSettingManager, RemovingDeletesScriptsAndShortcutKeysButNotTheSavedList) {
+TEST(DeviceSettingManager, RemovingDeletesScriptsAndShortcutKeys) {
   const SettingsValue devices = SettingsValue::Array{saved(1, "a"), saved(2, "b")};
   InMemorySettingsStore store(
       {{"devices", devices}, {"shortcutDictForDevice2", SettingsValue::Dictionary{}}, {"shortcutForDevice2", "old"}});
@@ -82,16 +113,15 @@ TEST(DeviceSettingManager, RemovingDeletesScriptsAndShortcutKeysButNotTheSavedLi
   DeviceSettingManager registry(sim.services);
   for (const auto& setting : registry.deviceSettingList()) setting->setupStatusItem();
 
-  registry.remove(1);
+  ASSERT_TRUE(registry.remove(2));
   EXPECT_EQ(idsOf(registry), std::vector<std::int64_t>{1});
   EXPECT_EQ(sim.scriptsFolder.files, (std::map<std::string, std::string>{{"1.connected", "z"}}));
   EXPECT_FALSE(store.value("shortcutDictForDevice2"));
   EXPECT_FALSE(store.value("shortcutForDevice2"));
-  EXPECT_EQ(store.value("devices"), devices); // until the next save
 
   // In a sandbox without a usable grant the files stay, and nothing is asked.
   sim.scriptsFolder.grantNeeded = true;
-  registry.remove(0);
+  registry.remove(1);
   EXPECT_EQ(sim.scriptsFolder.files.size(), 1u);
   EXPECT_TRUE(sim.scriptsFolder.prompts.empty());
 }
@@ -108,7 +138,9 @@ TEST(DeviceSettingManager, AddingShowsTheWelcomeOnceListenersHearOfEachChangeAnd
   std::set<const DeviceSetting*> changed;
   auto listening = registry->addChangeListener([&](const DeviceSetting* device) { changed.insert(device); });
   auto other = registry->addChangeListener([](const DeviceSetting*) {});
-  const auto* keyboard = registry->add(sim.world.addDevice("a", "Keyboard", 5)).get();
+  sim.world.addDevice("00:1B:66:00:00:01", "Keyboard", 5);
+  sim.world.addDevice("00:1B:66:00:00:02", "Mouse", 5);
+  const auto* keyboard = &registry->add("00:1B:66:00:00:01").value();
   const auto shortcut = keyboard->shortCutKey();
   EXPECT_TRUE(changed.contains(nullptr));
   sim.loop.advance(0.49);
@@ -116,14 +148,14 @@ TEST(DeviceSettingManager, AddingShowsTheWelcomeOnceListenersHearOfEachChangeAnd
   sim.loop.advance(0.01);
   ASSERT_EQ(sim.windows.landingShownUnder.size(), 1u);
   EXPECT_EQ(sim.windows.landingShownUnder[0], sim.statusBar.items()[0]);
-  registry->add(sim.world.addDevice("b", "Mouse", 5));
+  registry->add("00:1B:66:00:00:02");
   changed.clear();
-  sim.world.setConnected("a", true);
+  sim.world.setConnected("00:1B:66:00:00:01", true);
   sim.loop.advance(1);
   EXPECT_EQ(changed, std::set<const DeviceSetting*>{keyboard});
   EXPECT_EQ(sim.windows.landingShownUnder.size(), 1u);
   changed.clear();
-  registry->remove(1);
+  registry->remove(2);
   EXPECT_TRUE(changed.contains(nullptr));
   EXPECT_TRUE(sim.shortcuts.isBound(shortcut));
 

@@ -17,7 +17,7 @@ struct SimulatedDevice {
     sim.world.addDevice(address, std::move(name), majorClass);
     device = sim.world.device(address);
     registry = std::make_unique<DeviceSettingManager>(sim.services);
-    setting = registry->add(*device);
+    setting = registry->add(address).value().shared_from_this();
     sim.loop.runDue();
   }
 

@@ -235,7 +235,7 @@ TEST_F(PreferencesWindowTest, TheListShowsTheDevicesWhoseOptionsApplyAndAreSaved
   EXPECT_FALSE(sim.defaults.object("TrayIconColor"));
 
   // A change from elsewhere (a script renaming, adding) shows at once.
-  registry->add(*sim.bluetooth.deviceWithAddressString(mouseAddress));
+  registry->add(mouseAddress);
   EXPECT_EQ(rows(), (QStringList{"Lantern Headset", "Lantern Keyboard", "Lantern Mouse"}));
   EXPECT_EQ(find<QLabel>("deviceLabel")->text(), "Lantern Keyboard");
 }
@@ -324,7 +324,7 @@ TEST_F(PreferencesWindowTest, InADarkPaletteEveryPictureTakesTheTextColour) {
 
 TEST_F(PreferencesWindowTest, RemovingAsksThenTakesTheItemAndShortcutAndAnEmptyListOffersTheChooser) {
   open();
-  registry->add(*sim.bluetooth.deviceWithAddressString(mouseAddress));
+  registry->add(mouseAddress);
   auto askToRemove = [&](std::int64_t deviceID) {
     window->present(deviceID);
     click("remove");
@@ -348,7 +348,7 @@ TEST_F(PreferencesWindowTest, RemovingAsksThenTakesTheItemAndShortcutAndAnEmptyL
   EXPECT_FALSE(store.value("shortcutForDevice1"));
   EXPECT_EQ(savedDevice(0).at("deviceID"), SettingsValue(std::int64_t{2}));
 
-  registry->remove(1);
+  registry->remove(3); // the mouse
   question = askToRemove(2);
   ASSERT_TRUE(question);
   EXPECT_EQ(question->informativeText(), "Its tray icon and its connect and disconnect scripts go with it. The device "
@@ -576,7 +576,7 @@ TEST_F(PreferencesWindowTest, ScriptsAreWrittenOnDoneAndAFailedWriteKeepsTheText
   EXPECT_EQ(registry->deviceSettingList()[0]->shellScriptAfterDisconnected(), "#!/bin/sh\necho bye");
 
   // Removed from elsewhere while its scripts are open: they close unwritten.
-  registry->remove(0);
+  registry->remove(registry->deviceSettingList()[0]->deviceID());
   EXPECT_FALSE(sheet->isVisible());
 }
 
