@@ -1,4 +1,5 @@
 #include "app/DemoWorld.h"
+#include "core/SettingKeys.h"
 
 #include "sim/SimBehaviours.h"
 
@@ -47,7 +48,7 @@ DemoWorld::DemoWorld(EventLoop& loop) : world(loop) {
 }
 
 void DemoWorld::seed(UserDefaults& defaults) const {
-  if (defaults.object("devices")) return;
+  if (defaults.object(settingKey::devices)) return;
   auto paired = world.pairedDevices();
   std::ranges::sort(paired, {}, &PairedDevice::name); // as the registry would sort them
   SettingsValue::Array devices;
@@ -58,7 +59,7 @@ void DemoWorld::seed(UserDefaults& defaults) const {
         {deviceOption::icon, std::string(rawValue(icons_.at(each.address)))},
     });
   }
-  defaults.setValue("devices", std::move(devices));
+  defaults.setValue(settingKey::devices, std::move(devices));
 }
 
 } // namespace lb

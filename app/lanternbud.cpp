@@ -1,6 +1,7 @@
 // lanternbud: the program, or with "-PrintBatteryInfo <address>" (also as
 // LanternbudHelperTool) its battery print mode.
 #include "app/Program.h"
+#include "core/SettingKeys.h"
 #include "app/Translations.h"
 #include "core/AppDelegate.h"
 #include "foundation/BluetoothAddress.h"
@@ -46,7 +47,7 @@ bool has(const std::vector<std::string>& words, const std::string& word) {
 std::optional<std::string> commandLineProblem(const std::vector<std::string>& words,
                                               const lb::UserDefaults::Arguments& commandLine,
                                               const std::string& processName) {
-  if (commandLine.contains("devices")) {
+  if (commandLine.contains(lb::settingKey::devices)) {
     return "the device list cannot be given on the command line; while Lanternbud runs, use "
            "lanternbud-ctl add and lanternbud-ctl remove.";
   }

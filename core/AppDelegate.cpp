@@ -1,4 +1,5 @@
 #include "core/AppDelegate.h"
+#include "core/SettingKeys.h"
 
 #include "core/LogAreas.h"
 #include "core/LoginLauncher.h"
@@ -20,12 +21,12 @@ void AppDelegate::applicationDidFinishLaunching() {
   trayPainter_ = std::make_unique<TrayPainter>(services_.statusBar, services_.defaults, services_.tunables);
   deviceSettingManager_ = std::make_unique<DeviceSettingManager>(services_);
   if (deviceSettingManager_->deviceSettingList().empty()) {
-    PXR_LOG(dockLog(),
-            "Showing preferences because no devices have been added:", describe(services_.defaults.object("devices")));
+    PXR_LOG(dockLog(), "Showing preferences because no devices have been added:",
+            describe(services_.defaults.object(settingKey::devices)));
     showPreference();
     PXR_LOG(dockLog(), "Done showing preferences.");
   } else {
-    if (services_.defaults.boolValue("hideDockIcon", false)) {
+    if (services_.defaults.boolValue(settingKey::hideDockIcon, false)) {
       PXR_LOG(dockLog(), "Hiding Dock icon");
       services_.windows.setActivationPolicy(ActivationPolicy::accessory);
     }
@@ -34,7 +35,7 @@ void AppDelegate::applicationDidFinishLaunching() {
   LoginLauncher::updateFromDefaults(services_.defaults, services_.loginItems);
   // A choice changed while running (from a script or the window) applies at once.
   loginChoice_ = services_.defaults.addChangeListener([this](const std::string& key) {
-    if (key == "launchAtLogin") LoginLauncher::updateFromDefaults(services_.defaults, services_.loginItems);
+    if (key == settingKey::launchAtLogin) LoginLauncher::updateFromDefaults(services_.defaults, services_.loginItems);
   });
 }
 

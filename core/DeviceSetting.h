@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/BluetoothMatchable.h"
+#include "core/SettingKeys.h"
 #include "core/ConnectionControl.h"
 #include "core/ConnectionOutcome.h"
 #include "core/ConnectionTracker.h"
@@ -107,8 +108,10 @@ public:
   }
 
   // The settings keys of the device's keyboard shortcut, now and before.
-  std::string shortCutKey() const { return "shortcutDictForDevice" + std::to_string(deviceID()); }
-  std::string oldShortCutKey() const { return "shortcutForDevice" + std::to_string(deviceID()); }
+  std::string shortCutKey() const { return std::string(SettingKeys::shortcutPrefix) + std::to_string(deviceID()); }
+  std::string oldShortCutKey() const {
+    return std::string(SettingKeys::oldShortcutPrefix) + std::to_string(deviceID());
+  }
 
   // Observed state: unknown until first seen.
   std::optional<bool> isConnected() const { return tracker_.isConnected(); }

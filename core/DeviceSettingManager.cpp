@@ -33,8 +33,8 @@ DeviceSettingManager::~DeviceSettingManager() {
 }
 
 void DeviceSettingManager::checkMigration() {
-  if (services_.defaults.stringValue("currentSettingVersion", "") != currentSettingVersion) {
-    services_.defaults.setValue("currentSettingVersion", currentSettingVersion);
+  if (services_.defaults.stringValue(settingKey::currentSettingVersion, "") != currentSettingVersion) {
+    services_.defaults.setValue(settingKey::currentSettingVersion, currentSettingVersion);
   }
 }
 
@@ -42,7 +42,7 @@ void DeviceSettingManager::checkMigration() {
 // ours to read, and no device is loaded; the list is kept aside, since the
 // next save writes the devices of this run.
 void DeviceSettingManager::load() {
-  auto stored = services_.defaults.object("devices");
+  auto stored = services_.defaults.object(settingKey::devices);
   PXR_LOG(dockLog(), "Devices to load:", describe(stored));
   if (!stored) return;
   auto array = stored->as<SettingsValue::Array>();
@@ -114,7 +114,7 @@ Result<> DeviceSettingManager::synchronize() {
     if (auto name = setting->deviceName()) setting->storeDeviceName(*name);
     devices.emplace_back(setting->options());
   }
-  services_.defaults.setValue("devices", std::move(devices));
+  services_.defaults.setValue(settingKey::devices, std::move(devices));
   if (auto problem = services_.defaults.saveProblem()) return Failure{*problem};
   return {};
 }

@@ -1,11 +1,12 @@
 #include "core/LoginLauncher.h"
+#include "core/SettingKeys.h"
 
 #include "core/LogAreas.h"
 
 namespace lb {
 
 void LoginLauncher::updateFromDefaults(const UserDefaults& defaults, LoginItems& loginItems) {
-  bool enabled = defaults.boolValue("launchAtLogin", false);
+  bool enabled = defaults.boolValue(settingKey::launchAtLogin, false);
   // A refusal is only logged: the next launch or change tries again.
   if (auto changed = loginItems.setEnabled(enabled)) {
     PXR_LOG(loginLog(), "Updated login item state to:", enabled);

@@ -6,7 +6,7 @@
 namespace lb {
 
 // Brings the system's start-at-login state into line with the user's
-// "launchAtLogin" choice: at every launch, and when the choice changes.
+// launch-at-login choice: at every launch, and when the choice changes.
 struct LoginLauncher {
   static void updateFromDefaults(const UserDefaults& defaults, LoginItems& loginItems);
 };

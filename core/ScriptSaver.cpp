@@ -1,4 +1,5 @@
 #include "core/ScriptSaver.h"
+#include "core/SettingKeys.h"
 
 #include "core/AppIdentity.h"
 #include "core/LogAreas.h"
@@ -7,7 +8,7 @@
 namespace lb {
 
 namespace {
-constexpr const char* bookmarkKey = "scriptFolderURL";
+constexpr const char* bookmarkKey = settingKey::scriptFolderURL;
 
 struct FileFailure : std::runtime_error {
   using std::runtime_error::runtime_error;

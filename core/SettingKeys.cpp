@@ -19,12 +19,12 @@ struct Option {
   SettingType type;
 };
 // The registry checks the device list itself, and keeps one it cannot read.
-constexpr Option options[] = {{"launchAtLogin", SettingType::boolean},
-                              {"hideDockIcon", SettingType::boolean},
-                              {"currentSettingVersion", SettingType::text},
-                              {"scriptFolderURL", SettingType::data},
-                              {"devices", SettingType::anything}};
-constexpr std::string_view shortcutPrefixes[] = {SettingKeys::shortcutPrefix, "shortcutForDevice"};
+constexpr Option options[] = {{settingKey::launchAtLogin, SettingType::boolean},
+                              {settingKey::hideDockIcon, SettingType::boolean},
+                              {settingKey::currentSettingVersion, SettingType::text},
+                              {settingKey::scriptFolderURL, SettingType::data},
+                              {settingKey::devices, SettingType::anything}};
+constexpr std::string_view shortcutPrefixes[] = {SettingKeys::shortcutPrefix, SettingKeys::oldShortcutPrefix};
 
 bool hasPrefixAndNumber(std::string_view key, std::string_view prefix) {
   return key.starts_with(prefix) && key.size() > prefix.size() &&

@@ -9,10 +9,19 @@
 
 namespace lb {
 
+// The keys of the program's own options, each named here only; the
+// tunables and the log areas have theirs in their tables.
+namespace settingKey {
+inline constexpr const char* launchAtLogin = "launchAtLogin";
+inline constexpr const char* hideDockIcon = "hideDockIcon";
+inline constexpr const char* currentSettingVersion = "currentSettingVersion";
+inline constexpr const char* scriptFolderURL = "scriptFolderURL"; // the scripts folder's grant
+inline constexpr const char* devices = "devices";                 // the registry's list
+} // namespace settingKey
+
 // The settings the program reads: every tunable, every log area, the
-// options of the program ("launchAtLogin", ...) and the devices' shortcut
-// keys. A key outside them does nothing, so a client that sets one has most
-// likely mistyped it.
+// options of the program (settingKey::) and the devices' shortcut keys. A key outside them does nothing, so a client
+// that sets one has most likely mistyped it.
 struct SettingKeys {
   static bool isKnown(std::string_view key);
   // Why `value` cannot be what `key` holds: its type, or its range, from the
@@ -30,6 +39,8 @@ struct SettingKeys {
   // device's ID.
   static std::vector<std::string_view> all();
   static constexpr std::string_view shortcutPrefix = "shortcutDictForDevice";
+  // The same, as an older version wrote it; removed with its device.
+  static constexpr std::string_view oldShortcutPrefix = "shortcutForDevice";
   // Device lists that could not be read are kept under this prefix and the
   // time they were found.
   static constexpr std::string_view unreadableDevicesPrefix = "devices.unreadable-";

@@ -298,7 +298,7 @@ bool ScriptingService::refusesLongKey(const QString& key) {
 }
 
 bool ScriptingService::refusesWhileRunning(const QString& key) {
-  if (key != "devices") return false;
+  if (key != settingKey::devices) return false;
   fail("ReadOnly", "The device list changes only by adding and removing devices while Lanternbud runs: "
                    "use lanternbud-ctl add <address> and lanternbud-ctl remove <device>.");
   return true;

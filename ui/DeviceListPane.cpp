@@ -1,4 +1,5 @@
 #include "ui/DeviceListPane.h"
+#include "core/SettingKeys.h"
 
 #include "core/DeviceSettingManager.h"
 #include "core/LogAreas.h"
@@ -146,17 +147,19 @@ DeviceListPane::DeviceListPane(DeviceSettingManager& registry, Services& service
   advancedButton_->setObjectName("advanced");
   connect(advancedButton_, &QPushButton::clicked, this, &DeviceListPane::openAdvancedSheet);
 
-  launchAtLogin_->setObjectName("launchAtLogin");
+  launchAtLogin_->setObjectName(settingKey::launchAtLogin);
   launchAtLogin_->setAccessibleName(uiText("Start Lanternbud at login"));
-  launchAtLogin_->setChecked(services_.defaults.boolValue("launchAtLogin", false));
+  launchAtLogin_->setChecked(services_.defaults.boolValue(settingKey::launchAtLogin, false));
   connect(launchAtLogin_, &QCheckBox::clicked, this, [this](bool on) {
     PXR_LOG(loginLog(), "Launch at login checkbox set to :", on ? "true" : "false");
-    services_.defaults.setValue("launchAtLogin", on);
+    services_.defaults.setValue(settingKey::launchAtLogin, on);
     emit saved();
   });
   // Set elsewhere too (lanternbud-ctl config set launchAtLogin).
   settingChanges_ = services_.defaults.addChangeListener([this](const std::string& key) {
-    if (key == "launchAtLogin") launchAtLogin_->setChecked(services_.defaults.boolValue("launchAtLogin", false));
+    if (key == settingKey::launchAtLogin) {
+      launchAtLogin_->setChecked(services_.defaults.boolValue(settingKey::launchAtLogin, false));
+    }
   });
 
   auto* detail = new QFormLayout;

@@ -1,4 +1,5 @@
 #include "linux/bluez/BluezBluetooth.h"
+#include "linux/bluez/BluezNames.h"
 
 #include "foundation/BluetoothAddress.h"
 #include "foundation/PXRLog.h"
@@ -20,7 +21,6 @@
 namespace lb {
 
 namespace {
-constexpr const char* service = "org.bluez";
 constexpr const char* objectManager = "org.freedesktop.DBus.ObjectManager";
 } // namespace
 
@@ -39,12 +39,12 @@ BluezBluetooth::BluezBluetooth(QDBusConnection bus) : bus_(std::move(bus)) {
 
   // The object-manager signals arrive as messages and are read here: Qt
   // refuses slots whose parameters are these D-Bus types.
-  bus_.connect(service, "/", objectManager, "InterfacesAdded", this, SLOT(interfacesAdded(QDBusMessage)));
-  bus_.connect(service, "/", objectManager, "InterfacesRemoved", this, SLOT(interfacesRemoved(QDBusMessage)));
-  bus_.connect(service, QString(), "org.freedesktop.DBus.Properties", "PropertiesChanged", this,
+  bus_.connect(bluez::service, "/", objectManager, "InterfacesAdded", this, SLOT(interfacesAdded(QDBusMessage)));
+  bus_.connect(bluez::service, "/", objectManager, "InterfacesRemoved", this, SLOT(interfacesRemoved(QDBusMessage)));
+  bus_.connect(bluez::service, QString(), "org.freedesktop.DBus.Properties", "PropertiesChanged", this,
                SLOT(propertiesChanged(QString, QVariantMap, QStringList, QDBusMessage)));
 
-  watcher_ = new QDBusServiceWatcher(service, bus_, QDBusServiceWatcher::WatchForOwnerChange, this);
+  watcher_ = new QDBusServiceWatcher(bluez::service, bus_, QDBusServiceWatcher::WatchForOwnerChange, this);
   connect(watcher_, &QDBusServiceWatcher::serviceUnregistered, this, [this] {
     mirror_->clear();
     available_ = false;
@@ -58,7 +58,7 @@ BluezBluetooth::BluezBluetooth(QDBusConnection bus) : bus_(std::move(bus)) {
   });
 
   // Once, at start, bounded: the devices are known before the first lookup.
-  auto call = QDBusMessage::createMethodCall(service, "/", objectManager, "GetManagedObjects");
+  auto call = QDBusMessage::createMethodCall(bluez::service, "/", objectManager, "GetManagedObjects");
   QDBusReply<BluezObjectMap> reply = bus_.call(call, QDBus::Block, 3000);
   if (reply.isValid()) {
     rebuild(reply.value());
@@ -95,7 +95,7 @@ void BluezBluetooth::rebuild(const BluezObjectMap& objects) {
 }
 
 void BluezBluetooth::reload() {
-  auto call = QDBusMessage::createMethodCall(service, "/", objectManager, "GetManagedObjects");
+  auto call = QDBusMessage::createMethodCall(bluez::service, "/", objectManager, "GetManagedObjects");
   auto* pending = new QDBusPendingCallWatcher(bus_.asyncCall(call), this);
   connect(pending, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher* finished) {
     QDBusPendingReply<BluezObjectMap> reply = *finished;
@@ -112,24 +112,24 @@ void BluezBluetooth::reload() {
 }
 
 void BluezBluetooth::interfacesAdded(const QDBusMessage& message) {
-  if (mirror_->interfacesAdded(message).second.contains(BluezMirror::deviceInterface)) pairingListeners_.notify();
+  if (mirror_->interfacesAdded(message).second.contains(bluez::deviceInterface)) pairingListeners_.notify();
 }
 
 void BluezBluetooth::interfacesRemoved(const QDBusMessage& message) {
-  if (mirror_->interfacesRemoved(message).second.contains(BluezMirror::deviceInterface)) pairingListeners_.notify();
+  if (mirror_->interfacesRemoved(message).second.contains(bluez::deviceInterface)) pairingListeners_.notify();
 }
 
 void BluezBluetooth::propertiesChanged(const QString& interface, const QVariantMap& changed,
                                        const QStringList& invalidated, const QDBusMessage& message) {
   const QString path = message.path();
   auto before = mirror_->updateProperties(path, interface, changed, invalidated, "Connected");
-  if (interface != BluezMirror::deviceInterface) return;
+  if (interface != bluez::deviceInterface) return;
   if (changed.contains("Paired") || changed.contains("Alias") || changed.contains("Class")) pairingListeners_.notify();
   if (!changed.contains("Connected")) return;
   const bool connected = changed.value("Connected").toBool();
   if (before && before->toBool() == connected) return;
 
-  auto address = mirror_->property(path, BluezMirror::deviceInterface, "Address");
+  auto address = mirror_->property(path, bluez::deviceInterface, "Address");
   if (!address) return;
   auto device = std::make_shared<BluezDevice>(mirror_, bus_, path, address->toString().toStdString());
   BluetoothNotification notification{(connected ? "Connected " : "Disconnected ") + path.toStdString()};
@@ -146,7 +146,7 @@ std::shared_ptr<BluetoothDevice> BluezBluetooth::deviceWithAddressString(const s
   auto parsed = BluetoothAddress::parse(address);
   auto path = parsed ? mirror_->devicePath(*parsed) : std::nullopt;
   if (!path) return nullptr;
-  auto stored = mirror_->property(*path, BluezMirror::deviceInterface, "Address");
+  auto stored = mirror_->property(*path, bluez::deviceInterface, "Address");
   if (!stored) return nullptr;
   return std::make_shared<BluezDevice>(mirror_, bus_, *path, stored->toString().toStdString());
 }
@@ -170,11 +170,11 @@ BluezBluetooth::registerForDisconnectNotification(const BluetoothDevice& device,
 std::vector<PairedDevice> BluezBluetooth::pairedDevices() const {
   std::vector<PairedDevice> paired;
   for (const auto& path : mirror_->devicePaths()) {
-    auto isPaired = mirror_->property(path, BluezMirror::deviceInterface, "Paired");
+    auto isPaired = mirror_->property(path, bluez::deviceInterface, "Paired");
     if (!isPaired || !isPaired->toBool()) continue;
-    auto alias = mirror_->property(path, BluezMirror::deviceInterface, "Alias");
-    auto address = mirror_->property(path, BluezMirror::deviceInterface, "Address");
-    auto deviceClass = mirror_->property(path, BluezMirror::deviceInterface, "Class");
+    auto alias = mirror_->property(path, bluez::deviceInterface, "Alias");
+    auto address = mirror_->property(path, bluez::deviceInterface, "Address");
+    auto deviceClass = mirror_->property(path, bluez::deviceInterface, "Class");
     paired.push_back({alias ? alias->toString().toStdString() : "", address ? address->toString().toStdString() : "",
                       deviceClass ? deviceClass->toUInt() : 0});
   }

@@ -1,4 +1,5 @@
 #include "linux/bluez/BluezDevice.h"
+#include "linux/bluez/BluezNames.h"
 
 #include "linux/bluez/BluezErrors.h"
 
@@ -12,13 +13,13 @@ int BluezDevice::callTimeoutMilliseconds(std::optional<std::uint16_t> pageTimeou
 }
 
 std::optional<std::string> BluezDevice::name() const {
-  auto alias = mirror_->property(path_, BluezMirror::deviceInterface, "Alias");
+  auto alias = mirror_->property(path_, bluez::deviceInterface, "Alias");
   if (!alias) return std::nullopt;
   return alias->toString().toStdString();
 }
 
 bool BluezDevice::isConnected() const {
-  auto connected = mirror_->property(path_, BluezMirror::deviceInterface, "Connected");
+  auto connected = mirror_->property(path_, bluez::deviceInterface, "Connected");
   return connected && connected->toBool();
 }
 
@@ -27,9 +28,9 @@ bool BluezDevice::isConnected() const {
 // (Audio Stream Control).
 std::uint32_t BluezDevice::majorDeviceClass() const {
   constexpr std::uint32_t audio = 4;
-  auto deviceClass = mirror_->property(path_, BluezMirror::deviceInterface, "Class");
+  auto deviceClass = mirror_->property(path_, bluez::deviceInterface, "Class");
   if (const auto major = deviceClass ? (deviceClass->toUInt() >> 8) & 0x1f : 0; major != 0) return major;
-  const auto uuids = mirror_->property(path_, BluezMirror::deviceInterface, "UUIDs");
+  const auto uuids = mirror_->property(path_, bluez::deviceInterface, "UUIDs");
   if (!uuids) return 0;
   for (const auto& uuid : uuids->toStringList()) {
     for (const char* sink : {"0000110b-", "00001108-", "0000111e-", "0000184e-"}) {
@@ -40,13 +41,13 @@ std::uint32_t BluezDevice::majorDeviceClass() const {
 }
 
 std::uint32_t BluezDevice::classOfDevice() const {
-  auto deviceClass = mirror_->property(path_, BluezMirror::deviceInterface, "Class");
+  auto deviceClass = mirror_->property(path_, bluez::deviceInterface, "Class");
   return deviceClass && deviceClass->toUInt() != 0 ? deviceClass->toUInt() : majorDeviceClass() << 8;
 }
 
 std::optional<SettingsValue> BluezDevice::batteryProperty(const std::string& keyString) const {
   if (keyString != "batteryPercentSingle") return std::nullopt;
-  auto percentage = mirror_->property(path_, "org.bluez.Battery1", "Percentage");
+  auto percentage = mirror_->property(path_, bluez::batteryInterface, "Percentage");
   if (!percentage) return std::nullopt;
   return SettingsValue(static_cast<std::int64_t>(percentage->toUInt()));
 }
@@ -59,17 +60,16 @@ IOReturn BluezDevice::closeConnection() { return call("Disconnect", callTimeoutM
 
 IOReturn BluezDevice::call(const char* method, int timeoutMilliseconds) {
   // What the mirror already says costs no message.
-  if (!mirror_->property(path_, BluezMirror::deviceInterface, "Address")) {
+  if (!mirror_->property(path_, bluez::deviceInterface, "Address")) {
     return IOReturn::make(IOReturn::Code::kIOReturnNoDevice, "the device is gone from BlueZ");
   }
-  if (auto adapter = mirror_->property(path_, BluezMirror::deviceInterface, "Adapter")) {
-    auto powered = mirror_->property(adapter->value<QDBusObjectPath>().path(), BluezMirror::adapterInterface,
-                                     "Powered");
+  if (auto adapter = mirror_->property(path_, bluez::deviceInterface, "Adapter")) {
+    auto powered = mirror_->property(adapter->value<QDBusObjectPath>().path(), bluez::adapterInterface, "Powered");
     if (powered && !powered->toBool()) {
       return IOReturn::make(IOReturn::Code::kIOReturnOffline, "the Bluetooth adapter is off");
     }
   }
-  auto message = QDBusMessage::createMethodCall("org.bluez", path_, BluezMirror::deviceInterface, method);
+  auto message = QDBusMessage::createMethodCall(bluez::service, path_, bluez::deviceInterface, method);
   auto reply = bus_.call(message, QDBus::Block, timeoutMilliseconds);
   if (reply.type() == QDBusMessage::ErrorMessage) {
     return bluezResult(reply.errorName().toStdString(), reply.errorMessage().toStdString());

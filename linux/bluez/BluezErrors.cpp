@@ -1,4 +1,5 @@
 #include "linux/bluez/BluezErrors.h"
+#include "linux/bluez/BluezNames.h"
 
 #include <algorithm>
 #include <cctype>
@@ -13,20 +14,20 @@ IOReturn bluezResult(const std::string& errorName, const std::string& message) {
   auto is = [&](const char* name) { return errorName == name; };
   auto mentions = [&](const char* text) { return message.find(text) != std::string::npos; };
 
-  if (is("org.bluez.Error.Failed") && (mentions("Page Timeout") || mentions("br-connection-page-timeout"))) {
+  if (is(bluez::errorFailed) && (mentions("Page Timeout") || mentions("br-connection-page-timeout"))) {
     return IOReturn::make(Code::kBluetoothHCIErrorPageTimeout, detail);
   }
-  if (is("org.bluez.Error.AlreadyConnected"))
+  if (is(bluez::errorAlreadyConnected))
     return IOReturn::make(Code::kBluetoothHCIErrorACLConnectionAlreadyExists, detail);
   if (is("org.freedesktop.DBus.Error.UnknownObject") || is("org.freedesktop.DBus.Error.UnknownMethod") ||
-      is("org.freedesktop.DBus.Error.ServiceUnknown") || is("org.bluez.Error.DoesNotExist")) {
+      is("org.freedesktop.DBus.Error.ServiceUnknown") || is(bluez::errorDoesNotExist)) {
     return IOReturn::make(Code::kIOReturnNoDevice, detail);
   }
   if (is("org.freedesktop.DBus.Error.NoReply") || is("org.freedesktop.DBus.Error.Timeout") ||
       is("org.freedesktop.DBus.Error.TimedOut")) {
     return IOReturn::make(Code::kIOReturnTimeout, detail);
   }
-  if (is("org.bluez.Error.NotReady")) return IOReturn::make(Code::kIOReturnOffline, detail);
+  if (is(bluez::errorNotReady)) return IOReturn::make(Code::kIOReturnOffline, detail);
   return IOReturn::generalError(detail);
 }
 

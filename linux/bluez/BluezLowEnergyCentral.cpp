@@ -1,4 +1,5 @@
 #include "linux/bluez/BluezLowEnergyCentral.h"
+#include "linux/bluez/BluezNames.h"
 
 #include "foundation/PXRLog.h"
 
@@ -12,17 +13,12 @@ namespace lb {
 
 namespace {
 
-constexpr const char* service = "org.bluez";
 constexpr const char* objectManager = "org.freedesktop.DBus.ObjectManager";
-constexpr const char* gattService = "org.bluez.GattService1";
-constexpr const char* gattCharacteristic = "org.bluez.GattCharacteristic1";
-constexpr const char* gattDescriptor = "org.bluez.GattDescriptor1";
 
 // bluetoothd's battery plugin claims a device's Battery Service, and BlueZ
 // exports no GATT objects for a claimed service: the level is the device's
 // Battery1.Percentage instead. It is shown as that service with its Battery
 // Level characteristic, under these identifiers below the device's path.
-constexpr const char* batteryInterface = "org.bluez.Battery1";
 const QString claimedBatteryService = "/Battery1";
 const QString claimedBatteryLevel = "/Battery1/level";
 constexpr const char* batteryServiceUUID = "0000180f-0000-1000-8000-00805f9b34fb";
@@ -33,7 +29,7 @@ QString pathText(const QVariant& value) {
 }
 
 QDBusMessage call(const QString& path, const QString& interface, const QString& method) {
-  return QDBusMessage::createMethodCall(service, path, interface, method);
+  return QDBusMessage::createMethodCall(bluez::service, path, interface, method);
 }
 
 std::string errorText(const QDBusMessage& reply) {
@@ -44,9 +40,9 @@ std::string errorText(const QDBusMessage& reply) {
 
 BluezLowEnergyCentral::BluezLowEnergyCentral(QDBusConnection bus) : bus_(std::move(bus)) {
   BluezMirror::registerTypes();
-  bus_.connect(service, "/", objectManager, "InterfacesAdded", this, SLOT(interfacesAdded(QDBusMessage)));
-  bus_.connect(service, "/", objectManager, "InterfacesRemoved", this, SLOT(interfacesRemoved(QDBusMessage)));
-  bus_.connect(service, QString(), "org.freedesktop.DBus.Properties", "PropertiesChanged", this,
+  bus_.connect(bluez::service, "/", objectManager, "InterfacesAdded", this, SLOT(interfacesAdded(QDBusMessage)));
+  bus_.connect(bluez::service, "/", objectManager, "InterfacesRemoved", this, SLOT(interfacesRemoved(QDBusMessage)));
+  bus_.connect(bluez::service, QString(), "org.freedesktop.DBus.Properties", "PropertiesChanged", this,
                SLOT(propertiesChanged(QString, QVariantMap, QStringList, QDBusMessage)));
   callAsync(call("/", objectManager, "GetManagedObjects"), [this](const QDBusMessage& reply) {
     if (reply.type() != QDBusMessage::ReplyMessage) {
@@ -79,22 +75,21 @@ void BluezLowEnergyCentral::setDelegate(LowEnergyCentralDelegate* delegate) {
 void BluezLowEnergyCentral::reportState() {
   if (!delegate_ || !loaded_) return;
   bool poweredOn = false;
-  for (const auto& adapter : mirror_.paths(BluezMirror::adapterInterface))
-    poweredOn = poweredOn ||
-                mirror_.property(adapter, BluezMirror::adapterInterface, "Powered").value_or(false).toBool();
+  for (const auto& adapter : mirror_.paths(bluez::adapterInterface))
+    poweredOn = poweredOn || mirror_.property(adapter, bluez::adapterInterface, "Powered").value_or(false).toBool();
   delegate_->centralManagerDidUpdateState(poweredOn);
 }
 
 void BluezLowEnergyCentral::scanForPeripherals() {
-  for (const auto& adapter : mirror_.paths(BluezMirror::adapterInterface)) {
+  for (const auto& adapter : mirror_.paths(bluez::adapterInterface)) {
     if (scanning_.contains(adapter)) continue;
     scanning_.insert(adapter);
-    auto filter = call(adapter, BluezMirror::adapterInterface, "SetDiscoveryFilter");
+    auto filter = call(adapter, bluez::adapterInterface, "SetDiscoveryFilter");
     filter << QVariantMap{{"Transport", QString("le")}};
     callAsync(filter, [this, adapter](const QDBusMessage& reply) {
       if (reply.type() == QDBusMessage::ErrorMessage)
         pxrLogError("Cannot limit discovery to Low Energy on " + adapter.toStdString() + ": " + errorText(reply));
-      callAsync(call(adapter, BluezMirror::adapterInterface, "StartDiscovery"), [adapter](const QDBusMessage& started) {
+      callAsync(call(adapter, bluez::adapterInterface, "StartDiscovery"), [adapter](const QDBusMessage& started) {
         if (started.type() == QDBusMessage::ErrorMessage)
           pxrLogError("Cannot scan for Low Energy devices on " + adapter.toStdString() + ": " + errorText(started));
       });
@@ -104,17 +99,17 @@ void BluezLowEnergyCentral::scanForPeripherals() {
 
 void BluezLowEnergyCentral::stopScan() {
   // No answer is awaited: this may be the last thing the program does.
-  for (const auto& adapter : scanning_) bus_.send(call(adapter, BluezMirror::adapterInterface, "StopDiscovery"));
+  for (const auto& adapter : scanning_) bus_.send(call(adapter, bluez::adapterInterface, "StopDiscovery"));
   scanning_.clear();
 }
 
 void BluezLowEnergyCentral::connect(const std::string& identifier) {
   const auto path = QString::fromStdString(identifier);
   wanted_.insert(path);
-  callAsync(call(path, BluezMirror::deviceInterface, "Connect"), [this, path](const QDBusMessage& reply) {
+  callAsync(call(path, bluez::deviceInterface, "Connect"), [this, path](const QDBusMessage& reply) {
     if (!delegate_) return;
     if (reply.type() != QDBusMessage::ErrorMessage) return; // Connected follows as a property change
-    if (reply.errorName() == "org.bluez.Error.AlreadyConnected") return delegate_->didConnect(peripheral(path));
+    if (reply.errorName() == bluez::errorAlreadyConnected) return delegate_->didConnect(peripheral(path));
     wanted_.erase(path);
     delegate_->didFailToConnect(peripheral(path), errorText(reply));
   });
@@ -122,7 +117,7 @@ void BluezLowEnergyCentral::connect(const std::string& identifier) {
 
 void BluezLowEnergyCentral::discoverServices(const std::string& identifier) {
   const auto path = QString::fromStdString(identifier);
-  if (mirror_.property(path, BluezMirror::deviceInterface, "ServicesResolved").value_or(false).toBool()) {
+  if (mirror_.property(path, bluez::deviceInterface, "ServicesResolved").value_or(false).toBool()) {
     QTimer::singleShot(0, this, [this, path] { reportServices(path); });
   } else {
     awaitingServices_.insert(path);
@@ -133,12 +128,12 @@ void BluezLowEnergyCentral::reportServices(const QString& path) {
   if (!delegate_) return;
   std::vector<LowEnergyService> services;
   bool batteryExported = false;
-  for (const auto& found : children(gattService, "Device", path)) {
-    const auto uuid = mirror_.property(found, gattService, "UUID").value_or("").toString();
+  for (const auto& found : children(bluez::gattServiceInterface, "Device", path)) {
+    const auto uuid = mirror_.property(found, bluez::gattServiceInterface, "UUID").value_or("").toString();
     batteryExported = batteryExported || uuid.compare(batteryServiceUUID, Qt::CaseInsensitive) == 0;
     services.push_back({found.toStdString(), uuid.toStdString()});
   }
-  if (!batteryExported && mirror_.property(path, batteryInterface, "Percentage")) {
+  if (!batteryExported && mirror_.property(path, bluez::batteryInterface, "Percentage")) {
     services.push_back({(path + claimedBatteryService).toStdString(), batteryServiceUUID});
   }
   delegate_->didDiscoverServices(peripheral(path), services);
@@ -149,9 +144,10 @@ void BluezLowEnergyCentral::discoverCharacteristics(const std::string& identifie
   QTimer::singleShot(0, this, [this, path, servicePath] {
     if (!delegate_) return;
     std::vector<LowEnergyCharacteristic> characteristics;
-    for (const auto& found : children(gattCharacteristic, "Service", servicePath))
+    for (const auto& found : children(bluez::gattCharacteristicInterface, "Service", servicePath))
       characteristics.push_back(characteristic(found));
-    auto uuid = mirror_.property(servicePath, gattService, "UUID").value_or("").toString().toStdString();
+    auto uuid =
+        mirror_.property(servicePath, bluez::gattServiceInterface, "UUID").value_or("").toString().toStdString();
     if (servicePath == path + claimedBatteryService) {
       uuid = batteryServiceUUID;
       characteristics.push_back({(path + claimedBatteryLevel).toStdString(), batteryLevelUUID, std::nullopt, {}});
@@ -166,21 +162,22 @@ void BluezLowEnergyCentral::readValue(const std::string& identifier, const std::
     QTimer::singleShot(0, this, [this, path, found] {
       if (!delegate_) return;
       LowEnergyCharacteristic level{found.toStdString(), batteryLevelUUID, std::nullopt, {}};
-      const auto percentage = mirror_.property(path, batteryInterface, "Percentage");
+      const auto percentage = mirror_.property(path, bluez::batteryInterface, "Percentage");
       if (percentage) level.value = std::vector<std::uint8_t>{static_cast<std::uint8_t>(percentage->toUInt())};
       delegate_->didUpdateValue(peripheral(path), level,
                                 percentage ? std::nullopt : std::optional<std::string>("no Battery1 level"));
     });
     return;
   }
-  const auto flags = mirror_.property(found, gattCharacteristic, "Flags").value_or(QStringList()).toStringList();
+  const auto flags =
+      mirror_.property(found, bluez::gattCharacteristicInterface, "Flags").value_or(QStringList()).toStringList();
   if (!flags.contains("read")) {
     QTimer::singleShot(0, this, [this, path, found] {
       if (delegate_) delegate_->didUpdateValue(peripheral(path), characteristic(found), "not readable");
     });
     return;
   }
-  auto read = call(found, gattCharacteristic, "ReadValue");
+  auto read = call(found, bluez::gattCharacteristicInterface, "ReadValue");
   read << QVariantMap();
   callAsync(read, [this, path, found](const QDBusMessage& reply) {
     if (!delegate_) return;
@@ -197,23 +194,23 @@ void BluezLowEnergyCentral::readValue(const std::string& identifier, const std::
 
 LowEnergyPeripheral BluezLowEnergyCentral::peripheral(const QString& path) const {
   LowEnergyPeripheral found{path.toStdString(), std::nullopt};
-  if (auto name = mirror_.property(path, BluezMirror::deviceInterface, "Name"))
-    found.name = name->toString().toStdString();
+  if (auto name = mirror_.property(path, bluez::deviceInterface, "Name")) found.name = name->toString().toStdString();
   return found;
 }
 
 LowEnergyCharacteristic BluezLowEnergyCentral::characteristic(const QString& path) const {
   LowEnergyCharacteristic found{
       path.toStdString(),
-      mirror_.property(path, gattCharacteristic, "UUID").value_or("").toString().toStdString(),
+      mirror_.property(path, bluez::gattCharacteristicInterface, "UUID").value_or("").toString().toStdString(),
       std::nullopt,
       {}};
   // BlueZ keeps the last value read; empty before the first read.
-  const auto value = mirror_.property(path, gattCharacteristic, "Value").value_or(QByteArray()).toByteArray();
+  const auto value =
+      mirror_.property(path, bluez::gattCharacteristicInterface, "Value").value_or(QByteArray()).toByteArray();
   if (!value.isEmpty()) found.value = std::vector<std::uint8_t>(value.begin(), value.end());
-  for (const auto& descriptor : children(gattDescriptor, "Characteristic", path))
+  for (const auto& descriptor : children(bluez::gattDescriptorInterface, "Characteristic", path))
     found.descriptors.push_back(
-        mirror_.property(descriptor, gattDescriptor, "UUID").value_or("").toString().toStdString());
+        mirror_.property(descriptor, bluez::gattDescriptorInterface, "UUID").value_or("").toString().toStdString());
   return found;
 }
 
@@ -228,9 +225,9 @@ std::vector<QString> BluezLowEnergyCentral::children(const QString& interface, c
 
 void BluezLowEnergyCentral::interfacesAdded(const QDBusMessage& message) {
   const auto [path, interfaces] = mirror_.interfacesAdded(message);
-  if (interfaces.contains(BluezMirror::adapterInterface)) reportState();
+  if (interfaces.contains(bluez::adapterInterface)) reportState();
   // A device that appears while discovering has just advertised.
-  if (delegate_ && !scanning_.empty() && interfaces.contains(BluezMirror::deviceInterface))
+  if (delegate_ && !scanning_.empty() && interfaces.contains(bluez::deviceInterface))
     delegate_->didDiscover(peripheral(path));
 }
 
@@ -241,12 +238,12 @@ void BluezLowEnergyCentral::propertiesChanged(const QString& interface, const QV
   const QString path = message.path();
   mirror_.updateProperties(path, interface, changed, invalidated, QString());
   if (!delegate_) return;
-  if (interface == BluezMirror::adapterInterface && changed.contains("Powered")) {
+  if (interface == bluez::adapterInterface && changed.contains("Powered")) {
     // Scanning ends with the power; it starts again when the power returns.
     if (!changed.value("Powered").toBool()) scanning_.erase(path);
     return reportState();
   }
-  if (interface != BluezMirror::deviceInterface) return;
+  if (interface != bluez::deviceInterface) return;
   if (changed.contains("RSSI") && !scanning_.empty()) delegate_->didDiscover(peripheral(path));
   if (!wanted_.contains(path)) return;
   if (changed.contains("Connected")) {

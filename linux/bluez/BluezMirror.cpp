@@ -1,4 +1,5 @@
 #include "linux/bluez/BluezMirror.h"
+#include "linux/bluez/BluezNames.h"
 
 #include <QDBusArgument>
 #include <QDBusMessage>
@@ -78,7 +79,7 @@ std::optional<QVariant> BluezMirror::property(const QString& path, const QString
 std::optional<QString> BluezMirror::devicePath(const BluetoothAddress& address) const {
   std::lock_guard lock(mutex_);
   for (const auto& [path, interfaces] : objects_) {
-    auto device = interfaces.find(deviceInterface);
+    auto device = interfaces.find(bluez::deviceInterface);
     if (device == interfaces.end()) continue;
     if (BluetoothAddress::parse(device->second.value("Address").toString().toStdString()) == address) return path;
   }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "foundation/BluetoothAddress.h"
+#include "linux/bluez/BluezNames.h"
 
 #include <QDBusObjectPath>
 #include <QString>
@@ -23,9 +24,6 @@ using BluezObjectMap = QMap<QDBusObjectPath, BluezInterfaceMap>;
 // read from any thread.
 class BluezMirror {
 public:
-  static constexpr const char* deviceInterface = "org.bluez.Device1";
-  static constexpr const char* adapterInterface = "org.bluez.Adapter1";
-
   // Registers the D-Bus types of BlueZ's answers; before the first call.
   static void registerTypes();
 
@@ -43,7 +41,7 @@ public:
   std::optional<QVariant> property(const QString& path, const QString& interface, const QString& name) const;
   // The device with this address (as BlueZ writes it), across all adapters.
   std::optional<QString> devicePath(const BluetoothAddress& address) const;
-  std::vector<QString> devicePaths() const { return paths(deviceInterface); }
+  std::vector<QString> devicePaths() const { return paths(bluez::deviceInterface); }
   // The objects that have this interface, in order.
   std::vector<QString> paths(const QString& interface) const;
 

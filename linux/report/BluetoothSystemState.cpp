@@ -1,4 +1,5 @@
 #include "linux/report/BluetoothSystemState.h"
+#include "linux/bluez/BluezNames.h"
 
 #include "linux/report/DBusText.h"
 
@@ -80,7 +81,7 @@ std::string BluetoothSystemState::bluetoothdVersion() {
 
 std::string BluetoothSystemState::describe(QDBusConnection bus) {
   std::string text = "bluetoothd " + bluetoothdVersion() + "\n";
-  auto call = QDBusMessage::createMethodCall("org.bluez", "/", "org.freedesktop.DBus.ObjectManager",
+  auto call = QDBusMessage::createMethodCall(bluez::service, "/", "org.freedesktop.DBus.ObjectManager",
                                              "GetManagedObjects");
   const auto reply = bus.call(call, QDBus::Block, 5000);
   if (reply.type() != QDBusMessage::ReplyMessage || reply.arguments().isEmpty()) {
@@ -90,11 +91,11 @@ std::string BluetoothSystemState::describe(QDBusConnection bus) {
   const auto all = objects(reply.arguments().first().value<QDBusArgument>());
   text += "\nAdapters\n";
   for (const auto& [path, interfaces] : all) {
-    if (interfaces.contains("org.bluez.Adapter1")) describeObject(text, path, interfaces);
+    if (interfaces.contains(bluez::adapterInterface)) describeObject(text, path, interfaces);
   }
   text += "\nPaired devices\n";
   for (const auto& [path, interfaces] : all) {
-    auto device = interfaces.find("org.bluez.Device1");
+    auto device = interfaces.find(bluez::deviceInterface);
     if (device == interfaces.end()) continue;
     auto paired = device->second.find("Paired");
     if (paired != device->second.end() && paired->second == "true") describeObject(text, path, interfaces);

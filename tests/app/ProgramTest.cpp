@@ -1,4 +1,5 @@
 #include "linux/battery/PropertyList.h"
+#include "core/SettingKeys.h"
 #include "tests/support/PrivateBus.h"
 #include "tests/support/RequireService.h"
 #include "tests/support/PulseServer.h"
@@ -274,9 +275,9 @@ TEST_F(ProgramTest, TheScriptingInterfaceSaysWhatWasWrong) {
 
   // Starting at login follows the choice at once.
   const auto entry = program->settingsFile().parent_path().parent_path() / "autostart" / "lanternbud.desktop";
-  EXPECT_EQ(program->ctl({"config", "set", "launchAtLogin", "YES"}).status, 0);
+  EXPECT_EQ(program->ctl({"config", "set", settingKey::launchAtLogin, "YES"}).status, 0);
   EXPECT_TRUE(test::waitUntil([&] { return std::filesystem::exists(entry); }));
-  EXPECT_EQ(program->ctl({"config", "set", "launchAtLogin", "NO"}).status, 0);
+  EXPECT_EQ(program->ctl({"config", "set", settingKey::launchAtLogin, "NO"}).status, 0);
   EXPECT_TRUE(test::waitUntil([&] { return !std::filesystem::exists(entry); }));
 
   program->process().terminate();

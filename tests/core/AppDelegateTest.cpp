@@ -1,4 +1,5 @@
 #include "core/AppDelegate.h"
+#include "core/SettingKeys.h"
 #include "tests/support/CapturedLog.h"
 #include "tests/support/SimulatedPlatform.h"
 
@@ -22,9 +23,9 @@ TEST(AppDelegate, WithNoDevicesLaunchShowsThePreferencesAndNoTrayItem) {
   EXPECT_TRUE(app.applicationShouldHandleReopen());
   EXPECT_TRUE(log.contains("Showing preferences because of reopen."));
 
-  sim.defaults.setValue("launchAtLogin", true);
+  sim.defaults.setValue(settingKey::launchAtLogin, true);
   sim.defaults.setValue("LogConnect", true); // another key changes nothing
-  sim.defaults.removeValue("launchAtLogin");
+  sim.defaults.removeValue(settingKey::launchAtLogin);
   EXPECT_EQ(sim.loginItems.requests, (std::vector<bool>{false, true, false}));
 
   // The tray's paint follows the desktop, and the user's colour wins while set.
@@ -41,7 +42,7 @@ TEST(AppDelegate, WithDevicesLaunchFillsTheTrayAndQuittingSavesFirst) {
   test::CapturedLog log({"LogDock"});
   const SettingsValue devices = SettingsValue::Array{SettingsValue::Dictionary{{"deviceID", 2}, {"device", "b"}},
                                                      SettingsValue::Dictionary{{"deviceID", 1}, {"device", "a"}}};
-  InMemorySettingsStore store({{"devices", devices}, {"hideDockIcon", true}, {"launchAtLogin", true}});
+  InMemorySettingsStore store({{"devices", devices}, {"hideDockIcon", true}, {settingKey::launchAtLogin, true}});
   SimulatedPlatform sim(store);
   sim.world.addDevice("a", "Alpha", 5);
   sim.world.addDevice("b", "Beta", 5);

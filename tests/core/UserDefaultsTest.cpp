@@ -1,4 +1,5 @@
 #include "core/UserDefaults.h"
+#include "core/SettingKeys.h"
 #include "sim/InMemorySettingsStore.h"
 #include "tests/support/CapturedLog.h"
 
@@ -57,16 +58,19 @@ TEST(UserDefaults, TheCommandLineWinsForThatRunOnlyReadAsTheWantedType) {
 // A stored value that does not fit its key is said once, gives the default
 // and stays in the file for the user to mend.
 TEST(UserDefaults, AStoredValueThatDoesNotFitItsKeyIsSaidAndGivesTheDefault) {
-  const SettingsValue::Dictionary wrong{{"launchAtLogin", "yes"},         {"LogConnect", "YES"},
-                                        {"MissingAudioDeviceTries", 2.5}, {"ConnectionUpdateTimerInterval", 0.0},
-                                        {"TrayIconColor", "#zzzzzz"},     {"shortcutDictForDevice1", "Ctrl+Alt+H"},
+  const SettingsValue::Dictionary wrong{{settingKey::launchAtLogin, "yes"},
+                                        {"LogConnect", "YES"},
+                                        {"MissingAudioDeviceTries", 2.5},
+                                        {"ConnectionUpdateTimerInterval", 0.0},
+                                        {"TrayIconColor", "#zzzzzz"},
+                                        {"shortcutDictForDevice1", "Ctrl+Alt+H"},
                                         {"HeadsetBattery", "85"}};
   InMemorySettingsStore store(wrong);
   UserDefaults defaults(store);
-  defaults.registerDefaults({{"launchAtLogin", false}});
+  defaults.registerDefaults({{settingKey::launchAtLogin, false}});
   test::CapturedLog log;
   for (int twice = 0; twice < 2; ++twice) {
-    EXPECT_FALSE(defaults.boolValue("launchAtLogin", true));
+    EXPECT_FALSE(defaults.boolValue(settingKey::launchAtLogin, true));
     EXPECT_TRUE(defaults.boolValue("LogConnect", true));
     EXPECT_EQ(defaults.integerValue("MissingAudioDeviceTries", 5), 5);
     EXPECT_DOUBLE_EQ(defaults.doubleValue("ConnectionUpdateTimerInterval", 1), 1.0); // it would spin a core

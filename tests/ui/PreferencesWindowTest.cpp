@@ -1,4 +1,5 @@
 #include "core/DeviceSettingManager.h"
+#include "core/SettingKeys.h"
 #include "linux/xdg/XdgScriptsFolder.h"
 #include "ports/DiagnosticReporter.h"
 #include "tests/support/Contrast.h"
@@ -217,10 +218,10 @@ TEST_F(PreferencesWindowTest, TheListShowsTheDevicesWhoseOptionsApplyAndAreSaved
   registry->updateItemIcon(); // the tray's timer
   EXPECT_EQ(list->item(1)->text(), "Lantern Keyboard\nConnected · 80%");
 
-  click("launchAtLogin");
-  EXPECT_TRUE(sim.defaults.boolValue("launchAtLogin", false));
-  sim.defaults.setValue("launchAtLogin", false); // as lanternbud-ctl config set does
-  EXPECT_FALSE(find<QCheckBox>("launchAtLogin")->isChecked());
+  click(settingKey::launchAtLogin);
+  EXPECT_TRUE(sim.defaults.boolValue(settingKey::launchAtLogin, false));
+  sim.defaults.setValue(settingKey::launchAtLogin, false); // as lanternbud-ctl config set does
+  EXPECT_FALSE(find<QCheckBox>(settingKey::launchAtLogin)->isChecked());
 
   // The tray's tone: chosen here, and shown when set elsewhere.
   auto* trayIcons = find<QComboBox>("trayIcons");
@@ -254,7 +255,7 @@ TEST_F(PreferencesWindowTest, TheKeyboardReachesEverythingInTheOrderShown) {
   }
   EXPECT_EQ(order, (QStringList{"devices", "addDevice", "remove", "addByAddress", "icon", "shortcut", "clearShortcut",
                                 "isActive", "connectOnlyMode", "keepDefaultAudioInput", "showBatteryLevel", "advanced",
-                                "launchAtLogin", "trayIcons", "close", "qt_tabwidget_tabbar"}));
+                                settingKey::launchAtLogin, "trayIcons", "close", "qt_tabwidget_tabbar"}));
 
   // Each mnemonic once in the tab, and a label's reaches its field.
   QStringList mnemonics;
