@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ports/StatusBar.h"
+#include "ui/TrayMetrics.h"
 
 namespace lb {
 
@@ -8,7 +9,7 @@ namespace lb {
 // area "LogTray".
 class LoggingStatusBar final : public StatusBar {
 public:
-  double thickness() const override { return 22.0; }
+  double thickness() const override { return trayMetrics::thickness; }
   // Nobody sees these pictures: any paint will do.
   PanelSignals panelSignals() const override { return {}; }
   void watchPanel(std::function<void()>) override {}

@@ -1,4 +1,5 @@
 #include "ui/Spinner.h"
+#include "ui/TrayMetrics.h"
 
 #include <QPainter>
 
@@ -8,7 +9,7 @@ namespace lb {
 
 namespace {
 constexpr int spokes = 12;
-constexpr double height = 22.0; // points: the spokes are laid out on the tray's height
+constexpr double height = trayMetrics::thickness; // points: the spokes are laid out on the tray's height
 constexpr double spokeLength = 3.0, spokeStart = 4.0, firstOpacity = 0.15;
 constexpr int stepMilliseconds = 700 / spokes;
 } // namespace
@@ -43,7 +44,7 @@ void Spinner::start(const QColor& colour, const std::optional<QColor>& halo, Sho
       QIcon icon;
       for (int pixels : heights_) {
         const auto drawn = frame(step, pixels, colour);
-        icon.addPixmap(QPixmap::fromImage(halo ? TrayImage::withHalo(drawn, *halo, pixels / 22.0) : drawn));
+        icon.addPixmap(QPixmap::fromImage(halo ? TrayImage::withHalo(drawn, *halo, pixels / height) : drawn));
       }
       frames_.push_back(icon);
     }

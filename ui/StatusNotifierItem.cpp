@@ -4,6 +4,7 @@
 #include "ui/DesktopNotification.h"
 #include "ui/StatusNotifierItemAdaptor.h"
 #include "ui/StatusNotifierRegistrar.h"
+#include "ui/TrayMetrics.h"
 
 #include <QCoreApplication>
 #include <QGuiApplication>
@@ -18,7 +19,7 @@ const QString menuPath = "/MenuBar";
 // The sizes hosts draw, at the screen's pixel ratio.
 std::vector<int> pictureHeights() {
   std::vector<int> heights;
-  for (int points : {16, 22, 24, 32, 48, 64}) heights.push_back(int(points * qGuiApp->devicePixelRatio() + 0.5));
+  for (int points : trayMetrics::hostPoints) heights.push_back(int(points * qGuiApp->devicePixelRatio() + 0.5));
   return heights;
 }
 

@@ -1,4 +1,5 @@
 #include "ui/TrayImage.h"
+#include "ui/TrayMetrics.h"
 
 #include <QBuffer>
 #include <QFile>
@@ -92,7 +93,7 @@ std::vector<unsigned char> TrayImage::png() const {
 }
 
 const std::vector<int>& TrayImage::standardHeights() {
-  static const std::vector<int> heights{16, 22, 24, 32, 44, 48, 64};
+  static const std::vector<int> heights(trayMetrics::standardPixels.begin(), trayMetrics::standardPixels.end());
   return heights;
 }
 

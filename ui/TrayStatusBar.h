@@ -3,6 +3,7 @@
 #include "ports/StatusBar.h"
 #include "ui/PanelWatcher.h"
 #include "ui/TrayHost.h"
+#include "ui/TrayMetrics.h"
 
 #include <QColor>
 
@@ -30,7 +31,7 @@ public:
   explicit TrayStatusBar(TrayHost::Kind host);
   ~TrayStatusBar() override;
 
-  double thickness() const override { return 22.0; }
+  double thickness() const override { return trayMetrics::thickness; }
   std::unique_ptr<StatusItem> createStatusItem(double length, const std::string& identity) override;
   PanelSignals panelSignals() const override { return panel_.read(); }
   void watchPanel(std::function<void()> changed) override { panel_.onChange(std::move(changed)); }
