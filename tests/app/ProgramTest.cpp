@@ -194,6 +194,8 @@ TEST_F(ProgramTest, QuittingWhileAConnectStallsIsQuickAndSaves) {
   ASSERT_TRUE(program->start());
   test::PrivateBus::MessageCounter connects(system, "type='method_call',member='Connect'");
   ASSERT_TRUE(connects.started());
+  // Held only once the program has BlueZ's devices, or it would know no name.
+  ASSERT_TRUE(test::waitUntil([&] { return deviceProperty(2, "Name").toString() == "K380 Keyboard"; }));
   system.pauseBluez(true); // the call waits as long as BlueZ is held
   EXPECT_EQ(program->ctl({"connect", "K380 Keyboard", "--no-wait"}).status, 0);
   ASSERT_TRUE(test::waitUntil([&] { return connects.count() == 1; })); // the worker is in the call
