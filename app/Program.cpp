@@ -73,7 +73,7 @@ TrayHost::Kind findTray(const QDBusConnection& session, Tunables& tunables, bool
   PXR_LOG(launchLog(), "Tray:", TrayHost::describe(host));
   if (host != TrayHost::Kind::none) return host;
   const auto advice = TrayHost::missingAdvice(display);
-  pxrLogError(std::string(advice));
+  PXR_LOG_ERROR(std::string(advice));
   std::cerr << "lanternbud: " << advice << "\n";
   if (session.isConnected()) {
     sendDesktopNotification(session, localized("Lanternbud has no tray icons"), localized(advice));
@@ -93,8 +93,8 @@ int Program::runApplication(UserDefaults& defaults, Tunables& tunables, bool dem
   });
   auto session = QDBusConnection::sessionBus();
   if (!session.isConnected()) {
-    pxrLogError("No session bus (" + session.lastError().message().toStdString() +
-                "): lanternbud-ctl cannot reach this instance, and a second one is not prevented.");
+    PXR_LOG_ERROR("No session bus (" + session.lastError().message().toStdString() +
+                  "): lanternbud-ctl cannot reach this instance, and a second one is not prevented.");
   } else if (!session.registerService(bus::serviceName)) {
     return reopenRunningInstance(session);
   }

@@ -69,7 +69,7 @@ void AudioDeviceManager::setCurrent(const Device& device) {
     }
   }
   if (auto status = hardware_.pxrSetCurrent(device.id(), direction_); status != 0) {
-    pxrLogError("Error " + std::to_string(status) + " setting " + direction + " device to " + device.description());
+    PXR_LOG_ERROR("Error " + std::to_string(status) + " setting " + direction + " device to " + device.description());
     throw AudioError(AudioError::Kind::settingFailed, status);
   }
   auto now = current();
@@ -79,12 +79,12 @@ void AudioDeviceManager::setCurrent(const Device& device) {
              now->description();
     });
   } else if (now) {
-    pxrLogError("Successfully set last " + direction + " device to " + device.description() +
-                ", but current device is actually " + now->description());
+    PXR_LOG_ERROR("Successfully set last " + direction + " device to " + device.description() +
+                  ", but current device is actually " + now->description());
     throw AudioError(AudioError::Kind::succeededButVerificationFailed);
   } else {
-    pxrLogError("Successfully set last " + direction + " device to " + device.description() +
-                ", but can't read current device");
+    PXR_LOG_ERROR("Successfully set last " + direction + " device to " + device.description() +
+                  ", but can't read current device");
     throw AudioError(AudioError::Kind::succeededButCantVerify);
   }
 }

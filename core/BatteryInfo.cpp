@@ -77,7 +77,7 @@ bool BatteryInfo::shouldUseHelper() const {
 BatteryInfo::Dictionary BatteryInfo::helperInfo(const BluetoothDevice& device) {
   const auto address = device.addressString();
   if (address.empty()) {
-    pxrLogError("Nil address for device " + device.description());
+    PXR_LOG_ERROR("Nil address for device " + device.description());
     return {};
   }
   auto answer = sources_.runHelper(address);

@@ -78,16 +78,16 @@ void ConnectionControl::openConnection() {
     return;
   }
   if (pxrIsBluetoothAlreadyConnected(result)) {
-    pxrLogError("It looks like " + owner_.description() + " is already connected: " + pxrDescription(result));
+    PXR_LOG_ERROR("It looks like " + owner_.description() + " is already connected: " + pxrDescription(result));
   } else if (pxrIsPossiblySpuriousBluetoothTimeout(result) && operatingSystem_.hasSpuriousConnectionTimeouts()) {
-    pxrLogError("Error " + pxrDescription(result) + " connecting to " + owner_.description() +
-                "; will wait and see if this ends up being spurious.");
+    PXR_LOG_ERROR("Error " + pxrDescription(result) + " connecting to " + owner_.description() +
+                  "; will wait and see if this ends up being spurious.");
     judgingTimeout_ = true;
     loop_.postAfter(tunables_(tunable::ConnectionWaitInterval), [self = owner_.shared_from_this(), found, result] {
       self->connection().checkForDelayedConnection(found, result);
     });
   } else {
-    pxrLogError("Error " + pxrDescription(result) + " connecting to " + owner_.description());
+    PXR_LOG_ERROR("Error " + pxrDescription(result) + " connecting to " + owner_.description());
     showConnectionErrorAlert(result);
   }
 }
@@ -96,11 +96,11 @@ void ConnectionControl::checkForDelayedConnection(const std::shared_ptr<Bluetoot
                                                   const IOReturn& result) {
   judgingTimeout_ = false;
   if (found->isConnected()) {
-    pxrLogError("Error " + pxrDescription(result) + " connecting to " + owner_.description() + " was spurious");
+    PXR_LOG_ERROR("Error " + pxrDescription(result) + " connecting to " + owner_.description() + " was spurious");
     owner_.stopProgress();
     return;
   }
-  pxrLogError("Error " + pxrDescription(result) + " connecting to " + owner_.description() + " was real");
+  PXR_LOG_ERROR("Error " + pxrDescription(result) + " connecting to " + owner_.description() + " was real");
   showConnectionErrorAlert(result);
 }
 
@@ -114,7 +114,7 @@ void ConnectionControl::closeConnection() {
         [&] { return "End disconnecting from " + owner_.description() + " with status: " + pxrDescription(result); });
     loop_.post([self = owner_.shared_from_this()] { self->outputFixer().didDisconnect(); });
   } else {
-    pxrLogError("Error " + pxrDescription(result) + " disconnecting from " + owner_.description());
+    PXR_LOG_ERROR("Error " + pxrDescription(result) + " disconnecting from " + owner_.description());
   }
 }
 

@@ -50,13 +50,13 @@ void DeviceScripts::run(ScriptType type) {
                                  if (outcome.success) {
                                    scriptLog()([&] { return "Successfully ran script " + who + ": " + path; });
                                  } else {
-                                   pxrLogError("Error running script " + who + ": " + outcome.description);
+                                   PXR_LOG_ERROR("Error running script " + who + ": " + outcome.description);
                                  }
                                });
-  if (!started) pxrLogError("Error creating script " + who + ": " + path + ": " + started.failure().reason + ".");
+  if (!started) PXR_LOG_ERROR("Error creating script " + who + ": " + path + ": " + started.failure().reason + ".");
 }
 
-void DeviceScripts::save() {
+Result<> DeviceScripts::save() {
   for (auto type : allScriptTypes) {
     const auto key = rawValue(type);
     const auto edited = options_.value<std::string>(key);
@@ -65,8 +65,9 @@ void DeviceScripts::save() {
     if (hasFolder && edited == folder_.read(scriptFileName(id, type))) continue;
     if (!hasFolder && !edited) continue;
     scriptSaveLog()([&] { return "Saving " + key + " for device " + owner_.description(); });
-    saver_.saveScript(id, type, edited);
+    if (auto saved = saver_.saveScript(id, type, edited); !saved) return saved;
   }
+  return {};
 }
 
 } // namespace lb

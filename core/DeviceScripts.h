@@ -39,7 +39,7 @@ public:
   void run(ScriptType type);
   // Writes edited texts to their files; unchanged ones are left alone.
   // Throws ScriptError or the file system's failure.
-  void save();
+  Result<> save();
 
 private:
   const DeviceSetting& owner_;

@@ -160,7 +160,7 @@ public:
 
   void runScript(ScriptType type) { scripts_.run(type); }
   // Throws ScriptError or the file system's failure.
-  void saveScripts() { scripts_.save(); }
+  Result<> saveScripts() { return scripts_.save(); }
 
   // Battery levels and status texts, for the tray, its menu and scripts.
   std::optional<int> batteryLevel() { return presentation_.batteryLevel(); }

@@ -51,7 +51,7 @@ void InputDeviceManager::restoreLast() {
       try {
         setCurrent(device);
       } catch (const AudioError&) {
-        pxrLogError("Unable to set input device" + when + ": " + device.description());
+        PXR_LOG_ERROR("Unable to set input device" + when + ": " + device.description());
       }
     });
   }

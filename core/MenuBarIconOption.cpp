@@ -230,7 +230,7 @@ std::shared_ptr<Image> image(Images& images, MenuBarIconOption option, int batte
   auto gauge = images.named(gaugeName);
   auto icon = connectedImage(images, option);
   if (!gauge || !icon) {
-    pxrLogError("Missing image: " + gaugeName);
+    PXR_LOG_ERROR("Missing image: " + gaugeName);
     return icon;
   }
   gauge->setTemplate(true);

@@ -59,7 +59,7 @@ void OutputFixer::didFailToSetAudioOutput() {
     PXR_LOG_ERROR(current.tries, "remaining tries for audio output fix:", deviceSetting_.description());
     state_.setValue(State::waitingToDisconnect(current.tries - 1));
     break;
-  case State::Kind::gaveUp: pxrLogError("Already exhausted tries to fix audio ouptut"); return;
+  case State::Kind::gaveUp: PXR_LOG_ERROR("Already exhausted tries to fix audio ouptut"); return;
   case State::Kind::initial:
   case State::Kind::ok:
     PXR_LOG_ERROR("Could not set audio output so disconnecting and reconnecting:", deviceSetting_.description());

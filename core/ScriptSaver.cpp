@@ -9,10 +9,6 @@ namespace lb {
 
 namespace {
 constexpr const char* bookmarkKey = settingKey::scriptFolderURL;
-
-struct FileFailure : std::runtime_error {
-  using std::runtime_error::runtime_error;
-};
 } // namespace
 
 std::string ScriptSaver::normalizingLineBreaks(const std::string& text) {
@@ -34,24 +30,24 @@ bool ScriptSaver::promptForAccess(const std::string& location, const std::string
   return folder_.promptForAccess(location, message);
 }
 
-std::pair<std::string, bool> ScriptSaver::ensureScriptsFolder() {
+Result<std::pair<std::string, bool>> ScriptSaver::ensureScriptsFolder() {
   auto folder = folder_.location();
-  if (!folder) throw FileFailure("the system has no place for a scripts folder");
+  if (!folder) return Failure{"the system has no place for a scripts folder"};
   if (folder_.exists()) {
     PXR_LOG(scriptSaveLog(), "Scripts folder already exists:", *folder);
-    return {*folder, false};
+    return std::pair{*folder, false};
   }
   auto parent = folder_.parentLocation();
   PXR_LOG(scriptSaveLog(), "Prompting for access to:", parent);
   if (!promptForAccess(
           parent, localized("Please select the User > Library > Application Scripts folder to save the scripts."))) {
     PXR_LOG(scriptSaveLog(), "Didn't get access to:", parent);
-    if (auto created = folder_.create(); !created) throw FileFailure(created.failure().reason);
-    return {*folder, false};
+    if (auto created = folder_.create(); !created) return created.failure();
+    return std::pair{*folder, false};
   }
-  if (auto created = folder_.create(); !created) throw FileFailure(created.failure().reason);
+  if (auto created = folder_.create(); !created) return created.failure();
   PXR_LOG(scriptSaveLog(), "Created:", *folder);
-  return {*folder, true};
+  return std::pair{*folder, true};
 }
 
 void ScriptSaver::withWritableScriptFolder(bool ask, const Completion& completion) {
@@ -73,45 +69,51 @@ void ScriptSaver::withWritableScriptFolder(bool ask, const Completion& completio
     completion(std::nullopt);
     return;
   }
-  try {
-    auto [folder, access] = ensureScriptsFolder();
+  auto ensured = ensureScriptsFolder();
+  if (!ensured) {
+    PXR_LOG_ERROR("Error getting script folder: " + ensured.failure().reason);
+  } else {
+    const auto& [folder, access] = ensured.value();
     PXR_LOG(scriptSaveLog(), "Access", access, "to folder", folder);
     bool granted = access ||
                    promptForAccess(folder, localized("Please select the User > Library > Application Scripts > ") +
                                                bundleIdentifier + localized(" folder to save the scripts."));
-    if (granted) {
-      auto bookmark = folder_.bookmark(folder);
-      if (!bookmark) throw FileFailure("could not remember access to " + folder);
+    auto bookmark = granted ? folder_.bookmark(folder) : std::nullopt;
+    if (bookmark) {
       PXR_LOG(scriptSaveLog(), "Saving bookmark for", folder);
       defaults_.setValue(bookmarkKey, *bookmark);
       completion(folder);
       return;
     }
-  } catch (const std::exception& error) {
-    pxrLogError(std::string("Error getting script folder: ") + error.what());
+    if (granted) PXR_LOG_ERROR("Error getting script folder: could not remember access to " + folder);
   }
   PXR_LOG(scriptSaveLog(), "Never got access");
   completion(std::nullopt);
 }
 
-void ScriptSaver::saveScript(std::int64_t deviceID, ScriptType type, const std::optional<std::string>& text) {
+Result<> ScriptSaver::saveScript(std::int64_t deviceID, ScriptType type, const std::optional<std::string>& text) {
+  Result<> outcome = Failure{"no permission to write to the scripts folder"};
   withWritableScriptFolder(true, [&](const std::optional<std::string>& folder) {
     PXR_LOG(scriptSaveLog(), "Received baseURL", folder);
-    if (!folder) throw ScriptError();
+    if (!folder) return;
     const auto name = scriptFileName(deviceID, type);
     const auto path = *folder + "/" + name;
     PXR_LOG(scriptSaveLog(), "Script URL is", path);
     if (folder_.fileExists(name)) {
       PXR_LOG(scriptSaveLog(), "Removing URL", path);
-      if (auto removed = folder_.remove(name); !removed)
-        throw FileFailure("removing " + path + ": " + removed.failure().reason);
+      if (auto removed = folder_.remove(name); !removed) {
+        outcome = Failure{"removing " + path + ": " + removed.failure().reason};
+        return;
+      }
     }
+    outcome = {};
     if (!text || text->empty()) return;
     PXR_LOG(scriptSaveLog(), "Writing to URL", path);
     if (auto written = folder_.write(name, normalizingLineBreaks(*text)); !written) {
-      throw FileFailure("writing " + path + ": " + written.failure().reason);
+      outcome = Failure{"writing " + path + ": " + written.failure().reason};
     }
   });
+  return outcome;
 }
 
 // A script left behind would run for the next device given the same ID, so
@@ -122,15 +124,11 @@ void ScriptSaver::cleanUp(std::int64_t deviceID, ScriptType type) {
     if (!folder || !folder_.fileExists(name)) return;
     PXR_LOG(scriptSaveLog(), "Cleaning up URL", *folder + "/" + name);
     if (auto removed = folder_.remove(name); !removed) {
-      pxrLogError("Could not remove " + *folder + "/" + name + ": " + removed.failure().reason);
+      PXR_LOG_ERROR("Could not remove " + *folder + "/" + name + ": " + removed.failure().reason);
     }
   };
   if (!folder_.needsGrant()) return removeFrom(folder_.location());
-  try {
-    withWritableScriptFolder(false, removeFrom);
-  } catch (const std::exception&) {
-    // Cleaning up reports nothing more: the next save of a script replaces the file.
-  }
+  withWritableScriptFolder(false, removeFrom);
 }
 
 } // namespace lb

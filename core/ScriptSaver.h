@@ -2,21 +2,16 @@
 
 #include "core/ScriptType.h"
 #include "core/UserDefaults.h"
+#include "foundation/Result.h"
 #include "ports/ScriptsFolder.h"
 
 #include <cstdint>
 #include <functional>
 #include <optional>
-#include <stdexcept>
 #include <string>
+#include <utility>
 
 namespace lb {
-
-// No writable scripts folder could be had.
-class ScriptError : public std::runtime_error {
-public:
-  ScriptError() : std::runtime_error("no permission to write to the scripts folder") {}
-};
 
 // A device's script files in the scripts folder, and write access to it:
 // asked for once, remembered under "scriptFolderURL", reused silently.
@@ -26,8 +21,8 @@ public:
 
   // Replaces the script file with `text` (line breaks made line feeds), or
   // removes it when the text is absent or empty. May ask the user for
-  // access; throws ScriptError without it, or the file system's failure.
-  void saveScript(std::int64_t deviceID, ScriptType type, const std::optional<std::string>& text);
+  // access; fails without it, or with the file system's failure.
+  Result<> saveScript(std::int64_t deviceID, ScriptType type, const std::optional<std::string>& text);
 
   // Removes the script file where no grant is needed or the remembered
   // one allows; never asks, never fails.
@@ -40,7 +35,7 @@ private:
   using Completion = std::function<void(const std::optional<std::string>& folder)>;
   void withWritableScriptFolder(bool ask, const Completion& completion);
   // The folder, and whether access was granted on the way.
-  std::pair<std::string, bool> ensureScriptsFolder();
+  Result<std::pair<std::string, bool>> ensureScriptsFolder();
   bool promptForAccess(const std::string& location, const std::string& message);
 
   ScriptsFolder& folder_;

@@ -128,7 +128,7 @@ void ShortcutBinder::bind(const std::string& defaultsKey) {
   const auto keys = binding.state.keySequence;
   auto fail = [&](const Wording& problem) {
     binding.state.problem = problem.shown();
-    pxrLogError("The shortcut " + *keys + " for " + binding.name + " does nothing: " + problem.inEnglish());
+    PXR_LOG_ERROR("The shortcut " + *keys + " for " + binding.name + " does nothing: " + problem.inEnglish());
   };
   if (!keys) {
     // nothing stored: nothing to reserve
@@ -158,8 +158,8 @@ void ShortcutBinder::bind(const std::string& defaultsKey) {
           } else {
             const Wording problem{taken.failure().reason, *keys};
             state.problem = problem.shown();
-            pxrLogError("The shortcut " + *keys + " for " + found->second.name +
-                        " does nothing: " + problem.inEnglish());
+            PXR_LOG_ERROR("The shortcut " + *keys + " for " + found->second.name +
+                          " does nothing: " + problem.inEnglish());
           }
           listeners_.notify(defaultsKey);
         });

@@ -27,6 +27,4 @@ void PXRLog::write(std::string message, std::source_location site) const {
   }
 }
 
-void pxrLogError(std::string message, std::source_location site) { PXRLog::error().write(std::move(message), site); }
-
 } // namespace lb

@@ -10,10 +10,12 @@
 namespace lb {
 
 // A switchable log area. Lines are written only while the shared logger has
-// the area switched on, and their text is built only then.
+// the area switched on, and their text is built only then. Errors go to
+// the area-less error channel, always written.
 //
-//   connectLog([&] { return "Connecting " + name; });   // deferred text
-//   PXR_LOG(connectLog, "Connecting", name, count);      // items joined by " "
+//   connectLog()([&] { return "Connecting " + name; });  // deferred text
+//   PXR_LOG(connectLog(), "Connecting", name, count);    // items joined by " "
+//   PXR_LOG_ERROR("Cannot connect", name, reason);       // the one way to log an error
 class PXRLog {
 public:
   explicit PXRLog(std::optional<std::string> area, bool disabled = false)
@@ -40,9 +42,6 @@ private:
   bool disabled_;
 };
 
-// Writes to the error channel, whatever the areas say.
-void pxrLogError(std::string message, std::source_location site = std::source_location::current());
-
 } // namespace lb
 
 // Items are evaluated only when the area is on, in order, and joined by " ".
@@ -52,4 +51,5 @@ void pxrLogError(std::string message, std::source_location site = std::source_lo
     if (pxrLogArea_.isEnabled()) pxrLogArea_.write(::lb::pxrPrintingOptionals(" ", __VA_ARGS__)); \
   } while (0)
 
-#define PXR_LOG_ERROR(...) ::lb::pxrLogError(::lb::pxrPrintingOptionals(" ", __VA_ARGS__))
+// Writes to the error channel, whatever the areas say; items as PXR_LOG's.
+#define PXR_LOG_ERROR(...) ::lb::PXRLog::error().write(::lb::pxrPrintingOptionals(" ", __VA_ARGS__))

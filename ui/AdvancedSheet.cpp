@@ -116,12 +116,10 @@ void AdvancedSheet::done() {
   }
   setting_->setRunShellScriptAfterConnected(runConnected_->isChecked());
   setting_->setRunShellScriptAfterDisconnected(runDisconnected_->isChecked());
-  try {
-    setting_->saveScripts();
-  } catch (const std::exception& error) {
-    pxrLogError(std::string("Error saving script: ") + error.what());
-    problem_->setText(uiText("Unable to write script to the folder.") + " (" + QString::fromStdString(error.what()) +
-                      ")");
+  if (auto saved = setting_->saveScripts(); !saved) {
+    PXR_LOG_ERROR("Error saving script: " + saved.failure().reason);
+    problem_->setText(uiText("Unable to write script to the folder.") + " (" +
+                      QString::fromStdString(saved.failure().reason) + ")");
     problem_->show();
     emit scriptsChanged(); // the switches and texts are kept all the same
     return;

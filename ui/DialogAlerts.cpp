@@ -34,14 +34,14 @@ void DialogAlerts::openHelpPage(const std::string& page) {
     const auto file = folder / (page + ".html");
     if (!std::filesystem::exists(file)) continue;
     if (!QDesktopServices::openUrl(QUrl::fromLocalFile(QString::fromStdString(file.string())))) {
-      pxrLogError("No browser could open " + file.string());
+      PXR_LOG_ERROR("No browser could open " + file.string());
       runModal({localized("The help could not be opened."),
                 formatted(localized("No program on this computer opens web pages. The page is %@."), file.string()),
                 {localized("OK")}});
     }
     return;
   }
-  pxrLogError("The help page \"" + page + "\" is not installed.");
+  PXR_LOG_ERROR("The help page \"" + page + "\" is not installed.");
 }
 
 } // namespace lb

@@ -83,10 +83,10 @@ void PulseAudioSystem::stateChanged(pa_context* context, void* userdata) {
   case PA_CONTEXT_FAILED:
   case PA_CONTEXT_TERMINATED:
     if (self->stopping_) break;
-    if (self->ready_) pxrLogError("Lost the sound server; no audio devices until it returns.");
+    if (self->ready_) PXR_LOG_ERROR("Lost the sound server; no audio devices until it returns.");
     if (!self->ready_ && self->attempts_ == 1) {
-      pxrLogError("No sound server answers (" + std::string(pa_strerror(pa_context_errno(context))) +
-                  "); no audio devices until one starts.");
+      PXR_LOG_ERROR("No sound server answers (" + std::string(pa_strerror(pa_context_errno(context))) +
+                    "); no audio devices until one starts.");
     }
     self->ready_ = false;
     {
@@ -304,8 +304,8 @@ std::int32_t PulseAudioSystem::setDefaultDevice(AudioDirection direction, AudioD
   pa_threaded_mainloop_lock(mainloop_);
   if (!ready_) {
     pa_threaded_mainloop_unlock(mainloop_);
-    pxrLogError("Cannot set the default " + std::string(output ? "output" : "input") + " to " + target->name +
-                ": there is no sound server (is PulseAudio or PipeWire running?).");
+    PXR_LOG_ERROR("Cannot set the default " + std::string(output ? "output" : "input") + " to " + target->name +
+                  ": there is no sound server (is PulseAudio or PipeWire running?).");
     return -PA_ERR_CONNECTIONREFUSED;
   }
   struct Confirmation {

@@ -49,7 +49,7 @@ BluezBluetooth::BluezBluetooth(QDBusConnection bus) : bus_(std::move(bus)) {
     mirror_->clear();
     available_ = false;
     pairingListeners_.notify();
-    pxrLogError("BlueZ left the bus: no Bluetooth devices until it returns.");
+    PXR_LOG_ERROR("BlueZ left the bus: no Bluetooth devices until it returns.");
   });
   connect(watcher_, &QDBusServiceWatcher::serviceRegistered, this, [this] {
     available_ = true; // its objects follow as they are announced, and with the reload
@@ -63,8 +63,8 @@ BluezBluetooth::BluezBluetooth(QDBusConnection bus) : bus_(std::move(bus)) {
   if (reply.isValid()) {
     rebuild(reply.value());
   } else if (!retryIfStalled(reply.error().name())) {
-    pxrLogError("BlueZ is not available (" + reply.error().name().toStdString() +
-                "); Bluetooth devices appear when bluetoothd starts.");
+    PXR_LOG_ERROR("BlueZ is not available (" + reply.error().name().toStdString() +
+                  "); Bluetooth devices appear when bluetoothd starts.");
   }
 }
 
@@ -78,8 +78,8 @@ bool BluezBluetooth::retryIfStalled(const QString& errorName) {
   }
   available_ = false;
   if (retryMilliseconds_ == firstRetryMilliseconds) {
-    pxrLogError("BlueZ does not answer (" + errorName.toStdString() +
-                "); Lanternbud asks again at growing intervals, and the devices appear when it answers.");
+    PXR_LOG_ERROR("BlueZ does not answer (" + errorName.toStdString() +
+                  "); Lanternbud asks again at growing intervals, and the devices appear when it answers.");
   }
   QTimer::singleShot(retryMilliseconds_, this, [this] { reload(); });
   retryMilliseconds_ = std::min(retryMilliseconds_ * 2, 30'000);
@@ -105,7 +105,7 @@ void BluezBluetooth::reload() {
       return;
     }
     if (std::exchange(retryMilliseconds_, firstRetryMilliseconds) != firstRetryMilliseconds) {
-      pxrLogError("BlueZ answers again; its devices are read.");
+      PXR_LOG_ERROR("BlueZ answers again; its devices are read.");
     }
     rebuild(reply.value());
   });

@@ -46,7 +46,7 @@ BluezLowEnergyCentral::BluezLowEnergyCentral(QDBusConnection bus) : bus_(std::mo
                SLOT(propertiesChanged(QString, QVariantMap, QStringList, QDBusMessage)));
   callAsync(call("/", objectManager, "GetManagedObjects"), [this](const QDBusMessage& reply) {
     if (reply.type() != QDBusMessage::ReplyMessage) {
-      pxrLogError("The Low Energy reader finds no BlueZ: " + errorText(reply));
+      PXR_LOG_ERROR("The Low Energy reader finds no BlueZ: " + errorText(reply));
       return;
     }
     mirror_.replace(qdbus_cast<BluezObjectMap>(reply.arguments().value(0).value<QDBusArgument>()));
@@ -88,10 +88,10 @@ void BluezLowEnergyCentral::scanForPeripherals() {
     filter << QVariantMap{{"Transport", QString("le")}};
     callAsync(filter, [this, adapter](const QDBusMessage& reply) {
       if (reply.type() == QDBusMessage::ErrorMessage)
-        pxrLogError("Cannot limit discovery to Low Energy on " + adapter.toStdString() + ": " + errorText(reply));
+        PXR_LOG_ERROR("Cannot limit discovery to Low Energy on " + adapter.toStdString() + ": " + errorText(reply));
       callAsync(call(adapter, bluez::adapterInterface, "StartDiscovery"), [adapter](const QDBusMessage& started) {
         if (started.type() == QDBusMessage::ErrorMessage)
-          pxrLogError("Cannot scan for Low Energy devices on " + adapter.toStdString() + ": " + errorText(started));
+          PXR_LOG_ERROR("Cannot scan for Low Energy devices on " + adapter.toStdString() + ": " + errorText(started));
       });
     });
   }

@@ -133,7 +133,7 @@ void PortalGlobalKeys::request(const QString& method, QVariantList arguments, QV
   call.setArguments(arguments);
   auto reply = bus_.call(call, QDBus::Block, 5000);
   if (reply.type() == QDBusMessage::ErrorMessage) {
-    pxrLogError("The desktop portal did not take the shortcuts: " + reply.errorMessage().toStdString());
+    PXR_LOG_ERROR("The desktop portal did not take the shortcuts: " + reply.errorMessage().toStdString());
     answerPending(std::nullopt);
     return;
   }
@@ -152,7 +152,7 @@ void PortalGlobalKeys::response(uint code, const QVariantMap& results, const QDB
                   SLOT(response(uint, QVariantMap, QDBusMessage)));
   if (message.path() != awaited_) return; // superseded
   if (code != 0) {
-    pxrLogError("The desktop portal refused the shortcuts (answer " + std::to_string(code) + ").");
+    PXR_LOG_ERROR("The desktop portal refused the shortcuts (answer " + std::to_string(code) + ").");
     answerPending(std::nullopt);
   } else if (results.contains("session_handle")) {
     const auto handle = results.value("session_handle");

@@ -157,7 +157,7 @@ void X11GlobalKeys::setSuspended(bool suspended) {
   if (std::exchange(suspended_, suspended) == suspended) return;
   for (const auto& [id, grab] : grabs_) {
     if (suspended) ungrab(grab);
-    else if (!grabKeys(grab)) pxrLogError("Another program took the keys of shortcut " + id + " meanwhile.");
+    else if (!grabKeys(grab)) PXR_LOG_ERROR("Another program took the keys of shortcut " + id + " meanwhile.");
   }
   xcb_flush(connection_);
 }

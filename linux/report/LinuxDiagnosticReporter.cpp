@@ -89,7 +89,7 @@ Result<void> LinuxDiagnosticReporter::saveReport(const std::filesystem::path& de
         for (const auto& file : PXRLogStoreExtractor::writeLogs(journalFolder.path(), options))
           items.push_back({file.filename().string(), {}, file});
       } catch (const std::runtime_error& error) {
-        pxrLogError(std::string("Error extracting Journal: ") + error.what());
+        PXR_LOG_ERROR(std::string("Error extracting Journal: ") + error.what());
       }
     }
     // What went to standard error reaches the log file before it is read.
@@ -101,7 +101,7 @@ Result<void> LinuxDiagnosticReporter::saveReport(const std::filesystem::path& de
   } catch (const ReportCancelled&) {
     return Failure{"cancelled"};
   } catch (const std::exception& error) {
-    pxrLogError(std::string("Error saving diagnostic report: ") + error.what());
+    PXR_LOG_ERROR(std::string("Error saving diagnostic report: ") + error.what());
     return Failure{error.what()};
   }
 }

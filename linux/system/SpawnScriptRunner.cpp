@@ -124,7 +124,7 @@ void SpawnScriptRunner::endRunning(Seconds grace) {
   if (running_.empty()) return;
   std::string paths;
   for (const auto& [pid, script] : running_) paths += (paths.empty() ? "" : ", ") + script.path;
-  pxrLogError("Lanternbud quits: ending the scripts still running (" + paths + ").");
+  PXR_LOG_ERROR("Lanternbud quits: ending the scripts still running (" + paths + ").");
   for (const auto& [pid, script] : running_) ::kill(-pid, SIGTERM);
   const auto deadline = std::chrono::steady_clock::now() + grace;
   auto left = running_;
@@ -142,8 +142,8 @@ void SpawnScriptRunner::endRunning(Seconds grace) {
     if (::kill(-pid, 0) == 0) {
       ::kill(-pid, SIGKILL);
       if (left.contains(pid))
-        pxrLogError(script.path + " did not end within " + pxrDescribeDouble(grace.count()) +
-                    " s of SIGTERM; it was killed.");
+        PXR_LOG_ERROR(script.path + " did not end within " + pxrDescribeDouble(grace.count()) +
+                      " s of SIGTERM; it was killed.");
     }
     if (left.contains(pid)) ::waitpid(pid, nullptr, 0);
     ::close(script.pidfd);

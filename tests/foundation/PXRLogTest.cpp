@@ -27,7 +27,7 @@ TEST(PXRLog, AnAreaThatIsOffNeverBuildsItsMessage) {
   PXRLog unheard("LogOn");
   unheard(expensive);
   PXR_LOG(unheard, expensive());
-  pxrLogError("nobody listens");
+  PXR_LOG_ERROR("nobody listens");
   EXPECT_FALSE(unheard.isEnabled());
 
   test::CapturedLog log({"LogOn"});
@@ -67,7 +67,7 @@ TEST(PXRLog, ItemsAreJoinedByBlanksAndAbsentOnesPrintNil) {
 
 TEST(PXRLog, ErrorsAreWrittenWithEveryAreaOff) {
   test::CapturedLog log;
-  pxrLogError("plain");
+  PXR_LOG_ERROR("plain");
   PXR_LOG_ERROR("joined", std::optional<int>(), 7);
   EXPECT_EQ(log.messages(), (std::vector<std::string>{"plain", "joined nil 7"}));
   EXPECT_FALSE(log.lines().front().area);

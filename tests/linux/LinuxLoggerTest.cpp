@@ -31,7 +31,7 @@ TEST(LinuxLogger, TheAreasSwitchedOnGoWholeIntoTheProcesssOwnFile) {
   for (auto& thread : threads) thread.join();
   PXR_LOG(scriptLog(), "from the settings file");
   PXR_LOG(outputLog(), "never");
-  pxrLogError("always");
+  PXR_LOG_ERROR("always");
   PXRLogger::setSharedLogger(nullptr);
 
   // "2026-11-22 23:59:01.123 [LogConnect] tests/linux/LinuxLoggerTest.cpp:NN fn: thread T line I xxx…"
@@ -56,7 +56,7 @@ TEST(LinuxLogger, TheAreasSwitchedOnGoWholeIntoTheProcesssOwnFile) {
   setenv("XDG_STATE_HOME", (home / "settings.json/state").c_str(), 1);
   testing::internal::CaptureStderr();
   LinuxLogger::install([](const std::string&) { return false; }, "lanternbud");
-  pxrLogError("goes on");
+  PXR_LOG_ERROR("goes on");
   PXRLogger::setSharedLogger(nullptr);
   EXPECT_NE(testing::internal::GetCapturedStderr().find((home / "settings.json/state/lanternbud").string()),
             std::string::npos);
