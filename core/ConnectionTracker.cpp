@@ -31,8 +31,8 @@ void ConnectionTracker::registerNotifications() {
   if (!found) return;
   disconnectObserver_ = bluetooth_.registerForDisconnectNotification(
       *found, [weak = owner_.weak_from_this()](const BluetoothNotification& notification,
-                                               std::shared_ptr<BluetoothDevice> gone) {
-        if (auto self = weak.lock()) self->tracker().deviceDisconnected(notification, std::move(gone));
+                                               const std::shared_ptr<BluetoothDevice>& gone) {
+        if (auto self = weak.lock()) self->tracker().deviceDisconnected(notification, gone);
       });
 }
 
@@ -42,7 +42,7 @@ void ConnectionTracker::deviceConnected(const BluetoothNotification& notificatio
 }
 
 void ConnectionTracker::deviceDisconnected(const BluetoothNotification& notification,
-                                           std::shared_ptr<BluetoothDevice> gone) {
+                                           const std::shared_ptr<BluetoothDevice>& gone) {
   PXR_LOG(notificationsLog(), "deviceDisconnected notification:", notification, "device:", owner_.description(),
           owner_.outputFixer().state());
   owner_.stopProgress();

@@ -39,7 +39,7 @@ public:
   void registerNotifications();
   void unregisterNotifications() { disconnectObserver_.reset(); }
   void deviceConnected(const BluetoothNotification& notification);
-  void deviceDisconnected(const BluetoothNotification& notification, std::shared_ptr<BluetoothDevice> device);
+  void deviceDisconnected(const BluetoothNotification& notification, const std::shared_ptr<BluetoothDevice>& device);
 
   // The one place where a change of the connection is noticed.
   void updateConnectionState(const ConnectionUpdateReason& reason);

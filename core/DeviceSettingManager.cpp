@@ -19,8 +19,8 @@ DeviceSettingManager::DeviceSettingManager(Services& services)
   load();
   firstLaunch_ = list_.empty();
   connectionObserver_ = services_.bluetooth.registerForConnectNotifications(
-      [this](const BluetoothNotification& notification, std::shared_ptr<BluetoothDevice> device) {
-        deviceConnected(notification, std::move(device));
+      [this](const BluetoothNotification& notification, const std::shared_ptr<BluetoothDevice>& device) {
+        deviceConnected(notification, device);
       });
   statusTimer_ = std::make_unique<PXRTimer>(10s, true, [this] { updateItemIcon(); });
   statusTimer_->schedule(services_.loop);
@@ -196,7 +196,7 @@ void DeviceSettingManager::showLandingPopover(DeviceSetting& setting) {
 }
 
 void DeviceSettingManager::deviceConnected(const BluetoothNotification& notification,
-                                           std::shared_ptr<BluetoothDevice> device) {
+                                           const std::shared_ptr<BluetoothDevice>& device) {
   if (!device) {
     PXR_LOG(bluetoothNotificationsLog(), "Nil device connected:", notification);
     return;

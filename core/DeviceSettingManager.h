@@ -66,7 +66,7 @@ public:
   // program that started with no devices.
   void showLandingPopover(DeviceSetting& setting);
 
-  void deviceConnected(const BluetoothNotification& notification, std::shared_ptr<BluetoothDevice> device);
+  void deviceConnected(const BluetoothNotification& notification, const std::shared_ptr<BluetoothDevice>& device);
 
   // Ends every device's presence in the system and stops listening.
   void unregister();

@@ -136,7 +136,7 @@ JsonSettingsStore::Read JsonSettingsStore::readFile(SettingsValue::Dictionary& f
   };
   auto target = finalTarget(file_);
   if (!target) return startsFromDefaults(target.failure().reason, "the link is mended or removed");
-  const auto path = target.value();
+  const auto& path = target.value();
   std::error_code error;
   const auto type = std::filesystem::status(path, error).type();
   if (type == std::filesystem::file_type::not_found) return Read::absent;

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <functional>
-#include <optional>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -43,13 +42,13 @@ template <class E>
 class Result<void, E> {
 public:
   Result() = default;
-  Result(E failure) : failure_(std::move(failure)) {}
+  Result(E failure) : outcome_(std::in_place_index<1>, std::move(failure)) {}
 
-  explicit operator bool() const { return !failure_; }
-  const E& failure() const { return *failure_; }
+  explicit operator bool() const { return outcome_.index() == 0; }
+  const E& failure() const { return std::get<1>(outcome_); }
 
 private:
-  std::optional<E> failure_;
+  std::variant<std::monostate, E> outcome_;
 };
 
 } // namespace lb
