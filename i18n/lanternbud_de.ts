@@ -532,8 +532,8 @@
         <translation>Änderungen werden sofort gespeichert.</translation>
     </message>
     <message>
-        <source>Lanternbud Report</source>
-        <translation>Lanternbud-Bericht</translation>
+        <source>Lanternbud Report %1</source>
+        <translation>Lanternbud-Bericht %1</translation>
     </message>
     <message>
         <source>Save Diagnostic Report</source>
@@ -636,16 +636,16 @@
         <translation>Tastenkürzel löschen</translation>
     </message>
     <message>
-        <source>%@ cannot be the shortcut: </source>
-        <translation>%@ kann nicht das Tastenkürzel sein: </translation>
+        <source>%1 cannot be the shortcut: %2</source>
+        <translation>%1 kann nicht das Tastenkürzel sein: %2</translation>
     </message>
     <message>
         <source>This desktop offers programs no global shortcuts. Bind “lanternbud-ctl toggle %@” to a key in your desktop’s keyboard settings instead.</source>
         <translation>Diese Arbeitsumgebung bietet Programmen keine globalen Tastenkürzel. Legen Sie stattdessen in den Tastatureinstellungen Ihrer Arbeitsumgebung eine Taste für „lanternbud-ctl toggle %@“ fest.</translation>
     </message>
     <message>
-        <source>The shortcut does nothing: </source>
-        <translation>Das Tastenkürzel ist wirkungslos: </translation>
+        <source>The shortcut does nothing: %@</source>
+        <translation>Das Tastenkürzel ist wirkungslos: %@</translation>
     </message>
     <message>
         <source>The desktop set it to %@.</source>

@@ -118,8 +118,9 @@ void AdvancedSheet::done() {
   setting_->setRunShellScriptAfterDisconnected(runDisconnected_->isChecked());
   if (auto saved = setting_->saveScripts(); !saved) {
     PXR_LOG_ERROR("Error saving script: " + saved.failure().reason);
-    problem_->setText(uiText("Unable to write script to the folder.") + " (" +
-                      QString::fromStdString(saved.failure().reason) + ")");
+    // The system's reason on a line of its own, after the whole sentence.
+    problem_->setText(uiText("Unable to write script to the folder.") + "\n" +
+                      QString::fromStdString(saved.failure().reason));
     problem_->show();
     emit scriptsChanged(); // the switches and texts are kept all the same
     return;

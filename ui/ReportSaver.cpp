@@ -26,7 +26,7 @@ void ReportSaver::start(bool maskAddresses) {
   // The desktop, where one is kept; else home.
   auto folder = QStandardPaths::writableLocation(QStandardPaths::DesktopLocation);
   if (!QDir(folder).exists()) folder = QDir::homePath();
-  const auto name = uiText("Lanternbud Report") + " " + QDateTime::currentDateTime().toString("yyyy-MM-dd HH.mm") +
+  const auto name = uiText("Lanternbud Report %1").arg(QDateTime::currentDateTime().toString("yyyy-MM-dd HH.mm")) +
                     ".tar.gz";
   auto* dialog = new QFileDialog(parent_, uiText("Save Diagnostic Report"), QDir(folder).filePath(name),
                                  uiText("Compressed archives (*.tar.gz)"));

@@ -83,8 +83,8 @@ void ShortcutRecorder::record() {
   auto stored = binder_.setShortcut(*key_, text);
   showState();
   if (!stored) {
-    note_->setText(
-        QString::fromStdString(formatted(localized("%@ cannot be the shortcut: "), text) + stored.failure().reason));
+    note_->setText(uiText("%1 cannot be the shortcut: %2")
+                       .arg(QString::fromStdString(text), QString::fromStdString(stored.failure().reason)));
   }
 }
 
@@ -112,7 +112,8 @@ QString ShortcutRecorder::noteOn(const ShortcutBinder::State& state, bool possib
                             "to a key in your desktop’s keyboard settings instead."),
                   std::to_string(deviceID_)));
   }
-  if (state.problem) return QString::fromStdString(localized("The shortcut does nothing: ") + *state.problem);
+  if (state.problem)
+    return QString::fromStdString(formatted(localized("The shortcut does nothing: %@"), *state.problem));
   if (!state.trigger || !state.keySequence) return {};
   const auto asked = QKeySequence::fromString(QString::fromStdString(*state.keySequence), QKeySequence::PortableText)
                          .toString(QKeySequence::NativeText)
