@@ -1,6 +1,7 @@
 #include "ui/Spinner.h"
 #include "ui/TrayMetrics.h"
 
+#include <chrono>
 #include <QPainter>
 
 #include <algorithm>
@@ -11,7 +12,7 @@ namespace {
 constexpr int spokes = 12;
 constexpr double height = trayMetrics::thickness; // points: the spokes are laid out on the tray's height
 constexpr double spokeLength = 3.0, spokeStart = 4.0, firstOpacity = 0.15;
-constexpr int stepMilliseconds = 700 / spokes;
+constexpr std::chrono::milliseconds stepTime{700 / spokes};
 } // namespace
 
 QImage Spinner::frame(int step, int pixels, const QColor& colour) {
@@ -52,7 +53,7 @@ void Spinner::start(const QColor& colour, const std::optional<QColor>& halo, Sho
   step_ = 0;
   show(frames_[0]);
   timer_ = std::make_unique<QTimer>();
-  timer_->setInterval(stepMilliseconds);
+  timer_->setInterval(stepTime);
   QObject::connect(timer_.get(), &QTimer::timeout, [this, show = std::move(show)] {
     step_ = (step_ + 1) % spokes;
     show(frames_[std::size_t(step_)]);

@@ -2,6 +2,7 @@
 
 #include "core/Texts.h"
 
+#include <chrono>
 #include <QDBusConnectionInterface>
 #include <QDBusServiceWatcher>
 #include <QEventLoop>
@@ -21,7 +22,7 @@ bool awaitWatcher(const QDBusConnection& session, Seconds wait) {
   QDBusServiceWatcher watcher(TrayHost::watcherService, session, QDBusServiceWatcher::WatchForRegistration);
   QEventLoop loop;
   QObject::connect(&watcher, &QDBusServiceWatcher::serviceRegistered, &loop, &QEventLoop::quit);
-  QTimer::singleShot(int(wait.count() * 1000), &loop, &QEventLoop::quit);
+  QTimer::singleShot(std::chrono::duration_cast<std::chrono::milliseconds>(wait), &loop, &QEventLoop::quit);
   if (hasWatcher(session)) return true; // came between the first look and the watch
   loop.exec();
   return hasWatcher(session);

@@ -77,12 +77,12 @@ bool BluezBluetooth::retryIfStalled(const QString& errorName) {
     return false;
   }
   available_ = false;
-  if (retryMilliseconds_ == firstRetryMilliseconds) {
+  if (retry_ == firstRetry) {
     PXR_LOG_ERROR("BlueZ does not answer (" + errorName.toStdString() +
                   "); Lanternbud asks again at growing intervals, and the devices appear when it answers.");
   }
-  QTimer::singleShot(retryMilliseconds_, this, [this] { reload(); });
-  retryMilliseconds_ = std::min(retryMilliseconds_ * 2, 30'000);
+  QTimer::singleShot(retry_, this, [this] { reload(); });
+  retry_ = std::min<std::chrono::milliseconds>(retry_ * 2, std::chrono::seconds(30));
   return true;
 }
 
@@ -104,7 +104,7 @@ void BluezBluetooth::reload() {
       retryIfStalled(reply.error().name());
       return;
     }
-    if (std::exchange(retryMilliseconds_, firstRetryMilliseconds) != firstRetryMilliseconds) {
+    if (std::exchange(retry_, firstRetry) != firstRetry) {
       PXR_LOG_ERROR("BlueZ answers again; its devices are read.");
     }
     rebuild(reply.value());

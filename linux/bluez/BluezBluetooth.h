@@ -3,6 +3,7 @@
 #include "linux/bluez/BluezMirror.h"
 #include "ports/Bluetooth.h"
 
+#include <chrono>
 #include <QDBusConnection>
 #include <QDBusObjectPath>
 #include <QObject>
@@ -58,7 +59,7 @@ private:
   // Whether the error is one of a bluetoothd that does not answer, and so
   // another reload is on its way.
   bool retryIfStalled(const QString& errorName);
-  static constexpr int firstRetryMilliseconds = 1000;
+  static constexpr std::chrono::milliseconds firstRetry{1000};
 
   QDBusConnection bus_;
   std::shared_ptr<BluezMirror> mirror_ = std::make_shared<BluezMirror>();
@@ -66,7 +67,7 @@ private:
   std::map<std::uint64_t, Subscription> subscriptions_;
   std::uint64_t nextSubscription_ = 0;
   Listeners<> pairingListeners_;
-  int retryMilliseconds_ = firstRetryMilliseconds;
+  std::chrono::milliseconds retry_ = firstRetry;
   bool available_ = false; // until BlueZ's objects are read
 };
 

@@ -8,8 +8,8 @@
 
 namespace lb {
 
-int BluezDevice::callTimeoutMilliseconds(std::optional<std::uint16_t> pageTimeout) {
-  return pageTimeout.value_or(8192) * 5 / 8 + 20'000;
+std::chrono::milliseconds BluezDevice::callTimeout(std::optional<std::uint16_t> pageTimeout) {
+  return std::chrono::milliseconds(pageTimeout.value_or(8192) * 5 / 8) + std::chrono::seconds(20);
 }
 
 std::optional<std::string> BluezDevice::name() const {
@@ -53,12 +53,12 @@ std::optional<SettingsValue> BluezDevice::batteryProperty(const std::string& key
 }
 
 IOReturn BluezDevice::openConnection(std::optional<std::uint16_t> pageTimeout) {
-  return call("Connect", callTimeoutMilliseconds(pageTimeout));
+  return call("Connect", callTimeout(pageTimeout));
 }
 
-IOReturn BluezDevice::closeConnection() { return call("Disconnect", callTimeoutMilliseconds(std::nullopt)); }
+IOReturn BluezDevice::closeConnection() { return call("Disconnect", callTimeout(std::nullopt)); }
 
-IOReturn BluezDevice::call(const char* method, int timeoutMilliseconds) {
+IOReturn BluezDevice::call(const char* method, std::chrono::milliseconds timeout) {
   // What the mirror already says costs no message.
   if (!mirror_->property(path_, bluez::deviceInterface, "Address")) {
     return IOReturn::make(IOReturn::Code::kIOReturnNoDevice, "the device is gone from BlueZ");
@@ -70,7 +70,7 @@ IOReturn BluezDevice::call(const char* method, int timeoutMilliseconds) {
     }
   }
   auto message = QDBusMessage::createMethodCall(bluez::service, path_, bluez::deviceInterface, method);
-  auto reply = bus_.call(message, QDBus::Block, timeoutMilliseconds);
+  auto reply = bus_.call(message, QDBus::Block, int(timeout.count()));
   if (reply.type() == QDBusMessage::ErrorMessage) {
     return bluezResult(reply.errorName().toStdString(), reply.errorMessage().toStdString());
   }

@@ -3,6 +3,7 @@
 #include "linux/bluez/BluezMirror.h"
 #include "ports/BluetoothDevice.h"
 
+#include <chrono>
 #include <QDBusConnection>
 
 #include <memory>
@@ -19,7 +20,7 @@ public:
   // BlueZ takes no page timeout. A call waits the page time asked for (8192
   // slots, 5.12 s, when none is given: BlueZ's own default) plus 20 s for the
   // profiles (audio, hands-free) to come up after the link: 0.625 ms a slot.
-  static int callTimeoutMilliseconds(std::optional<std::uint16_t> pageTimeout);
+  static std::chrono::milliseconds callTimeout(std::optional<std::uint16_t> pageTimeout);
 
   std::string addressString() const override { return address_; }
   std::optional<std::string> name() const override;
@@ -34,7 +35,7 @@ public:
   const QString& path() const { return path_; }
 
 private:
-  IOReturn call(const char* method, int timeoutMilliseconds);
+  IOReturn call(const char* method, std::chrono::milliseconds timeout);
 
   std::shared_ptr<const BluezMirror> mirror_;
   QDBusConnection bus_;

@@ -167,8 +167,8 @@ TEST_F(BluezTest, BluezErrorsBecomeResultCodes) {
   EXPECT_EQ(onWorker([&] { return headset->openConnection(); }).code(), 704);
 
   EXPECT_LT(bluezResult("org.bluez.Error.Failed", std::string(5000, 'x')).detail.size(), 250u);
-  EXPECT_EQ(BluezDevice::callTimeoutMilliseconds(20000), 32'500);
-  EXPECT_EQ(BluezDevice::callTimeoutMilliseconds(std::nullopt), 25'120);
+  EXPECT_EQ(BluezDevice::callTimeout(20000), std::chrono::milliseconds(32'500));
+  EXPECT_EQ(BluezDevice::callTimeout(std::nullopt), std::chrono::milliseconds(25'120));
 }
 
 } // namespace lb
