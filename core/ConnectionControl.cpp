@@ -6,38 +6,39 @@
 
 namespace lb {
 
-bool ConnectionControl::refusesDisconnecting() const {
-  if (!owner_.connectionOnlyMode()) return false;
+bool ConnectionControl::refusesDisconnecting(bool connected, bool evenInConnectOnlyMode) const {
+  if (!connected || evenInConnectOnlyMode || !owner_.connectionOnlyMode()) return false;
   connectLog()([&] { return "Tried to disconnect from " + owner_.description() + " but in connection-only mode"; });
   return true;
 }
 
+// The closures hold the device's setting, and with it this part, until
+// they have run.
 void ConnectionControl::toggle(std::shared_ptr<BluetoothDevice> device, bool evenInConnectOnlyMode) {
   busy_ = true;
-  loop_.runOnWorker([self = owner_.shared_from_this(), device = std::move(device), evenInConnectOnlyMode] {
-    auto& control = self->connection();
-    auto& loop = control.loop_;
-    if (device->isConnected()) {
-      if (!evenInConnectOnlyMode && control.refusesDisconnecting()) {
-        loop.post([self] {
-          self->connection().busy_ = false;
-          self->stopProgress();
-        });
-        return;
-      }
-      loop.post([self] { self->outputFixer().willManuallyDisconnect(); });
-      control.closeConnection();
+  loop_.runOnWorker([this, alive = owner_.shared_from_this(), device = std::move(device), evenInConnectOnlyMode] {
+    const bool connected = device->isConnected();
+    if (refusesDisconnecting(connected, evenInConnectOnlyMode)) {
+      loop_.post([this, alive] {
+        busy_ = false;
+        owner_.stopProgress();
+      });
+      return;
+    }
+    if (connected) {
+      loop_.post([alive] { alive->outputFixer().willManuallyDisconnect(); });
+      closeConnection();
     } else {
-      control.inputDeviceManager_.rememberCurrentDevice("about to connect from Lanternbud");
-      control.openConnection();
+      inputDeviceManager_.rememberCurrentDevice("about to connect from Lanternbud");
+      openConnection();
     }
     // Whatever the attempt's end (BlueZ may say "already connected" of a
     // link not yet reported), the spinner stops with it, unless a time-out
     // is still being waited out.
-    loop.post([self] {
-      self->connection().busy_ = false;
-      self->updateConnectionState(ConnectionUpdateReason::toggle());
-      if (!self->connection().judgingTimeout_) self->stopProgress();
+    loop_.post([this, alive] {
+      busy_ = false;
+      owner_.updateConnectionState(ConnectionUpdateReason::toggle());
+      if (!judgingTimeout_) owner_.stopProgress();
     });
   });
 }
@@ -83,9 +84,8 @@ void ConnectionControl::openConnection() {
     PXR_LOG_ERROR("Error " + pxrDescription(result) + " connecting to " + owner_.description() +
                   "; will wait and see if this ends up being spurious.");
     judgingTimeout_ = true;
-    loop_.postAfter(tunables_(tunable::ConnectionWaitInterval), [self = owner_.shared_from_this(), found, result] {
-      self->connection().checkForDelayedConnection(found, result);
-    });
+    loop_.postAfter(tunables_(tunable::ConnectionWaitInterval), [this, alive = owner_.shared_from_this(), found,
+                                                                 result] { checkForDelayedConnection(found, result); });
   } else {
     PXR_LOG_ERROR("Error " + pxrDescription(result) + " connecting to " + owner_.description());
     showConnectionErrorAlert(result);
@@ -119,16 +119,15 @@ void ConnectionControl::closeConnection() {
 }
 
 void ConnectionControl::showConnectionErrorAlert(const IOReturn& result) {
-  loop_.post([self = owner_.shared_from_this(), result] {
-    auto& fixer = self->outputFixer();
+  loop_.post([this, alive = owner_.shared_from_this(), result] {
+    auto& fixer = owner_.outputFixer();
     const bool settled = !fixer.isRetrying();
     fixer.didFailToConnect();
-    self->stopProgress();
+    owner_.stopProgress();
     // While the fixer is itself closing and reopening the connection, its
     // failures are no news to the user.
     if (!settled) return;
-    auto& alerts = self->connection().alerts_;
-    if (alerts.runModal(self->connection().connectionErrorAlert(result)) == 1) alerts.openHelpPage("not-connecting");
+    if (alerts_.runModal(connectionErrorAlert(result)) == 1) alerts_.openHelpPage("not-connecting");
   });
 }
 

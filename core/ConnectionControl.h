@@ -31,8 +31,10 @@ public:
   void toggle(std::shared_ptr<BluetoothDevice> device, bool evenInConnectOnlyMode = false);
   // From a toggle until its state update: main thread.
   bool isBusy() const { return busy_; }
-  // Connection-only mode, with its log line.
-  bool refusesDisconnecting() const;
+  // Whether connection-only mode keeps a connected device connected, unless
+  // the user asked for this disconnect by name; with its log line. The one
+  // place that decides it, on the main thread and again on the worker.
+  bool refusesDisconnecting(bool connected, bool evenInConnectOnlyMode) const;
 
   // Blocking: a synchronous attempt, then a retry with a long page timeout.
   void openConnection();

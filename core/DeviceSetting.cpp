@@ -179,7 +179,7 @@ ConnectionOutcome DeviceSetting::request(std::optional<bool> wanted, const std::
   const bool connected = found->isConnected();
   if (wanted == connected) return ConnectionOutcome::unchanged;
   if (!wanted && tracker_.setOutputInsteadOfDisconnecting(*found)) return ConnectionOutcome::settingOutput;
-  if (connected && !evenInConnectOnlyMode && connection_.refusesDisconnecting()) {
+  if (connection_.refusesDisconnecting(connected, evenInConnectOnlyMode)) {
     return ConnectionOutcome::connectionOnly;
   }
   startProgress();
