@@ -1,6 +1,6 @@
 #include "app/DemoWorld.h"
-#include "core/SettingKeys.h"
 
+#include "core/SettingKeys.h"
 #include "sim/SimBehaviours.h"
 
 #include <algorithm>

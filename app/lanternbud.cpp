@@ -1,9 +1,9 @@
 // lanternbud: the program, or with "-PrintBatteryInfo <address>" (also as
 // LanternbudHelperTool) its battery print mode.
 #include "app/Program.h"
-#include "core/SettingKeys.h"
 #include "app/Translations.h"
 #include "core/AppDelegate.h"
+#include "core/SettingKeys.h"
 #include "foundation/BluetoothAddress.h"
 #include "foundation/JsonSettingsStore.h"
 #include "linux/logging/LinuxLogger.h"

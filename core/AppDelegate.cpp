@@ -1,8 +1,8 @@
 #include "core/AppDelegate.h"
-#include "core/SettingKeys.h"
 
 #include "core/LogAreas.h"
 #include "core/LoginLauncher.h"
+#include "core/SettingKeys.h"
 
 namespace lb {
 

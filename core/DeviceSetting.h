@@ -1,7 +1,6 @@
 #pragma once
 
 #include "core/BluetoothMatchable.h"
-#include "core/SettingKeys.h"
 #include "core/ConnectionControl.h"
 #include "core/ConnectionOutcome.h"
 #include "core/ConnectionTracker.h"
@@ -13,6 +12,7 @@
 #include "core/MenuBarIconOption.h"
 #include "core/OutputFixer.h"
 #include "core/Services.h"
+#include "core/SettingKeys.h"
 
 #include <atomic>
 #include <cstdint>

@@ -1,7 +1,7 @@
 #include "core/LoginLauncher.h"
-#include "core/SettingKeys.h"
 
 #include "core/LogAreas.h"
+#include "core/SettingKeys.h"
 
 namespace lb {
 

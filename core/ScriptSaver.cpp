@@ -1,8 +1,8 @@
 #include "core/ScriptSaver.h"
-#include "core/SettingKeys.h"
 
 #include "core/AppIdentity.h"
 #include "core/LogAreas.h"
+#include "core/SettingKeys.h"
 #include "core/Texts.h"
 
 namespace lb {

@@ -20,8 +20,9 @@ inline constexpr const char* devices = "devices";                 // the registr
 } // namespace settingKey
 
 // The settings the program reads: every tunable, every log area, the
-// options of the program (settingKey::) and the devices' shortcut keys. A key outside them does nothing, so a client
-// that sets one has most likely mistyped it.
+// options of the program (settingKey::) and the devices' shortcut keys. A
+// key outside them does nothing, so a client that sets one has most likely
+// mistyped it.
 struct SettingKeys {
   static bool isKnown(std::string_view key);
   // Why `value` cannot be what `key` holds: its type, or its range, from the

@@ -1,8 +1,8 @@
 #include "ui/DeviceListPane.h"
-#include "core/SettingKeys.h"
 
 #include "core/DeviceSettingManager.h"
 #include "core/LogAreas.h"
+#include "core/SettingKeys.h"
 #include "ui/AddByAddressDialog.h"
 #include "ui/AdvancedSheet.h"
 #include "ui/DeviceChooser.h"

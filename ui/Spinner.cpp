@@ -1,10 +1,11 @@
 #include "ui/Spinner.h"
+
 #include "ui/TrayMetrics.h"
 
-#include <chrono>
 #include <QPainter>
 
 #include <algorithm>
+#include <chrono>
 
 namespace lb {
 

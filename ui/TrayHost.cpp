@@ -2,12 +2,13 @@
 
 #include "core/Texts.h"
 
-#include <chrono>
 #include <QDBusConnectionInterface>
 #include <QDBusServiceWatcher>
 #include <QEventLoop>
 #include <QSystemTrayIcon>
 #include <QTimer>
+
+#include <chrono>
 
 namespace lb {
 

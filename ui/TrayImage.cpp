@@ -1,4 +1,5 @@
 #include "ui/TrayImage.h"
+
 #include "ui/TrayMetrics.h"
 
 #include <QBuffer>

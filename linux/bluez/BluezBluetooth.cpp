@@ -1,10 +1,10 @@
 #include "linux/bluez/BluezBluetooth.h"
-#include "linux/bluez/BluezNames.h"
 
 #include "foundation/BluetoothAddress.h"
 #include "foundation/PXRLog.h"
 #include "linux/bluez/BluezDevice.h"
 #include "linux/bluez/BluezErrors.h"
+#include "linux/bluez/BluezNames.h"
 
 #include <QDBusArgument>
 #include <QDBusMessage>

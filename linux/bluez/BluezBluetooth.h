@@ -3,11 +3,11 @@
 #include "linux/bluez/BluezMirror.h"
 #include "ports/Bluetooth.h"
 
-#include <chrono>
 #include <QDBusConnection>
 #include <QDBusObjectPath>
 #include <QObject>
 
+#include <chrono>
 #include <map>
 #include <memory>
 

@@ -1,7 +1,7 @@
 #include "linux/bluez/BluezDevice.h"
-#include "linux/bluez/BluezNames.h"
 
 #include "linux/bluez/BluezErrors.h"
+#include "linux/bluez/BluezNames.h"
 
 #include <QDBusMessage>
 #include <QDBusObjectPath>

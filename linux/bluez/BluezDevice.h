@@ -3,9 +3,9 @@
 #include "linux/bluez/BluezMirror.h"
 #include "ports/BluetoothDevice.h"
 
-#include <chrono>
 #include <QDBusConnection>
 
+#include <chrono>
 #include <memory>
 
 namespace lb {

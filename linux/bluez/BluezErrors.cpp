@@ -1,4 +1,5 @@
 #include "linux/bluez/BluezErrors.h"
+
 #include "linux/bluez/BluezNames.h"
 
 #include <algorithm>

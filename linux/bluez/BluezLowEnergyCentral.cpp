@@ -1,7 +1,7 @@
 #include "linux/bluez/BluezLowEnergyCentral.h"
-#include "linux/bluez/BluezNames.h"
 
 #include "foundation/PXRLog.h"
+#include "linux/bluez/BluezNames.h"
 
 #include <QDBusArgument>
 #include <QDBusMessage>

@@ -1,4 +1,5 @@
 #include "linux/bluez/BluezMirror.h"
+
 #include "linux/bluez/BluezNames.h"
 
 #include <QDBusArgument>

@@ -2,8 +2,8 @@
 
 namespace lb {
 
-// The X11 system tray of the freedesktop.org tray specification, where a
-// panel docks the windows of tray icons.
+// The X11 system tray: a panel that owns the selection _NET_SYSTEM_TRAY_S0
+// docks the windows of tray icons.
 struct XembedTray {
   // Whether a panel owns the tray's selection on the X display, asked of the
   // X server directly: asking Qt would fix its StatusNotifierItem choice now.

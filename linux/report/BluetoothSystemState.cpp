@@ -1,6 +1,6 @@
 #include "linux/report/BluetoothSystemState.h"
-#include "linux/bluez/BluezNames.h"
 
+#include "linux/bluez/BluezNames.h"
 #include "linux/report/DBusText.h"
 
 #include <QDBusArgument>

@@ -1,8 +1,8 @@
-#include "linux/battery/PropertyList.h"
 #include "core/SettingKeys.h"
+#include "linux/battery/PropertyList.h"
 #include "tests/support/PrivateBus.h"
-#include "tests/support/RequireService.h"
 #include "tests/support/PulseServer.h"
+#include "tests/support/RequireService.h"
 #include "tests/support/RunningProgram.h"
 
 #include <QDBusMessage>

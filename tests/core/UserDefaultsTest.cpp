@@ -1,5 +1,5 @@
-#include "core/UserDefaults.h"
 #include "core/SettingKeys.h"
+#include "core/UserDefaults.h"
 #include "sim/InMemorySettingsStore.h"
 #include "tests/support/CapturedLog.h"
 

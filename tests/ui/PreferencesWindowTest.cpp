@@ -9,8 +9,8 @@
 #include "ui/AdvancedSheet.h"
 #include "ui/DeviceChooser.h"
 #include "ui/IconPicker.h"
-#include "ui/PreferencesWindow.h"
 #include "ui/PaletteIconStyle.h"
+#include "ui/PreferencesWindow.h"
 #include "ui/ShortcutRecorder.h"
 #include "ui/SvgImages.h"
 
