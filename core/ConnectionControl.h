@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/DeviceHandle.h"
+#include "core/DeviceOptions.h"
 #include "core/InputDeviceManager.h"
 #include "core/Tunables.h"
 #include "ports/Alerts.h"
@@ -13,18 +15,21 @@
 namespace lb {
 
 class BluetoothDevice;
-class DeviceSetting;
+class ConnectionTracker;
+class OutputFixer;
 
 // The part of a device setting that works on a worker thread: the blocking
 // connect and disconnect of a toggle, and what follows their failures. Its
-// work holds the device setting strongly, so that a device removed while
-// being connected stays alive until the work ends; results go back to the
-// main thread with `post`.
+// work holds the device's lifetime, so that a device removed while being
+// connected stays alive until the work ends; results go back to the main
+// thread with `post`, where the tracker takes up the new state.
 class ConnectionControl {
 public:
-  ConnectionControl(DeviceSetting& owner, EventLoop& loop, const Tunables& tunables, OperatingSystem& operatingSystem,
-                    Alerts& alerts, InputDeviceManager& inputDeviceManager)
-      : owner_(owner), loop_(loop), tunables_(tunables), operatingSystem_(operatingSystem), alerts_(alerts),
+  ConnectionControl(DeviceHandle& device, const DeviceOptions& options, OutputFixer& outputFixer,
+                    ConnectionTracker& tracker, EventLoop& loop, const Tunables& tunables,
+                    OperatingSystem& operatingSystem, Alerts& alerts, InputDeviceManager& inputDeviceManager)
+      : device_(device), options_(options), outputFixer_(outputFixer), tracker_(tracker), loop_(loop),
+        tunables_(tunables), operatingSystem_(operatingSystem), alerts_(alerts),
         inputDeviceManager_(inputDeviceManager) {}
 
   // Connects or disconnects `device` on a worker, then updates the state.
@@ -52,7 +57,10 @@ public:
   void setManuallyInitiatedConnection(bool value) { isManuallyInitiatedConnection_ = value; }
 
 private:
-  DeviceSetting& owner_;
+  DeviceHandle& device_;
+  const DeviceOptions& options_;
+  OutputFixer& outputFixer_;
+  ConnectionTracker& tracker_;
   EventLoop& loop_;
   const Tunables& tunables_;
   OperatingSystem& operatingSystem_;

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "core/ConnectionUpdateReason.h"
+#include "core/DeviceHandle.h"
+#include "core/DeviceOptions.h"
 #include "core/InputDeviceManager.h"
 #include "core/OutputDeviceManager.h"
 #include "core/Services.h"
@@ -14,19 +16,22 @@
 
 namespace lb {
 
-class DeviceSetting;
+class ConnectionControl;
+class DeviceScripts;
+class OutputFixer;
 
 // Follows one device's connection and sound output, and reacts to their
 // changes: the sound output and input, the scripts, the output fixer, the
 // picture. The observed states are unknown until first seen. Main thread.
 class ConnectionTracker {
 public:
-  ConnectionTracker(DeviceSetting& owner, EventLoop& loop, const Tunables& tunables, Bluetooth& bluetooth,
-                    OutputDeviceManager& outputDeviceManager, InputDeviceManager& inputDeviceManager,
-                    DeviceInfoCache& deviceInfoCache)
-      : owner_(owner), loop_(loop), tunables_(tunables), bluetooth_(bluetooth),
-        outputDeviceManager_(outputDeviceManager), inputDeviceManager_(inputDeviceManager),
-        deviceInfoCache_(deviceInfoCache) {}
+  ConnectionTracker(DeviceHandle& device, const DeviceOptions& options, ConnectionControl& connection,
+                    OutputFixer& outputFixer, DeviceScripts& scripts, EventLoop& loop, const Tunables& tunables,
+                    Bluetooth& bluetooth, OutputDeviceManager& outputDeviceManager,
+                    InputDeviceManager& inputDeviceManager, DeviceInfoCache& deviceInfoCache)
+      : device_(device), options_(options), connection_(connection), outputFixer_(outputFixer), scripts_(scripts),
+        loop_(loop), tunables_(tunables), bluetooth_(bluetooth), outputDeviceManager_(outputDeviceManager),
+        inputDeviceManager_(inputDeviceManager), deviceInfoCache_(deviceInfoCache) {}
 
   std::optional<bool> isConnected() const { return isConnected_; }
   std::optional<bool> isAudioOutput() const { return isAudioOutput_; }
@@ -70,10 +75,15 @@ private:
   void setAwaitedOutput();
   void endOutputWait(std::uint64_t wait);
   void reactToDisconnection();
-  // A timer tick or delayed task that updates the state, holding its owner weakly.
-  std::function<void()> updateLater(ConnectionUpdateReason reason) const;
+  // A timer tick or delayed task that updates the state, holding the
+  // device's lifetime weakly.
+  std::function<void()> updateLater(ConnectionUpdateReason reason);
 
-  DeviceSetting& owner_;
+  DeviceHandle& device_;
+  const DeviceOptions& options_;
+  ConnectionControl& connection_;
+  OutputFixer& outputFixer_;
+  DeviceScripts& scripts_;
   EventLoop& loop_;
   const Tunables& tunables_;
   Bluetooth& bluetooth_;

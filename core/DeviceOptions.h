@@ -1,7 +1,10 @@
 #pragma once
 
+#include "core/MenuBarIconOption.h"
+#include "core/ScriptType.h"
 #include "foundation/SettingsValue.h"
 
+#include <cstdint>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -49,6 +52,25 @@ public:
   T option(const std::string& key, T fallback) const {
     return value<T>(key).value_or(std::move(fallback));
   }
+
+  // The options by name, with the defaults a new device has.
+  std::int64_t deviceID() const { return option<std::int64_t>(deviceOption::deviceID, 0); }
+  // The address as saved, whether or not the system knows the device.
+  std::optional<std::string> storedAddress() const { return value<std::string>(deviceOption::device); }
+  MenuBarIconOption icon() const {
+    auto raw = value<std::string>(deviceOption::icon);
+    auto known = raw ? menuBarIconOption(*raw) : std::nullopt;
+    return known.value_or(MenuBarIconOption::wand);
+  }
+  bool isActive() const { return option(deviceOption::isActive, true); }
+  bool connectionOnlyMode() const { return option(deviceOption::connectOnlyMode, false); }
+  bool keepDefaultAudioInput() const { return option(deviceOption::keepDefaultAudioInput, false); }
+  bool runsScript(ScriptType type) const {
+    return option(type == ScriptType::connected ? deviceOption::runShellScriptAfterConnected
+                                                : deviceOption::runShellScriptAfterDisconnected,
+                  false);
+  }
+  bool showBatteryLevel() const { return option(deviceOption::showBatteryLevel, false); }
 
   void set(const std::string& key, SettingsValue value) {
     std::lock_guard lock(mutex_);

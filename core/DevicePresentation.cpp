@@ -1,7 +1,8 @@
 #include "core/DevicePresentation.h"
 
 #include "core/BatteryType.h"
-#include "core/DeviceSetting.h"
+#include "core/ConnectionTracker.h"
+#include "core/OutputFixer.h"
 #include "core/Texts.h"
 
 #include <algorithm>
@@ -9,10 +10,10 @@
 namespace lb {
 
 std::optional<SettingsValue::Dictionary> DevicePresentation::deviceCachedInfo(BatteryReading reading) {
-  auto cached = deviceInfoCache_.cachedValue(&owner_);
+  auto cached = deviceInfoCache_.cachedValue(&device_);
   if (cached && (cached->isCurrent() || reading == BatteryReading::lastKnown)) return cached->value;
   auto fresh = deviceFreshInfo();
-  deviceInfoCache_.setValue(&owner_, fresh);
+  deviceInfoCache_.setValue(&device_, fresh);
   return fresh;
 }
 
@@ -20,7 +21,7 @@ std::optional<SettingsValue::Dictionary> DevicePresentation::deviceCachedInfo(Ba
 // systems' preferences cache does not exist here, so switching the sources
 // off leaves no information.
 std::optional<SettingsValue::Dictionary> DevicePresentation::deviceFreshInfo() {
-  auto found = owner_.device();
+  auto found = device_.device();
   if (!found || tunables_(tunable::DisableMontereyBatteryInfo)) return std::nullopt;
   return batteryInfo_.fallbackInfo(*found);
 }
@@ -47,7 +48,7 @@ std::optional<std::string> DevicePresentation::batteryLevelFormat(BatteryReading
 
 std::string DevicePresentation::batteryLevelString(BatteryReading reading) {
   std::string text = localized("Unknown");
-  auto found = owner_.device();
+  auto found = device_.device();
   if (found && found->isConnected()) {
     if (auto format = batteryLevelFormat(reading)) text = *format;
   }
@@ -55,35 +56,35 @@ std::string DevicePresentation::batteryLevelString(BatteryReading reading) {
 }
 
 bool DevicePresentation::isNotTheOutput(bool connected) const {
-  return connected && tunables_(tunable::EnableAudioOutput) && owner_.isAudioOutput() == false &&
-         owner_.isPotentialAudioOutput() == true;
+  return connected && tunables_(tunable::EnableAudioOutput) && tracker_.isAudioOutput() == false &&
+         tracker_.isPotentialAudioOutput() == true;
 }
 
 std::optional<std::string> DevicePresentation::statusString() {
-  auto found = owner_.device();
+  auto found = device_.device();
   if (!found) return std::nullopt;
   const bool connected = found->isConnected();
   std::string state = connected ? localized("Connected") : localized("Disconnected");
-  if (owner_.outputFixer().isRetrying()) state = localized("Fixing Sound Output");
+  if (outputFixer_.isRetrying()) state = localized("Fixing Sound Output");
   if (isNotTheOutput(connected)) state += localized(" (Not Sound Output)");
-  return owner_.deviceNameOrUnknown() + " - " + state;
+  return device_.deviceNameOrUnknown() + " - " + state;
 }
 
 std::optional<std::string> DevicePresentation::toolTipString() {
   auto status = statusString();
   if (!status) return std::nullopt;
   std::string text = *status + ".";
-  auto found = owner_.device();
+  auto found = device_.device();
   if (found && found->isConnected()) text += "\n" + batteryLevelString() + ".";
   return text;
 }
 
 std::string DevicePresentation::summaryString() {
-  auto found = owner_.device();
+  auto found = device_.device();
   if (!found) return localized("Not paired");
   if (!found->isConnected()) return localized("Disconnected");
   std::string text = localized("Connected");
-  if (owner_.isAudioOutput() == true) text += " · " + localized("sound output");
+  if (tracker_.isAudioOutput() == true) text += " · " + localized("sound output");
   if (isNotTheOutput(true)) text += " · " + localized("not the sound output");
   if (auto battery = batteryLevelFormat(BatteryReading::lastKnown)) {
     // "L: 60% R: 75%" kept on one line where the list wraps.
@@ -97,7 +98,7 @@ std::string DevicePresentation::summaryString() {
 
 std::shared_ptr<Image> DevicePresentation::image(bool connected) {
   const double fraction = tunables_(tunable::NotAudioOutputFraction);
-  if (owner_.outputFixer().isRetrying()) {
+  if (outputFixer_.isRetrying()) {
     if (!tunables_(tunable::ChangeIconWhileFixingAudioOutput)) return buttonImage(fraction);
     auto symbol = images_.named(connected ? "refresh-freestanding" : "refresh");
     if (symbol) symbol->setTemplate(true);
@@ -108,18 +109,18 @@ std::shared_ptr<Image> DevicePresentation::image(bool connected) {
 }
 
 std::shared_ptr<Image> DevicePresentation::buttonImage(double fraction) {
-  if (owner_.showBatteryLevel()) {
-    if (auto level = batteryLevel()) return lb::image(images_, owner_.icon(), *level, fraction);
+  if (options_.showBatteryLevel()) {
+    if (auto level = batteryLevel()) return lb::image(images_, options_.icon(), *level, fraction);
   }
-  return lb::connectedImage(images_, owner_.icon(), fraction);
+  return lb::connectedImage(images_, options_.icon(), fraction);
 }
 
 std::shared_ptr<Image> DevicePresentation::disconnectedImage() {
-  auto outline = images_.named(std::string(rawValue(owner_.icon())));
+  auto outline = images_.named(std::string(rawValue(options_.icon())));
   if (outline) outline->setTemplate(true);
   return outline;
 }
 
-std::shared_ptr<Image> DevicePresentation::connectedImage() { return lb::connectedImage(images_, owner_.icon()); }
+std::shared_ptr<Image> DevicePresentation::connectedImage() { return lb::connectedImage(images_, options_.icon()); }
 
 } // namespace lb

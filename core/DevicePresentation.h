@@ -1,6 +1,8 @@
 #pragma once
 
 #include "core/BatteryInfo.h"
+#include "core/DeviceHandle.h"
+#include "core/DeviceOptions.h"
 #include "core/MenuBarIconOption.h"
 #include "core/Services.h"
 #include "core/Tunables.h"
@@ -11,7 +13,8 @@
 
 namespace lb {
 
-class DeviceSetting;
+class ConnectionTracker;
+class OutputFixer;
 
 // How a battery value is had: read afresh once the cached one is stale, or
 // the last one known, read only when none is (for mirrors that must not
@@ -23,10 +26,11 @@ enum class BatteryReading { ifStale, lastKnown };
 // thread.
 class DevicePresentation {
 public:
-  DevicePresentation(DeviceSetting& owner, const Tunables& tunables, BatteryInfo& batteryInfo,
+  DevicePresentation(const DeviceHandle& device, const DeviceOptions& options, const ConnectionTracker& tracker,
+                     const OutputFixer& outputFixer, const Tunables& tunables, BatteryInfo& batteryInfo,
                      DeviceInfoCache& deviceInfoCache, Images& images)
-      : owner_(owner), tunables_(tunables), batteryInfo_(batteryInfo), deviceInfoCache_(deviceInfoCache),
-        images_(images) {}
+      : device_(device), options_(options), tracker_(tracker), outputFixer_(outputFixer), tunables_(tunables),
+        batteryInfo_(batteryInfo), deviceInfoCache_(deviceInfoCache), images_(images) {}
 
   // The device's information, reused for "DeviceInfoStalenessInterval".
   std::optional<SettingsValue::Dictionary> deviceCachedInfo(BatteryReading reading = BatteryReading::ifStale);
@@ -61,7 +65,10 @@ private:
   // Connected but could be, and is not, the sound output.
   bool isNotTheOutput(bool connected) const;
 
-  DeviceSetting& owner_;
+  const DeviceHandle& device_;
+  const DeviceOptions& options_;
+  const ConnectionTracker& tracker_;
+  const OutputFixer& outputFixer_;
   const Tunables& tunables_;
   BatteryInfo& batteryInfo_;
   DeviceInfoCache& deviceInfoCache_;

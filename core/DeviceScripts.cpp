@@ -1,13 +1,12 @@
 #include "core/DeviceScripts.h"
 
-#include "core/DeviceSetting.h"
 #include "core/LogAreas.h"
 
 namespace lb {
 
 void DeviceScripts::load() {
   for (auto type : allScriptTypes) {
-    if (auto text = folder_.read(scriptFileName(owner_.deviceID(), type))) {
+    if (auto text = folder_.read(scriptFileName(options_.deviceID(), type))) {
       options_.set(rawValue(type), *text);
     } else {
       options_.remove(rawValue(type));
@@ -25,13 +24,11 @@ void DeviceScripts::setText(ScriptType type, const std::optional<std::string>& t
 }
 
 void DeviceScripts::run(ScriptType type) {
-  const bool enabled = type == ScriptType::connected ? owner_.runShellScriptAfterConnected()
-                                                     : owner_.runShellScriptAfterDisconnected();
-  if (!enabled) {
+  if (!options_.runsScript(type)) {
     PXR_LOG(scriptLog(), "Script type not enabled: " + rawValue(type));
     return;
   }
-  const auto id = owner_.deviceID();
+  const auto id = options_.deviceID();
   auto folder = folder_.location();
   if (!folder) {
     PXR_LOG(scriptLog(), "No script URL for: " + std::to_string(id) + " " + rawValue(type));
@@ -43,7 +40,7 @@ void DeviceScripts::run(ScriptType type) {
     PXR_LOG(scriptLog(), "No script for: " + path);
     return;
   }
-  const auto who = owner_.description(); // the script may end after this device setting is gone
+  const auto who = device_.description(); // the script may end after this device setting is gone
   scriptLog()([&] { return "Starting to run script " + who + ": " + path; });
   auto started = runner_.start(path, tunables_(tunable::ScriptTimeLimit),
                                [who, path](const ScriptRunner::Outcome& outcome) {
@@ -60,11 +57,11 @@ Result<> DeviceScripts::save() {
   for (auto type : allScriptTypes) {
     const auto key = rawValue(type);
     const auto edited = options_.value<std::string>(key);
-    const auto id = owner_.deviceID();
+    const auto id = options_.deviceID();
     const bool hasFolder = folder_.location().has_value();
     if (hasFolder && edited == folder_.read(scriptFileName(id, type))) continue;
     if (!hasFolder && !edited) continue;
-    scriptSaveLog()([&] { return "Saving " + key + " for device " + owner_.description(); });
+    scriptSaveLog()([&] { return "Saving " + key + " for device " + device_.description(); });
     if (auto saved = saver_.saveScript(id, type, edited); !saved) return saved;
   }
   return {};

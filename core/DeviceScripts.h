@@ -1,7 +1,8 @@
 #pragma once
 
-#include "core/Tunables.h"
+#include "core/DeviceHandle.h"
 #include "core/DeviceOptions.h"
+#include "core/Tunables.h"
 #include "core/ScriptSaver.h"
 #include "core/ScriptType.h"
 #include "ports/ScriptRunner.h"
@@ -12,17 +13,15 @@
 
 namespace lb {
 
-class DeviceSetting;
-
 // A device's connect and disconnect scripts: their texts, kept in the
 // options while edited, their files, and running them.
 class DeviceScripts {
 public:
   static constexpr const char* defaultScript = "#!/bin/sh\n";
 
-  DeviceScripts(const DeviceSetting& owner, DeviceOptions& options, ScriptsFolder& folder, ScriptRunner& runner,
+  DeviceScripts(const DeviceHandle& device, DeviceOptions& options, ScriptsFolder& folder, ScriptRunner& runner,
                 UserDefaults& defaults, const Tunables& tunables)
-      : owner_(owner), options_(options), folder_(folder), runner_(runner), tunables_(tunables),
+      : device_(device), options_(options), folder_(folder), runner_(runner), tunables_(tunables),
         saver_(folder, defaults) {}
 
   // The files are the truth about the scripts: whatever the saved options
@@ -38,11 +37,11 @@ public:
   // end is only logged.
   void run(ScriptType type);
   // Writes edited texts to their files; unchanged ones are left alone.
-  // Throws ScriptError or the file system's failure.
+  // The first failure, the script's or the file system's, ends the save.
   Result<> save();
 
 private:
-  const DeviceSetting& owner_;
+  const DeviceHandle& device_;
   DeviceOptions& options_;
   ScriptsFolder& folder_;
   ScriptRunner& runner_;

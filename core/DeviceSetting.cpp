@@ -7,14 +7,17 @@
 namespace lb {
 
 DeviceSetting::DeviceSetting(Services& services, SettingsValue::Dictionary options, DeviceSettingManager* registry)
-    : bluetooth_(services.bluetooth), registry_(registry), options_(std::move(options)), outputFixer_(*this, services),
+    : bluetooth_(services.bluetooth), registry_(registry), options_(std::move(options)),
+      outputFixer_(*this, tracker_, connection_, services),
       scripts_(*this, options_, services.scriptsFolder, services.scriptRunner, services.defaults, services.tunables),
-      connection_(*this, services.loop, services.tunables, services.operatingSystem, services.alerts,
-                  services.inputDeviceManager),
-      tracker_(*this, services.loop, services.tunables, services.bluetooth, services.outputDeviceManager,
-               services.inputDeviceManager, services.deviceInfoCache),
-      presentation_(*this, services.tunables, services.batteryInfo, services.deviceInfoCache, services.images),
-      statusItem_(*this, services.statusBar, services.windows, services.shortcuts, services.tunables) {}
+      connection_(*this, options_, outputFixer_, tracker_, services.loop, services.tunables, services.operatingSystem,
+                  services.alerts, services.inputDeviceManager),
+      tracker_(*this, options_, connection_, outputFixer_, scripts_, services.loop, services.tunables,
+               services.bluetooth, services.outputDeviceManager, services.inputDeviceManager, services.deviceInfoCache),
+      presentation_(*this, options_, tracker_, outputFixer_, services.tunables, services.batteryInfo,
+                    services.deviceInfoCache, services.images),
+      statusItem_(*this, options_, *this, tracker_, connection_, presentation_, services.statusBar, services.windows,
+                  services.shortcuts, services.tunables) {}
 
 std::shared_ptr<DeviceSetting> DeviceSetting::make(Services& services, SettingsValue::Dictionary options,
                                                    DeviceSettingManager* registry) {
@@ -94,12 +97,6 @@ std::string DeviceSetting::deviceNameOrUnknown() const { return knownName().valu
 std::string DeviceSetting::displayName() const { return knownName().value_or(localized("Unknown device")); }
 
 std::string DeviceSetting::description() const { return "<DeviceSetting: " + deviceNameOrUnknown() + ">"; }
-
-MenuBarIconOption DeviceSetting::icon() const {
-  auto raw = options_.value<std::string>(deviceOption::icon);
-  auto known = raw ? menuBarIconOption(*raw) : std::nullopt;
-  return known.value_or(MenuBarIconOption::wand);
-}
 
 void DeviceSetting::setIcon(MenuBarIconOption newIcon) {
   if (newIcon == icon()) return;

@@ -1,10 +1,11 @@
 #pragma once
 
-#include "core/BluetoothMatchable.h"
 #include "core/ConnectionControl.h"
 #include "core/ConnectionOutcome.h"
 #include "core/ConnectionTracker.h"
 #include "core/ConnectionUpdateReason.h"
+#include "core/DeviceCommands.h"
+#include "core/DeviceHandle.h"
 #include "core/DeviceOptions.h"
 #include "core/DevicePresentation.h"
 #include "core/DeviceScripts.h"
@@ -27,7 +28,8 @@ class DeviceSettingManager;
 
 // One device the user has added, as the registry and the rest of the
 // program see it: its options, its commands and its observed state. The
-// work is done by collaborators, each given only what it uses:
+// work is done by collaborators, each given only what it uses (the
+// DeviceHandle, the options, the sibling parts it works with):
 //   DeviceOptions       the saved options (locked: the worker reads them)
 //   ConnectionControl   the blocking connect and disconnect, on a worker
 //   ConnectionTracker   following the connection and reacting to changes
@@ -35,7 +37,7 @@ class DeviceSettingManager;
 //   DeviceStatusItem    the tray item, its spinner, clicks and shortcut
 //   DeviceScripts       the connect and disconnect scripts
 // Main thread, except where ConnectionControl says otherwise.
-class DeviceSetting : public BluetoothMatchable, public std::enable_shared_from_this<DeviceSetting> {
+class DeviceSetting : public DeviceHandle, public DeviceCommands, public std::enable_shared_from_this<DeviceSetting> {
 public:
   // A device setting from its saved options; any dictionary will do.
   static std::shared_ptr<DeviceSetting> make(Services& services, SettingsValue::Dictionary options,
@@ -50,7 +52,7 @@ public:
   // The options dictionary, which is also the saved form of the device.
   SettingsValue::Dictionary options() const { return options_.snapshot(); }
 
-  std::int64_t deviceID() const { return options_.option<std::int64_t>(deviceOption::deviceID, 0); }
+  std::int64_t deviceID() const { return options_.deviceID(); }
   // The platform's device for the stored address; none, with an error line,
   // when no address is stored.
   std::shared_ptr<BluetoothDevice> device() const override;
@@ -58,7 +60,7 @@ public:
 
   // The name, looked up once and then remembered.
   std::optional<std::string> deviceName() const override;
-  std::string deviceNameOrUnknown() const;
+  std::string deviceNameOrUnknown() const override;
   // The same for people to read: "Unknown device" in their language where
   // no name is known.
   std::string displayName() const;
@@ -66,36 +68,32 @@ public:
   std::string description() const override;
   void storeDeviceName(const std::string& name) { options_.set(deviceOption::deviceName, name); }
 
-  MenuBarIconOption icon() const;
+  MenuBarIconOption icon() const { return options_.icon(); }
   void setIcon(MenuBarIconOption icon);
-  bool isActive() const { return options_.option(deviceOption::isActive, true); }
+  bool isActive() const { return options_.isActive(); }
   // An inactive device has no tray item and no shortcut.
   void setActive(bool active);
-  bool connectionOnlyMode() const { return options_.option(deviceOption::connectOnlyMode, false); }
+  bool connectionOnlyMode() const { return options_.connectionOnlyMode(); }
   void setConnectionOnlyMode(bool value) {
     options_.set(deviceOption::connectOnlyMode, value);
     optionsChanged();
   }
-  bool keepDefaultAudioInput() const { return options_.option(deviceOption::keepDefaultAudioInput, false); }
+  bool keepDefaultAudioInput() const { return options_.keepDefaultAudioInput(); }
   void setKeepDefaultAudioInput(bool value) {
     options_.set(deviceOption::keepDefaultAudioInput, value);
     optionsChanged();
   }
-  bool runShellScriptAfterConnected() const {
-    return options_.option(deviceOption::runShellScriptAfterConnected, false);
-  }
+  bool runShellScriptAfterConnected() const { return options_.runsScript(ScriptType::connected); }
   void setRunShellScriptAfterConnected(bool value) {
     options_.set(deviceOption::runShellScriptAfterConnected, value);
     optionsChanged();
   }
-  bool runShellScriptAfterDisconnected() const {
-    return options_.option(deviceOption::runShellScriptAfterDisconnected, false);
-  }
+  bool runShellScriptAfterDisconnected() const { return options_.runsScript(ScriptType::disconnected); }
   void setRunShellScriptAfterDisconnected(bool value) {
     options_.set(deviceOption::runShellScriptAfterDisconnected, value);
     optionsChanged();
   }
-  bool showBatteryLevel() const { return options_.option(deviceOption::showBatteryLevel, false); }
+  bool showBatteryLevel() const { return options_.showBatteryLevel(); }
   void setShowBatteryLevel(bool value);
   // The script texts; "#!/bin/sh\n" when there is none. Nothing removes one.
   std::string shellScriptAfterConnected() const { return scripts_.text(ScriptType::connected); }
@@ -108,10 +106,8 @@ public:
   }
 
   // The settings keys of the device's keyboard shortcut, now and before.
-  std::string shortCutKey() const { return std::string(SettingKeys::shortcutPrefix) + std::to_string(deviceID()); }
-  std::string oldShortCutKey() const {
-    return std::string(SettingKeys::oldShortcutPrefix) + std::to_string(deviceID());
-  }
+  std::string shortCutKey() const { return SettingKeys::shortcutKey(deviceID()); }
+  std::string oldShortCutKey() const { return SettingKeys::oldShortcutKey(deviceID()); }
 
   // Observed state: unknown until first seen.
   std::optional<bool> isConnected() const { return tracker_.isConnected(); }
@@ -124,9 +120,10 @@ public:
   StatusItem* statusItem() const { return statusItem_.item(); }
   void setupStatusItem();
   void removeStatusItem();
-  void updateButtonImage();
+  void updateButtonImage() override;
   void startProgress() { statusItem_.startProgress(); }
-  void stopProgress();
+  void stopProgress() override;
+  std::weak_ptr<const void> lifetime() const override { return weak_from_this(); }
 
   // `unregister` ends the device's presence in the system (notification,
   // tray item, shortcut).
@@ -141,15 +138,15 @@ public:
   // instead; a connected device that could be, and is not, the sound output
   // becomes it instead of disconnecting. While an attempt is under way,
   // requests are ignored, as a disabled button would ignore them.
-  ConnectionOutcome toggleConnection(const std::optional<StatusItemClick>& click = std::nullopt);
+  ConnectionOutcome toggleConnection(const std::optional<StatusItemClick>& click = std::nullopt) override;
   // Scripts' plain verbs: a connect as a click makes it (the output
   // follows), and a disconnect that always disconnects.
-  ConnectionOutcome connect() { return request(true); }
+  ConnectionOutcome connect() override { return request(true); }
   ConnectionOutcome disconnect() { return request(false); }
   // The menu's choices: a disconnect that connect-only mode allows, and
   // making a connected device the sound output.
-  ConnectionOutcome disconnectFromMenu() { return request(false, std::nullopt, true); }
-  void makeSoundOutput();
+  ConnectionOutcome disconnectFromMenu() override { return request(false, std::nullopt, true); }
+  void makeSoundOutput() override;
   // Blocking, on a worker (see ConnectionControl).
   void openConnection() { connection_.openConnection(); }
   void closeConnection() { connection_.closeConnection(); }
@@ -159,7 +156,7 @@ public:
   void reactToSettingAudioOutput() { tracker_.reactToSettingAudioOutput(); }
 
   void runScript(ScriptType type) { scripts_.run(type); }
-  // Throws ScriptError or the file system's failure.
+  // The first failure, the script's or the file system's, ends the save.
   Result<> saveScripts() { return scripts_.save(); }
 
   // Battery levels and status texts, for the tray, its menu and scripts.
@@ -177,7 +174,7 @@ public:
   std::int64_t scriptingID() const { return deviceID(); }
   std::optional<std::string> scriptingAddress() const;
   // The address as saved, whether or not the system knows the device.
-  std::optional<std::string> storedAddress() const { return options_.value<std::string>(deviceOption::device); }
+  std::optional<std::string> storedAddress() const { return options_.storedAddress(); }
   // Only while connected, even when a level is cached.
   std::optional<int> scriptingBatteryLevel(BatteryReading reading = BatteryReading::ifStale);
   std::string scriptingIconName() const { return std::string(rawValue(icon())); }

@@ -1,7 +1,10 @@
 #include "core/DeviceStatusItem.h"
 
-#include "core/DeviceSetting.h"
+#include "core/ConnectionControl.h"
+#include "core/ConnectionTracker.h"
+#include "core/DevicePresentation.h"
 #include "core/LogAreas.h"
+#include "core/SettingKeys.h"
 #include "core/Texts.h"
 #include "foundation/BluetoothAddress.h"
 
@@ -12,43 +15,44 @@ namespace lb {
 void DeviceStatusItem::create() {
   const double length = tunables_(tunable::StatusItemLength, statusBar_.thickness() + 5.0);
   item_ = statusBar_.createStatusItem(length, identity());
-  item_->setAccessibilityLabel(owner_.deviceName());
+  item_->setAccessibilityLabel(device_.deviceName());
   offered_ = offer();
   item_->setMenu(deviceMenu(offered_));
-  item_->setClickHandler([weak = owner_.weak_from_this()](const StatusItemClick& click) {
-    if (auto self = weak.lock()) self->toggleConnection(click);
+  item_->setClickHandler([this, weak = device_.lifetime()](const StatusItemClick& click) {
+    if (const auto alive = weak.lock()) commands_.toggleConnection(click);
   });
-  shortcuts_.bindShortcut(owner_.shortCutKey(), owner_.deviceNameOrUnknown(), [weak = owner_.weak_from_this()] {
-    auto self = weak.lock();
-    if (!self) return;
-    hotKeyLog()([&] { return "User pressed shortcut for " + self->deviceNameOrUnknown() + "."; });
-    self->toggleConnection();
-  });
+  shortcuts_.bindShortcut(
+      SettingKeys::shortcutKey(options_.deviceID()), device_.deviceNameOrUnknown(), [this, weak = device_.lifetime()] {
+        const auto alive = weak.lock();
+        if (!alive) return;
+        hotKeyLog()([&] { return "User pressed shortcut for " + device_.deviceNameOrUnknown() + "."; });
+        commands_.toggleConnection(std::nullopt);
+      });
 }
 
 void DeviceStatusItem::remove() {
   item_.reset();
-  shortcuts_.breakBinding(owner_.shortCutKey());
+  shortcuts_.breakBinding(SettingKeys::shortcutKey(options_.deviceID()));
 }
 
 void DeviceStatusItem::update() {
   if (!item_) {
-    PXR_LOG(iconLog(), "button is nil:", owner_.description());
+    PXR_LOG(iconLog(), "button is nil:", device_.description());
     return;
   }
   updateMenu();
   if (showsProgress_) {
-    PXR_LOG(iconLog(), "Showing progress instead:", owner_.description());
+    PXR_LOG(iconLog(), "Showing progress instead:", device_.description());
     return;
   }
-  const auto connected = owner_.isConnected();
+  const auto connected = tracker_.isConnected();
   if (!connected) {
-    PXR_LOG(iconLog(), "isConnected is nil:", owner_.description());
+    PXR_LOG(iconLog(), "isConnected is nil:", device_.description());
     return;
   }
-  iconLog()([&] { return "Drawing isConnected " + pxrDescribe(*connected) + ": " + owner_.description(); });
-  item_->setImage(owner_.presentation().image(*connected));
-  item_->setToolTip(owner_.toolTipString());
+  iconLog()([&] { return "Drawing isConnected " + pxrDescribe(*connected) + ": " + device_.description(); });
+  item_->setImage(presentation_.image(*connected));
+  item_->setToolTip(presentation_.toolTipString());
 }
 
 void DeviceStatusItem::startProgress() {
@@ -66,22 +70,22 @@ void DeviceStatusItem::stopProgress() {
 bool DeviceStatusItem::shouldShowMenu(const StatusItemClick& click) const {
   // While spinning, the spinner takes the click and shows the menu.
   if (click.control || click.button != StatusItemClick::Button::left || showsProgress_) return true;
-  if (!owner_.connectionOnlyMode()) return false;
-  const auto connected = owner_.isConnected(), output = owner_.isAudioOutput(),
-             potential = owner_.isPotentialAudioOutput();
+  const auto connected = tracker_.isConnected(), output = tracker_.isAudioOutput(),
+             potential = tracker_.isPotentialAudioOutput();
   PXR_LOG(connectionOnlyModeLog(), "isConnected", connected, "isAudioOutputOrNotPotentialAudioOutput",
           output == true || potential != true, "isAudioOutput", output, "isPotentialAudioOutput", potential);
-  if (connected != true) return false;
-  if (output != false) return true;
-  return potential != true;
+  // A connected device that could be, and is not, the output would become
+  // it; any other connected one would disconnect.
+  const bool wouldDisconnect = connected == true && (output != false || potential != true);
+  return connection_.refusesDisconnecting(wouldDisconnect, false);
 }
 
 DeviceStatusItem::Offer DeviceStatusItem::offer() const {
-  const auto connected = owner_.isConnected();
+  const auto connected = tracker_.isConnected();
   if (showsProgress_) return connected == true ? Offer::disconnecting : Offer::connecting;
   if (!connected) return Offer::nothing;
   if (!*connected) return Offer::connect;
-  const bool canBeOutput = owner_.isAudioOutput() == false && owner_.isPotentialAudioOutput() == true;
+  const bool canBeOutput = tracker_.isAudioOutput() == false && tracker_.isPotentialAudioOutput() == true;
   return canBeOutput && tunables_(tunable::EnableAudioOutput) ? Offer::soundOutput : Offer::disconnect;
 }
 
@@ -95,36 +99,36 @@ void DeviceStatusItem::updateMenu() {
 
 std::vector<StatusMenuEntry> DeviceStatusItem::deviceMenu(Offer offer) {
   // The texts are read as the menu opens, by then perhaps after the device.
-  auto weak = owner_.weak_from_this();
-  auto status = [weak] {
-    auto self = weak.lock();
-    return self ? self->statusString().value_or(self->deviceNameOrUnknown()) : std::string();
+  const auto weak = device_.lifetime();
+  auto status = [this, weak] {
+    const auto alive = weak.lock();
+    return alive ? presentation_.statusString().value_or(device_.deviceNameOrUnknown()) : std::string();
   };
-  auto battery = [weak] {
-    auto self = weak.lock();
-    return self ? self->batteryLevelString() : std::string();
+  auto battery = [this, weak] {
+    const auto alive = weak.lock();
+    return alive ? presentation_.batteryLevelString() : std::string();
   };
   auto text = [](std::string title) { return [title = std::move(title)] { return title; }; };
   // A choice goes the way a click goes, logged as the user's.
-  auto choice = [weak](std::string_view title, void (*act)(DeviceSetting&)) -> StatusMenuEntry {
+  auto choice = [this, weak](std::string_view title, void (*act)(DeviceCommands&)) -> StatusMenuEntry {
     return {[title] { return localized(title); },
-            [weak, title, act] {
-              auto self = weak.lock();
-              if (!self) return;
+            [this, weak, title, act] {
+              const auto alive = weak.lock();
+              if (!alive) return;
               connectLog()(
-                  [&] { return "User chose " + std::string(title) + " in the menu of " + self->description(); });
-              act(*self);
+                  [&] { return "User chose " + std::string(title) + " in the menu of " + device_.description(); });
+              act(commands_);
             }};
   };
   std::vector<StatusMenuEntry> menu;
   switch (offer) {
   case Offer::nothing: break;
-  case Offer::connect: menu.push_back(choice(translatable("Connect"), [](DeviceSetting& d) { d.connect(); })); break;
+  case Offer::connect: menu.push_back(choice(translatable("Connect"), [](DeviceCommands& d) { d.connect(); })); break;
   case Offer::soundOutput:
-    menu.push_back(choice(translatable("Make Sound Output"), [](DeviceSetting& d) { d.makeSoundOutput(); }));
+    menu.push_back(choice(translatable("Make Sound Output"), [](DeviceCommands& d) { d.makeSoundOutput(); }));
     [[fallthrough]];
   case Offer::disconnect:
-    menu.push_back(choice(translatable("Disconnect"), [](DeviceSetting& d) { d.disconnectFromMenu(); }));
+    menu.push_back(choice(translatable("Disconnect"), [](DeviceCommands& d) { d.disconnectFromMenu(); }));
     break;
   case Offer::connecting: menu.push_back({text(localized("Connecting…")), {}}); break;
   case Offer::disconnecting: menu.push_back({text(localized("Disconnecting…")), {}}); break;
@@ -132,7 +136,7 @@ std::vector<StatusMenuEntry> DeviceStatusItem::deviceMenu(Offer offer) {
   if (!menu.empty()) menu.push_back({});
   std::vector<StatusMenuEntry> rest{
       {status, {}}, {battery, {}},
-      {},           {text(localized("Settings…")), [this] { windows_.showPreferences(owner_.deviceID()); }},
+      {},           {text(localized("Settings…")), [this] { windows_.showPreferences(options_.deviceID()); }},
       {},           {text(localized("Quit")), [&windows = windows_] { windows.terminate(); }}};
   menu.insert(menu.end(), rest.begin(), rest.end());
   return menu;
@@ -141,16 +145,16 @@ std::vector<StatusMenuEntry> DeviceStatusItem::deviceMenu(Offer offer) {
 void DeviceStatusItem::popUpMenu(const StatusItemClick& click) {
   if (!item_) return;
   if (click.button == StatusItemClick::Button::middle && !item_->canPopUpMenu()) {
-    PXR_LOG(trayLog(), "A middle click opens the settings of", owner_.description(), "where no menu can be placed");
-    windows_.showPreferences(owner_.deviceID());
+    PXR_LOG(trayLog(), "A middle click opens the settings of", device_.description(), "where no menu can be placed");
+    windows_.showPreferences(options_.deviceID());
     return;
   }
   item_->popUpMenu();
 }
 
 std::string DeviceStatusItem::identity() const {
-  const auto address = BluetoothAddress::parse(owner_.storedAddress().value_or(""));
-  if (!address) return "lanternbud-device-" + std::to_string(owner_.deviceID());
+  const auto address = BluetoothAddress::parse(options_.storedAddress().value_or(""));
+  if (!address) return "lanternbud-device-" + std::to_string(options_.deviceID());
   std::string hex;
   for (const char c : address->toString()) {
     if (c != ':') hex += char(std::tolower(static_cast<unsigned char>(c)));

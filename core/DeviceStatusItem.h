@@ -1,5 +1,8 @@
 #pragma once
 
+#include "core/DeviceCommands.h"
+#include "core/DeviceHandle.h"
+#include "core/DeviceOptions.h"
 #include "core/ShortcutBinder.h"
 #include "core/Tunables.h"
 #include "ports/StatusBar.h"
@@ -9,22 +12,28 @@
 
 namespace lb {
 
-class DeviceSetting;
+class ConnectionControl;
+class ConnectionTracker;
+class DevicePresentation;
 
 // A device's item in the tray, its menu and its keyboard shortcut:
 // creating and removing them, showing the picture core chose, the spinner
 // while a connection is made, and which clicks open the menu. Main thread.
 class DeviceStatusItem {
 public:
-  DeviceStatusItem(DeviceSetting& owner, StatusBar& statusBar, Windows& windows, ShortcutBinder& shortcuts,
+  DeviceStatusItem(const DeviceHandle& device, const DeviceOptions& options, DeviceCommands& commands,
+                   const ConnectionTracker& tracker, const ConnectionControl& connection,
+                   DevicePresentation& presentation, StatusBar& statusBar, Windows& windows, ShortcutBinder& shortcuts,
                    const Tunables& tunables)
-      : owner_(owner), statusBar_(statusBar), windows_(windows), shortcuts_(shortcuts), tunables_(tunables) {}
+      : device_(device), options_(options), commands_(commands), tracker_(tracker), connection_(connection),
+        presentation_(presentation), statusBar_(statusBar), windows_(windows), shortcuts_(shortcuts),
+        tunables_(tunables) {}
 
   StatusItem* item() const { return item_.get(); }
   bool showsProgress() const { return showsProgress_; }
 
-  // Creates the item with its menu and binds the shortcut. Clicks and
-  // shortcut presses enter the device setting's toggle.
+  // Creates the item with its menu and binds the shortcut. Clicks, menu
+  // choices and shortcut presses become the device's commands.
   void create();
   void remove();
 
@@ -35,8 +44,8 @@ public:
   void stopProgress();
 
   // Whether a click opens the device menu instead of toggling: Control or
-  // the right (or middle) button always; in connect-only mode, a click that
-  // would disconnect.
+  // the right (or middle) button always; a click that would disconnect
+  // where connect-only mode refuses it.
   bool shouldShowMenu(const StatusItemClick& click) const;
   // The menu for that click; where no menu can be placed (Wayland), the
   // middle click opens the device's settings instead.
@@ -54,7 +63,12 @@ private:
   // Gives the item its menu again when what it offers changed.
   void updateMenu();
 
-  DeviceSetting& owner_;
+  const DeviceHandle& device_;
+  const DeviceOptions& options_;
+  DeviceCommands& commands_;
+  const ConnectionTracker& tracker_;
+  const ConnectionControl& connection_;
+  DevicePresentation& presentation_;
   StatusBar& statusBar_;
   Windows& windows_;
   ShortcutBinder& shortcuts_;

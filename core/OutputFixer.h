@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/DeviceHandle.h"
 #include "core/Services.h"
 #include "foundation/PXRAtomic.h"
 
@@ -9,7 +10,8 @@
 
 namespace lb {
 
-class DeviceSetting;
+class ConnectionControl;
+class ConnectionTracker;
 
 // Repairs a headset whose sound output could not be set because no audio
 // device matched it: waits a moment, closes the connection, reopens it when
@@ -34,8 +36,10 @@ public:
     std::string description() const;
   };
 
-  // The fixer belongs to `deviceSetting`, which outlives it.
-  OutputFixer(DeviceSetting& deviceSetting, Services& services) : deviceSetting_(deviceSetting), services_(services) {}
+  // It reads the tracker's view of the output, and closes and reopens the
+  // connection through the connection control.
+  OutputFixer(DeviceHandle& device, ConnectionTracker& tracker, ConnectionControl& connection, Services& services)
+      : device_(device), tracker_(tracker), connection_(connection), services_(services) {}
 
   State state() const { return state_.value(); }
   bool isRetrying() const;
@@ -52,10 +56,12 @@ public:
 
 private:
   void setOk(const char* because);
-  void closeUnlessListed(DeviceSetting& setting);
+  void closeUnlessListed();
   void reopen();
 
-  DeviceSetting& deviceSetting_;
+  DeviceHandle& device_;
+  ConnectionTracker& tracker_;
+  ConnectionControl& connection_;
   Services& services_;
   PXRAtomic<State> state_{State::initial()};
   std::atomic<bool> reopening_ = false;

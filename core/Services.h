@@ -22,7 +22,8 @@
 
 namespace lb {
 
-// Each device setting's information (battery levels), reused for a while.
+// Each device's information (battery levels), by its DeviceHandle, reused
+// for a while.
 using DeviceInfoCache = PXRExpiringCache<const void*, std::optional<SettingsValue::Dictionary>>;
 
 // What the program's objects are given to work with: the platform's ports

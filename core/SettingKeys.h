@@ -2,6 +2,7 @@
 
 #include "foundation/SettingsValue.h"
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -42,6 +43,12 @@ struct SettingKeys {
   static constexpr std::string_view shortcutPrefix = "shortcutDictForDevice";
   // The same, as an older version wrote it; removed with its device.
   static constexpr std::string_view oldShortcutPrefix = "shortcutForDevice";
+  static std::string shortcutKey(std::int64_t deviceID) {
+    return std::string(shortcutPrefix) + std::to_string(deviceID);
+  }
+  static std::string oldShortcutKey(std::int64_t deviceID) {
+    return std::string(oldShortcutPrefix) + std::to_string(deviceID);
+  }
   // Device lists that could not be read are kept under this prefix and the
   // time they were found.
   static constexpr std::string_view unreadableDevicesPrefix = "devices.unreadable-";

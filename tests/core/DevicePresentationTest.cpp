@@ -46,7 +46,7 @@ TEST(DevicePresentation, BatteryTextsForEarbuds) {
   d.sim.loop.advance(1);
   for (auto [left, right, level, text] :
        {std::tuple{40, 70, 40, "L: 40% R: 70%"}, {0, 70, 70, "R: 70%"}, {0, 0, 0, ""}}) {
-    d.sim.deviceInfoCache.setValue(d.setting.get(),
+    d.sim.deviceInfoCache.setValue(static_cast<const DeviceHandle*>(d.setting.get()),
                                    Dictionary{{"BatteryPercentLeft", left}, {"BatteryPercentRight", right}});
     EXPECT_EQ(d.setting->batteryLevel(), level);
     EXPECT_EQ(d.setting->batteryLevelString(), std::string("Battery Level: ") + text);
