@@ -12,6 +12,7 @@
 #include "linux/battery/LinuxBatterySources.h"
 #include "linux/audio/PulseAudioSystem.h"
 #include "linux/xdg/XdgAutostart.h"
+#include "foundation/JsonSettingsStore.h"
 #include "foundation/XdgDirectories.h"
 #include "sim/SimLoginItems.h"
 
@@ -73,7 +74,8 @@ std::unique_ptr<Platform> Platform::real(UserDefaults& defaults, Tunables& tunab
   platform->pulse_ = std::make_unique<PulseAudioSystem>();
   platform->loginItems_ = std::make_unique<XdgAutostart>(XdgAutostart::defaultEntryFile(),
                                                          QCoreApplication::applicationFilePath().toStdString());
-  platform->wire(bluetooth, *platform->pulse_, *platform->batterySources_, *platform->loginItems_);
+  platform->wire(bluetooth, *platform->pulse_, *platform->batterySources_, *platform->loginItems_,
+                 "battery-warnings.json");
   return platform;
 }
 
@@ -83,7 +85,7 @@ std::unique_ptr<Platform> Platform::demo(UserDefaults& defaults, Tunables& tunab
   platform->demo_ = std::make_unique<DemoWorld>(platform->loop_);
   platform->loginItems_ = std::make_unique<SimLoginItems>();
   auto& demo = *platform->demo_;
-  platform->wire(demo.bluetooth, demo.audio, demo.batterySources, *platform->loginItems_);
+  platform->wire(demo.bluetooth, demo.audio, demo.batterySources, *platform->loginItems_, "demo-battery-warnings.json");
   return platform;
 }
 
@@ -92,16 +94,36 @@ std::optional<std::uint64_t> Platform::soundServerRequests() const {
   return pulse_->requestsSent();
 }
 
-void Platform::wire(Bluetooth& bluetooth, AudioSystem& audio, BatterySources& batterySources, LoginItems& loginItems) {
+void Platform::wire(Bluetooth& bluetooth, AudioSystem& audio, BatterySources& batterySources, LoginItems& loginItems,
+                    const std::string& warningStateFile) {
   audioHardware_ = std::make_unique<AudioHardware>(audio, loop_);
   outputDeviceManager_ = std::make_unique<OutputDeviceManager>(*audioHardware_, tunables_);
   inputDeviceManager_ = std::make_unique<InputDeviceManager>(*audioHardware_, tunables_, loop_);
   batteryInfo_ = std::make_unique<BatteryInfo>(batterySources, tunables_, loop_, loop_.now());
   deviceInfoCache_ = std::make_unique<DeviceInfoCache>(loop_, 1000, tunables_(tunable::DeviceInfoStalenessInterval));
-  services_ = std::make_unique<Services>(
-      Services{loop_, bluetooth, *statusBar_, images_, windows_, *shortcuts_, loginItems, scriptsFolder_, scriptRunner_,
-               collator_, *alerts_, operatingSystem_, desktopSettings_, defaults_, tunables_, *outputDeviceManager_,
-               *inputDeviceManager_, *batteryInfo_, *deviceInfoCache_});
+  warningState_ = std::make_unique<JsonSettingsStore>(XdgDirectories::stateHome() / "lanternbud" / warningStateFile);
+  lowBatteryWarnings_ = std::make_unique<LowBatteryWarnings>(notifications_, *warningState_, desktopSettings_,
+                                                             tunables_, loop_);
+  services_ = std::make_unique<Services>(Services{loop_,
+                                                  bluetooth,
+                                                  *statusBar_,
+                                                  images_,
+                                                  windows_,
+                                                  *shortcuts_,
+                                                  loginItems,
+                                                  scriptsFolder_,
+                                                  scriptRunner_,
+                                                  collator_,
+                                                  *alerts_,
+                                                  operatingSystem_,
+                                                  desktopSettings_,
+                                                  defaults_,
+                                                  tunables_,
+                                                  *outputDeviceManager_,
+                                                  *inputDeviceManager_,
+                                                  *batteryInfo_,
+                                                  *deviceInfoCache_,
+                                                  *lowBatteryWarnings_});
 }
 
 } // namespace lb

@@ -8,6 +8,7 @@
 #include "linux/system/QtEventLoop.h"
 #include "linux/system/SpawnScriptRunner.h"
 #include "linux/battery/UPowerRegistry.h"
+#include "linux/desktop/DesktopNotifications.h"
 #include "linux/desktop/DesktopSettingsPrograms.h"
 #include "linux/report/LinuxDiagnosticReporter.h"
 #include "linux/xdg/XdgScriptsFolder.h"
@@ -63,7 +64,9 @@ public:
 private:
   Platform(UserDefaults& defaults, Tunables& tunables, std::string backend, std::filesystem::path scriptsFolder,
            Desktop desktop);
-  void wire(Bluetooth& bluetooth, AudioSystem& audio, BatterySources& batterySources, LoginItems& loginItems);
+  // The warnings' state is kept in that file of the state folder.
+  void wire(Bluetooth& bluetooth, AudioSystem& audio, BatterySources& batterySources, LoginItems& loginItems,
+            const std::string& warningStateFile);
 
   UserDefaults& defaults_;
   Tunables& tunables_;
@@ -78,6 +81,7 @@ private:
   IcuNameCollator collator_;
   LinuxOperatingSystem operatingSystem_;
   DesktopSettingsPrograms desktopSettings_;
+  DesktopNotifications notifications_{QDBusConnection::sessionBus()};
   XdgScriptsFolder scriptsFolder_;
   SpawnScriptRunner scriptRunner_;
   LinuxDiagnosticReporter reporter_{LinuxDiagnosticReporter::Sources::thisMachine()};
@@ -95,6 +99,8 @@ private:
   std::unique_ptr<InputDeviceManager> inputDeviceManager_;
   std::unique_ptr<BatteryInfo> batteryInfo_;
   std::unique_ptr<DeviceInfoCache> deviceInfoCache_;
+  std::unique_ptr<SettingsStore> warningState_;
+  std::unique_ptr<LowBatteryWarnings> lowBatteryWarnings_;
   std::unique_ptr<Services> services_;
 };
 

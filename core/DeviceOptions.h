@@ -23,6 +23,7 @@ inline constexpr const char* keepDefaultAudioInput = "keepDefaultAudioInput";
 inline constexpr const char* runShellScriptAfterConnected = "runShellScriptAfterConnected";
 inline constexpr const char* runShellScriptAfterDisconnected = "runShellScriptAfterDisconnected";
 inline constexpr const char* showBatteryLevel = "showBatteryLevel";
+inline constexpr const char* warnLowBattery = "warnLowBattery";
 } // namespace deviceOption
 
 // A device's options dictionary, which is also its saved form. The worker
@@ -71,6 +72,8 @@ public:
                   false);
   }
   bool showBatteryLevel() const { return option(deviceOption::showBatteryLevel, false); }
+  // Unset, it follows the desktop: off where the desktop warns by itself.
+  bool warnsOfLowBattery(bool byDefault) const { return option(deviceOption::warnLowBattery, byDefault); }
 
   void set(const std::string& key, SettingsValue value) {
     std::lock_guard lock(mutex_);

@@ -4,6 +4,7 @@
 #include "core/ConnectionTracker.h"
 #include "core/OutputFixer.h"
 #include "core/Texts.h"
+#include "foundation/BluetoothAddress.h"
 
 #include <algorithm>
 
@@ -15,6 +16,29 @@ std::optional<SettingsValue::Dictionary> DevicePresentation::deviceCachedInfo(Ba
   auto fresh = deviceFreshInfo();
   deviceInfoCache_.setValue(&device_, fresh);
   return fresh;
+}
+
+void DevicePresentation::watchBattery() {
+  const auto interval = std::max(tunables_(tunable::DeviceInfoStalenessInterval), Seconds(1));
+  batteryTimer_ = std::make_unique<PXRTimer>(interval, true, [this, weak = device_.lifetime()] {
+    if (const auto alive = weak.lock()) readLevelsForWarnings();
+  });
+  batteryTimer_->schedule(loop_);
+}
+
+void DevicePresentation::readLevelsForWarnings() {
+  if (tracker_.isConnected() != true || !warnsOfLowBattery()) return;
+  auto fresh = deviceFreshInfo();
+  deviceInfoCache_.setValue(&device_, fresh);
+  const auto levels = fresh ? BatteryType::from(*fresh) : std::nullopt;
+  const auto address = BluetoothAddress::parse(options_.storedAddress().value_or(""));
+  if (!levels || !address) return;
+  warnings_.levelsRead({address->toString(), device_.deviceNameOrUnknown(),
+                        [this] {
+                          auto picture = connectedImage();
+                          return picture ? picture->png() : std::vector<unsigned char>{};
+                        }},
+                       *levels);
 }
 
 // Linux answers as the newest system: the battery sources. The older
@@ -76,6 +100,8 @@ std::optional<std::string> DevicePresentation::toolTipString() {
   std::string text = *status + ".";
   auto found = device_.device();
   if (found && found->isConnected()) text += "\n" + batteryLevelString() + ".";
+  const auto address = BluetoothAddress::parse(options_.storedAddress().value_or(""));
+  if (auto warning = address ? warnings_.unshown(address->toString()) : std::nullopt) text += "\n" + *warning;
   return text;
 }
 

@@ -3,11 +3,15 @@
 #include "core/BatteryInfo.h"
 #include "core/DeviceHandle.h"
 #include "core/DeviceOptions.h"
+#include "core/LowBatteryWarnings.h"
 #include "core/MenuBarIconOption.h"
 #include "core/Services.h"
 #include "core/Tunables.h"
+#include "foundation/PXRTimer.h"
+#include "ports/EventLoop.h"
 #include "ports/Images.h"
 
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -27,10 +31,17 @@ enum class BatteryReading { ifStale, lastKnown };
 class DevicePresentation {
 public:
   DevicePresentation(const DeviceHandle& device, const DeviceOptions& options, const ConnectionTracker& tracker,
-                     const OutputFixer& outputFixer, const Tunables& tunables, BatteryInfo& batteryInfo,
-                     DeviceInfoCache& deviceInfoCache, Images& images)
-      : device_(device), options_(options), tracker_(tracker), outputFixer_(outputFixer), tunables_(tunables),
-        batteryInfo_(batteryInfo), deviceInfoCache_(deviceInfoCache), images_(images) {}
+                     const OutputFixer& outputFixer, EventLoop& loop, const Tunables& tunables,
+                     BatteryInfo& batteryInfo, DeviceInfoCache& deviceInfoCache, LowBatteryWarnings& warnings,
+                     Images& images)
+      : device_(device), options_(options), tracker_(tracker), outputFixer_(outputFixer), loop_(loop),
+        tunables_(tunables), batteryInfo_(batteryInfo), deviceInfoCache_(deviceInfoCache), warnings_(warnings),
+        images_(images) {}
+
+  // Reads the levels afresh every "DeviceInfoStalenessInterval" while the
+  // device is connected and warns of a low battery, where its user wants it.
+  void watchBattery();
+  bool warnsOfLowBattery() const { return options_.warnsOfLowBattery(warnings_.onByDefault()); }
 
   // The device's information, reused for "DeviceInfoStalenessInterval".
   std::optional<SettingsValue::Dictionary> deviceCachedInfo(BatteryReading reading = BatteryReading::ifStale);
@@ -43,7 +54,8 @@ public:
   std::string batteryLevelString(BatteryReading reading = BatteryReading::ifStale);
   // "Headphones - Connected (Not Sound Output)"
   std::optional<std::string> statusString();
-  // The status and, while connected, the battery, on two lines.
+  // The status and, while connected, the battery, on two lines; a third
+  // with a warning that no notification service showed.
   std::optional<std::string> toolTipString();
   // What the settings list says under the name, from what is known without
   // asking the device: "Connected · sound output · L: 60% R: 75%",
@@ -64,15 +76,19 @@ public:
 private:
   // Connected but could be, and is not, the sound output.
   bool isNotTheOutput(bool connected) const;
+  void readLevelsForWarnings();
 
   const DeviceHandle& device_;
   const DeviceOptions& options_;
   const ConnectionTracker& tracker_;
   const OutputFixer& outputFixer_;
+  EventLoop& loop_;
   const Tunables& tunables_;
   BatteryInfo& batteryInfo_;
   DeviceInfoCache& deviceInfoCache_;
+  LowBatteryWarnings& warnings_;
   Images& images_;
+  std::unique_ptr<PXRTimer> batteryTimer_;
 };
 
 } // namespace lb

@@ -14,8 +14,8 @@ DeviceSetting::DeviceSetting(Services& services, SettingsValue::Dictionary optio
                   services.alerts, services.inputDeviceManager),
       tracker_(*this, options_, connection_, outputFixer_, scripts_, services.loop, services.tunables,
                services.bluetooth, services.outputDeviceManager, services.inputDeviceManager, services.deviceInfoCache),
-      presentation_(*this, options_, tracker_, outputFixer_, services.tunables, services.batteryInfo,
-                    services.deviceInfoCache, services.images),
+      presentation_(*this, options_, tracker_, outputFixer_, services.loop, services.tunables, services.batteryInfo,
+                    services.deviceInfoCache, services.lowBatteryWarnings, services.images),
       statusItem_(*this, options_, *this, tracker_, connection_, presentation_, services.statusBar, services.windows,
                   services.shortcuts, services.tunables) {}
 
@@ -43,6 +43,7 @@ std::shared_ptr<DeviceSetting> DeviceSetting::make(Services& services, const Blu
 void DeviceSetting::start() {
   scripts_.load();
   tracker_.startTimer();
+  presentation_.watchBattery();
 }
 
 std::shared_ptr<BluetoothDevice> DeviceSetting::device() const {
@@ -108,6 +109,11 @@ void DeviceSetting::setIcon(MenuBarIconOption newIcon) {
 void DeviceSetting::setShowBatteryLevel(bool value) {
   options_.set(deviceOption::showBatteryLevel, value);
   updateButtonImage();
+  optionsChanged();
+}
+
+void DeviceSetting::setWarnsOfLowBattery(bool value) {
+  options_.set(deviceOption::warnLowBattery, value);
   optionsChanged();
 }
 

@@ -95,6 +95,9 @@ public:
   }
   bool showBatteryLevel() const { return options_.showBatteryLevel(); }
   void setShowBatteryLevel(bool value);
+  // Unset, on unless the desktop warns by itself.
+  bool warnsOfLowBattery() const { return presentation_.warnsOfLowBattery(); }
+  void setWarnsOfLowBattery(bool value);
   // The script texts; "#!/bin/sh\n" when there is none. Nothing removes one.
   std::string shellScriptAfterConnected() const { return scripts_.text(ScriptType::connected); }
   void setShellScriptAfterConnected(const std::optional<std::string>& text) {

@@ -170,6 +170,9 @@ auto DeviceSettingManager::remove(std::int64_t deviceID) -> Result<void, RemoveE
   list_.erase(found);
   services_.defaults.removeValue(setting->shortCutKey());
   services_.defaults.removeValue(setting->oldShortCutKey());
+  if (const auto address = BluetoothAddress::parse(setting->storedAddress().value_or(""))) {
+    services_.lowBatteryWarnings.forget(address->toString());
+  }
   noteChange();
   if (!synchronize()) return RemoveError::notSaved;
   return {};

@@ -2,6 +2,7 @@
 
 #include "core/BatteryInfo.h"
 #include "core/InputDeviceManager.h"
+#include "core/LowBatteryWarnings.h"
 #include "core/OutputDeviceManager.h"
 #include "core/ShortcutBinder.h"
 #include "core/Tunables.h"
@@ -49,6 +50,7 @@ struct Services {
   InputDeviceManager& inputDeviceManager;
   BatteryInfo& batteryInfo;
   DeviceInfoCache& deviceInfoCache;
+  LowBatteryWarnings& lowBatteryWarnings;
 };
 
 } // namespace lb

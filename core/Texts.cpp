@@ -40,6 +40,24 @@ std::string localized(std::string_view english) {
   return std::string(found == linux.end() ? english : found->second);
 }
 
+std::string numbered(std::string_view format, std::initializer_list<std::string_view> arguments) {
+  std::string text;
+  for (std::size_t i = 0; i < format.size(); ++i) {
+    const char next = i + 1 < format.size() ? format[i + 1] : '\0';
+    const auto index = std::size_t(next - '1');
+    if (format[i] == '%' && next == '%') {
+      text += '%';
+      ++i;
+    } else if (format[i] == '%' && next >= '1' && next <= '9' && index < arguments.size()) {
+      text += *(arguments.begin() + index);
+      ++i;
+    } else {
+      text += format[i];
+    }
+  }
+  return text;
+}
+
 std::string formatted(std::string_view format, std::string_view argument) {
   std::string text;
   bool filled = false;

@@ -2,6 +2,7 @@
 
 #include "foundation/Translatable.h"
 
+#include <initializer_list>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -16,6 +17,11 @@ std::string localized(std::string_view english);
 
 // `format` with its first "%@" replaced by `argument`, and "%%" as "%".
 std::string formatted(std::string_view format, std::string_view argument);
+
+// `format` with "%1" … "%9" replaced by the arguments in that order, and
+// "%%" as "%": for a text of several arguments, which a translation may
+// reorder.
+std::string numbered(std::string_view format, std::initializer_list<std::string_view> arguments);
 
 // A text that is both logged and shown: in English for the log, in the
 // user's language for the user. `english` is a text for localized(),

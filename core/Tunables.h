@@ -135,6 +135,9 @@ inline const Tunable<std::string> TrayIconColor{
 inline const Tunable<Seconds> TrayHostWaitInterval{"TrayHostWaitInterval", Seconds(5.0), once, {0, 120}};
 inline const Tunable<Seconds> DeviceInfoStalenessInterval{
     "DeviceInfoStalenessInterval", Seconds(60.0), once, {0, 86400}};
+// A device whose warnings are on warns once at or below each level.
+inline const Tunable<std::int64_t> LowBatteryWarningLevel{"LowBatteryWarningLevel", 20, each, {1, 95}};
+inline const Tunable<std::int64_t> LowBatteryCriticalLevel{"LowBatteryCriticalLevel", 5, each, {0, 95}};
 inline const Tunable<bool> DisableMontereyBatteryInfo{"DisableMontereyBatteryInfo", false, each};
 // Off: on Linux the battery sources are live mirrors of BlueZ and UPower,
 // never stale, so a helper process would only cost a process a device.

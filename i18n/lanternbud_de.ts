@@ -268,6 +268,10 @@
         <translation>Akkustand an&amp;zeigen</translation>
     </message>
     <message>
+        <source>Wa&amp;rn when the battery is low</source>
+        <translation>Bei schwachem Akku &amp;warnen</translation>
+    </message>
+    <message>
         <source>Start Lanternbud at login</source>
         <translation>Lanternbud beim Anmelden starten</translation>
     </message>
@@ -490,6 +494,26 @@
     <message>
         <source>Writing the report</source>
         <translation>Der Bericht wird geschrieben</translation>
+    </message>
+    <message>
+        <source>%1: left bud at %2 %</source>
+        <translation>%1: linker Ohrhörer bei %2 %</translation>
+    </message>
+    <message>
+        <source>%1: right bud at %2 %</source>
+        <translation>%1: rechter Ohrhörer bei %2 %</translation>
+    </message>
+    <message>
+        <source>%1: battery at %2 %</source>
+        <translation>%1: Akku bei %2 %</translation>
+    </message>
+    <message>
+        <source>Charge it now: it will turn off soon.</source>
+        <translation>Jetzt aufladen: Es schaltet sich bald aus.</translation>
+    </message>
+    <message>
+        <source>Charge it soon.</source>
+        <translation>Bald aufladen.</translation>
     </message>
     <message>
         <source>the desktop refused it</source>

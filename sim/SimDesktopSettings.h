@@ -11,8 +11,11 @@ public:
     return installed;
   }
 
+  bool warnsOfLowBattery() const override { return warnsOfLowBatteryItself; }
+
   // The world's side.
   bool installed = true;
+  bool warnsOfLowBatteryItself = false;
   int opened = 0;
 };
 

@@ -144,6 +144,8 @@ DeviceListPane::DeviceListPane(DeviceSettingManager& registry, Services& service
              &DeviceSetting::keepDefaultAudioInput, &DeviceSetting::setKeepDefaultAudioInput);
   makeSwitch("showBatteryLevel", uiText("Show the &battery level"), &DeviceSetting::showBatteryLevel,
              &DeviceSetting::setShowBatteryLevel);
+  makeSwitch("warnLowBattery", uiText("Wa&rn when the battery is low"), &DeviceSetting::warnsOfLowBattery,
+             &DeviceSetting::setWarnsOfLowBattery);
   advancedButton_->setObjectName("advanced");
   connect(advancedButton_, &QPushButton::clicked, this, &DeviceListPane::openAdvancedSheet);
 

@@ -22,4 +22,9 @@ bool DesktopSettingsPrograms::openBluetoothSettings() {
   return false;
 }
 
+bool DesktopSettingsPrograms::warnsOfLowBattery() const {
+  const auto desktops = qEnvironmentVariable("XDG_CURRENT_DESKTOP").split(':');
+  return desktops.contains("GNOME", Qt::CaseInsensitive) || desktops.contains("KDE", Qt::CaseInsensitive);
+}
+
 } // namespace lb

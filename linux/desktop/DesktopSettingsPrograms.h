@@ -10,6 +10,8 @@ class DesktopSettingsPrograms final : public DesktopSettings {
 public:
   // The first one installed.
   bool openBluetoothSettings() override;
+  // From $XDG_CURRENT_DESKTOP: GNOME or KDE.
+  bool warnsOfLowBattery() const override;
 };
 
 } // namespace lb

@@ -28,6 +28,9 @@ TEST(Texts, ATranslationIsLookedUpByTheKeyAndMissingOnesKeepTheLinuxWording) {
   EXPECT_EQ(localized("Quit"), "Quit");
   installTranslator(nullptr);
   EXPECT_EQ(localized(reworded), "Your computer could not connect to “%@”.");
+  // Numbered arguments in the order the translation puts them; a number
+  // without its argument, and a lone "%", stay as written.
+  EXPECT_EQ(numbered("%2 bei %1 % (%3), 100%%", {"15", "Buds"}), "Buds bei 15 % (%3), 100%");
 }
 
 } // namespace lb

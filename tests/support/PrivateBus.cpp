@@ -1,6 +1,7 @@
 #include "tests/support/PrivateBus.h"
 
 #include <QCoreApplication>
+#include <QDBusArgument>
 #include <QDBusConnectionInterface>
 #include <QDBusReply>
 #include <QDBusVariant>
@@ -53,7 +54,7 @@ PrivateBus::PrivateBus(Kind kind) {
 
 PrivateBus::~PrivateBus() {
   killBluez();
-  for (auto* process : {upower_.get(), portal_.get(), daemon_.get()}) {
+  for (auto* process : {notifications_.get(), upower_.get(), portal_.get(), daemon_.get()}) {
     if (!process) continue;
     process->kill();
     process->waitForFinished(5000);
@@ -106,6 +107,30 @@ bool PrivateBus::startPortal() {
 QDBusMessage PrivateBus::portal(const QString& method, const QVariantList& arguments) {
   return call("org.freedesktop.portal.Desktop", "/org/freedesktop/portal/desktop", "org.lanternbud.TestPortal", method,
               arguments);
+}
+
+bool PrivateBus::startNotifications() {
+  notifications_ = startModel({"-m", "dbusmock", "--session", "--template", "notification_daemon"},
+                              "org.freedesktop.Notifications", "notification daemon");
+  return notifications_ != nullptr;
+}
+
+QList<QVariantList> PrivateBus::notificationCalls() {
+  auto reply = call("org.freedesktop.Notifications", "/org/freedesktop/Notifications", "org.freedesktop.DBus.Mock",
+                    "GetMethodCalls", {"Notify"});
+  QList<QVariantList> calls;
+  const auto list = reply.arguments().value(0).value<QDBusArgument>();
+  list.beginArray();
+  while (!list.atEnd()) {
+    qulonglong time = 0;
+    QVariantList arguments;
+    list.beginStructure();
+    list >> time >> arguments;
+    list.endStructure();
+    calls.append(arguments);
+  }
+  list.endArray();
+  return calls;
 }
 
 bool PrivateBus::startUPower() {

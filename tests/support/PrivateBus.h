@@ -55,6 +55,11 @@ public:
   // A method of its test interface: Bound() or Activate(id).
   QDBusMessage portal(const QString& method, const QVariantList& arguments = {});
 
+  // Starts python3-dbusmock's notification daemon (on a session bus).
+  bool startNotifications();
+  // The arguments of every Notify call it had, in order.
+  QList<QVariantList> notificationCalls();
+
   // Starts python3-dbusmock's UPower model and waits for its name.
   bool startUPower();
   // A method of the UPower model's mock interface (AddDischargingBattery,
@@ -95,6 +100,7 @@ private:
 
   std::unique_ptr<QProcess> bluez_;
   std::unique_ptr<QProcess> upower_;
+  std::unique_ptr<QProcess> notifications_;
   std::unique_ptr<QProcess> portal_;
   std::unique_ptr<QDBusConnection> control_;
 };

@@ -9,6 +9,7 @@
 #include "sim/SimBluetooth.h"
 #include "sim/SimImages.h"
 #include "sim/SimLoginItems.h"
+#include "sim/SimNotifications.h"
 #include "sim/SimDesktopSettings.h"
 #include "sim/SimOperatingSystem.h"
 #include "sim/SimScriptRunner.h"
@@ -67,7 +68,8 @@ struct SimulatedPlatform {
                     outputDeviceManager,
                     inputDeviceManager,
                     batteryInfo,
-                    deviceInfoCache};
+                    deviceInfoCache,
+                    lowBatteryWarnings};
   }
 
   VirtualEventLoop loop;
@@ -94,6 +96,9 @@ struct SimulatedPlatform {
   SimBatterySources batterySources;
   BatteryInfo batteryInfo{batterySources, tunables, loop, loop.now()};
   DeviceInfoCache deviceInfoCache{loop, 1000, tunables(tunable::DeviceInfoStalenessInterval)};
+  SimNotifications notifications{loop};
+  InMemorySettingsStore warningState; // what the user was told of batteries
+  LowBatteryWarnings lowBatteryWarnings{notifications, warningState, desktopSettings, tunables, loop};
   Services services = servicesWith({});
 };
 

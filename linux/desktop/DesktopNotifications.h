@@ -1,0 +1,23 @@
+#pragma once
+
+#include "ports/Notifications.h"
+
+#include <QDBusConnection>
+
+namespace lb {
+
+// The session's notification service, org.freedesktop.Notifications. The
+// picture goes as the "image-data" hint, so that it needs no file; a
+// critical notification has urgency 2. Where no service runs, the call's
+// error is the answer.
+class DesktopNotifications final : public Notifications {
+public:
+  explicit DesktopNotifications(QDBusConnection session) : session_(std::move(session)) {}
+
+  void show(const Notification& notification, Id replacing, Done done) override;
+
+private:
+  QDBusConnection session_;
+};
+
+} // namespace lb
