@@ -33,6 +33,16 @@ DemoWorld::DemoWorld(EventLoop& loop) : world(loop) {
   buds.setBatteryProperty("batteryPercentCase", 90);
   headsets_.push_back(std::make_unique<SimHeadsetAudio>(world, audio, loop, buds.addressString(), "Lantern Buds",
                                                         SimHeadsetAudio::Options{.delay = 0.4}));
+  // Back in the case, they charge up to where the demo started.
+  budsBattery_ = std::make_unique<PXRTimer>(Seconds(3), true, [&buds] {
+    const int step = buds.isConnected() ? -1 : 2;
+    for (const auto& [side, full] : {std::pair{"batteryPercentLeft", 60}, std::pair{"batteryPercentRight", 75}}) {
+      const auto level = buds.batteryProperty(side);
+      const auto* now = level ? level->as<std::int64_t>() : nullptr;
+      buds.setBatteryProperty(side, std::clamp<std::int64_t>((now ? *now : full) + step, 1, full));
+    }
+  });
+  budsBattery_->schedule(loop);
 
   add("00:1D:43:A0:00:03", "Lantern Mouse", 5, 32, MenuBarIconOption::mouse)
       .setBatteryProperty("batteryPercentSingle", 45);

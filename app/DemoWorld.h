@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/DeviceSettingManager.h"
+#include "foundation/PXRTimer.h"
 #include "sim/SimAudioSystem.h"
 #include "sim/SimBatterySources.h"
 #include "sim/SimBluetooth.h"
@@ -16,6 +17,8 @@ namespace lb {
 // whose speaker appears a moment after it connects, earbuds with left and
 // right batteries, a mouse, a keyboard, and a speaker whose every other
 // connect times out. The computer has its own speakers and microphone.
+// The earbuds run down while connected, a point every 3 seconds, through
+// the low-battery warnings, and charge in their case while disconnected.
 class DemoWorld {
 public:
   explicit DemoWorld(EventLoop& loop);
@@ -32,6 +35,7 @@ public:
 private:
   std::vector<std::unique_ptr<SimHeadsetAudio>> headsets_;
   std::map<std::string, MenuBarIconOption> icons_; // by address
+  std::unique_ptr<PXRTimer> budsBattery_;
 };
 
 } // namespace lb
