@@ -4,6 +4,7 @@
 #include "app/Translations.h"
 #include "core/AppDelegate.h"
 #include "core/SettingKeys.h"
+#include "core/Tunables.h"
 #include "foundation/BluetoothAddress.h"
 #include "foundation/JsonSettingsStore.h"
 #include "linux/logging/LinuxLogger.h"
@@ -102,6 +103,9 @@ int main(int argc, char** argv) {
   // The start's lines, and without a tray what its items would show, are
   // what a user sees at a terminal.
   defaults.registerDefaults({{"LogLaunch", true}, {"LogTray", true}});
+  // The demo's earbuds run down a point every 3 s: read every 2 s, each
+  // warning comes at its level.
+  if (demo) defaults.registerDefaults({{std::string(lb::tunable::DeviceInfoStalenessInterval.key), 2.0}});
   lb::LinuxLogger::install([&defaults](const std::string& area) { return defaults.boolValue(area, false); },
                            processName);
   lb::installTranslations();

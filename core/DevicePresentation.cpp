@@ -136,7 +136,10 @@ std::shared_ptr<Image> DevicePresentation::image(bool connected) {
 
 std::shared_ptr<Image> DevicePresentation::buttonImage(double fraction) {
   if (options_.showBatteryLevel()) {
-    if (auto level = batteryLevel()) return lb::image(images_, options_.icon(), *level, fraction);
+    if (auto level = batteryLevel()) {
+      const bool low = *level <= tunables_(tunable::LowBatteryWarningLevel);
+      return lb::image(images_, options_.icon(), *level, low, fraction);
+    }
   }
   return lb::connectedImage(images_, options_.icon(), fraction);
 }

@@ -36,7 +36,9 @@ void LowBatteryWarnings::levelsRead(const Device& device, const BatteryType& lev
       warn(device, side, level, false);
     }
   }
-  if (changed) save(device.address, sides);
+  if (!changed) return;
+  save(device.address, sides);
+  if (sides.empty()) unshown_.erase(device.address); // recovered: the tool tip tells no more
 }
 
 std::optional<std::string> LowBatteryWarnings::unshown(const std::string& address) const {
@@ -102,7 +104,7 @@ void LowBatteryWarnings::warn(const Device& device, const std::string& side, int
   const auto& address = device.address;
   auto replacing = shown_.contains(address) ? shown_[address] : 0;
   notifications_.show(notification, replacing,
-                      [this, address, summary = notification.summary](Result<Notifications::Id> shown) {
+                      [this, address, summary = notification.summary](const Result<Notifications::Id>& shown) {
                         if (shown) {
                           shown_[address] = shown.value();
                           unshown_.erase(address);

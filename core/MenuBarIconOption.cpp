@@ -225,7 +225,7 @@ std::shared_ptr<Image> connectedImage(Images& images, MenuBarIconOption option, 
   return result;
 }
 
-std::shared_ptr<Image> image(Images& images, MenuBarIconOption option, int batteryLevel, double fraction) {
+std::shared_ptr<Image> image(Images& images, MenuBarIconOption option, int batteryLevel, bool low, double fraction) {
   const auto gaugeName = batteryImageName(batteryLevel);
   auto gauge = images.named(gaugeName);
   auto icon = connectedImage(images, option);
@@ -234,6 +234,7 @@ std::shared_ptr<Image> image(Images& images, MenuBarIconOption option, int batte
     return icon;
   }
   gauge->setTemplate(true);
+  gauge->setWarning(low);
   const auto iconSize = icon->size(), gaugeSize = gauge->size();
   const double inset = isNarrow(option) ? 4.0 : 2.0;
   auto result = images.compose({gaugeSize.width + iconSize.width + 3.0, std::max(gaugeSize.height, iconSize.height)},

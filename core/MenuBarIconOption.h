@@ -103,7 +103,8 @@ std::vector<std::optional<MenuBarIconOption>> availableIconsForMenu(Images& imag
 // one, as a template image.
 std::shared_ptr<Image> connectedImage(Images& images, MenuBarIconOption option);
 std::shared_ptr<Image> connectedImage(Images& images, MenuBarIconOption option, double fraction);
-// The connected picture with the battery gauge at its right, overlapping it.
-std::shared_ptr<Image> image(Images& images, MenuBarIconOption option, int batteryLevel, double fraction);
+// The connected picture with the battery gauge at its right, overlapping it;
+// a `low` gauge is drawn in the warning colour.
+std::shared_ptr<Image> image(Images& images, MenuBarIconOption option, int batteryLevel, bool low, double fraction);
 
 } // namespace lb

@@ -19,6 +19,9 @@ public:
   // A template image is drawn in the tray's own colour.
   virtual void setTemplate(bool isTemplate) = 0;
   virtual bool isTemplate() const = 0;
+  // A warning picture is drawn in the palette's warning colour wherever it
+  // is shown, also as a layer of a template.
+  virtual void setWarning(bool isWarning) = 0;
   // The picture as PNG data, at twice its size in points; empty when it
   // cannot be drawn.
   virtual std::vector<unsigned char> png() const = 0;

@@ -16,9 +16,11 @@ public:
     ImageSize dimensions;
     std::vector<Layer> layers;
     bool isTemplateImage = false;
+    bool isWarning = false;
     ImageSize size() const override { return dimensions; }
     void setTemplate(bool value) override { isTemplateImage = value; }
     bool isTemplate() const override { return isTemplateImage; }
+    void setWarning(bool value) override { isWarning = value; }
     std::vector<unsigned char> png() const override { return {}; } // no pixels here
   };
 
@@ -38,11 +40,12 @@ public:
   }
 
   // What a picture is made of, for a test to compare: "keyboard", or for
-  // a composed one its layers, "headphones-fill@0.25+battery-8@0.25".
+  // a composed one its layers, "headphones-fill@0.25+battery-8@0.25"; a
+  // warning picture ends in "!", "battery-2!".
   static std::string describe(const std::shared_ptr<Image>& image) {
     auto sim = std::dynamic_pointer_cast<SimImage>(image);
     if (!sim) return image ? "?" : "none";
-    if (!sim->name.empty()) return sim->name;
+    if (!sim->name.empty()) return sim->name + (sim->isWarning ? "!" : "");
     std::string text;
     for (const auto& layer : sim->layers) {
       std::ostringstream opacity;

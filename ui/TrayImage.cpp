@@ -52,19 +52,28 @@ std::shared_ptr<TrayImage> TrayImage::composed(ImageSize size, std::vector<Layer
   return image;
 }
 
-void TrayImage::paint(QImage& target, double scale) const {
+void TrayImage::paint(QImage& target, double scale, const std::optional<QColor>& warning) const {
   QPainter painter(&target);
   painter.setRenderHint(QPainter::Antialiasing);
   if (!artworkName_.isEmpty()) {
-    if (auto* renderer = rendererOf(artworkName_)) renderer->render(&painter, QRectF(QPointF(0, 0), target.size()));
+    // At the scale asked for, not stretched to the whole pixels of the target.
+    if (auto* renderer = rendererOf(artworkName_); renderer && !warning) {
+      renderer->render(&painter, QRectF(0, 0, size_.width * scale, size_.height * scale));
+    }
     return;
   }
   for (const auto& layer : layers_) {
+    if (layer.image->warning_ != warning.has_value()) continue;
     const auto layerSize = layer.image->size();
     QImage drawn(QSize(int(std::lround(layerSize.width * scale)), int(std::lround(layerSize.height * scale))),
                  QImage::Format_ARGB32_Premultiplied);
     drawn.fill(Qt::transparent);
     layer.image->paint(drawn, scale);
+    if (warning) {
+      QPainter tint(&drawn);
+      tint.setCompositionMode(QPainter::CompositionMode_SourceIn);
+      tint.fillRect(drawn.rect(), *warning);
+    }
     painter.setOpacity(layer.opacity);
     // The layers' origin is the bottom left, as the pictures were composed.
     painter.drawImage(QPointF(layer.x * scale, (size_.height - layer.y - layerSize.height) * scale), drawn);
@@ -82,7 +91,12 @@ QImage TrayImage::render(double scale, const QColor& colour) const {
     tint.setCompositionMode(QPainter::CompositionMode_SourceIn);
     tint.fillRect(image.rect(), colour);
   }
+  paint(image, scale, warningColour(colour));
   return image;
+}
+
+QColor TrayImage::warningColour(const QColor& colour) {
+  return colour.lightnessF() > 0.5 ? QColor(0xff, 0x8a, 0x65) : QColor(0xc6, 0x28, 0x28);
 }
 
 std::vector<unsigned char> TrayImage::png() const {

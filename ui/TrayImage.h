@@ -33,12 +33,18 @@ public:
   ImageSize size() const override { return size_; }
   void setTemplate(bool isTemplate) override { template_ = isTemplate; }
   bool isTemplate() const override { return template_; }
+  void setWarning(bool isWarning) override { warning_ = isWarning; }
   std::vector<unsigned char> png() const override;
 
-  // "headphones-fill", or "[headphones-fill@1.00,0.00,0.25 battery-8@…]".
-  const QString& key() const { return key_; }
-  // The picture `scale` pixels per point; a template picture in `colour`.
+  // "headphones-fill", or "[headphones-fill@1.00,0.00,0.25 battery-2!@…]"
+  // with "!" for a warning picture.
+  QString key() const { return warning_ ? key_ + "!" : key_; }
+  // The picture `scale` pixels per point; a template picture in `colour`,
+  // its warning layers in the warning colour that goes with it.
   QImage render(double scale, const QColor& colour) const;
+  // Reads on the panel that `colour` is drawn on: a lighter red beside a
+  // light colour (a dark panel), a darker one beside a dark colour.
+  static QColor warningColour(const QColor& colour);
   // The heights in pixels trays and menus ask for, at 1× and 2×.
   static const std::vector<int>& standardHeights();
   // The picture at those heights, with a halo of that colour if asked.
@@ -54,13 +60,15 @@ public:
 
 private:
   TrayImage(ImageSize size, QString key) : size_(size), key_(std::move(key)) {}
-  void paint(QImage& target, double scale) const;
+  // The layers, all but the warning ones; or only those, each in `warning`.
+  void paint(QImage& target, double scale, const std::optional<QColor>& warning = std::nullopt) const;
 
   ImageSize size_;
   QString key_;
   QString artworkName_; // empty for a composed picture
   std::vector<Layer> layers_;
   bool template_ = false;
+  bool warning_ = false;
 };
 
 } // namespace lb

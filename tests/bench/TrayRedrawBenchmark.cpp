@@ -32,7 +32,8 @@ int main(int argc, char** argv) {
     for (std::size_t i = 0; i < items.size(); ++i) {
       const auto option = allMenuBarIconOptions()[i * 4].option;
       // A level that differs from the round before: a picture never shown.
-      items[i]->setImage(image(images, option, (round * 7) % 101, round % 2 ? 0.25 : 1.0));
+      const int level = (round * 7) % 101;
+      items[i]->setImage(image(images, option, level, level <= 20, round % 2 ? 0.25 : 1.0));
     }
     times.push_back(static_cast<double>(clock.nsecsElapsed()) / 1e6);
   }

@@ -24,6 +24,13 @@ TEST(DevicePresentation, DimWhenNotTheOutputWithAGaugeOnlyForAKnownLevel) {
   h.sim.loop.advance(1);
   EXPECT_EQ(h.setting->isAudioOutput(), true);
   EXPECT_EQ(shown(), "headphones-fill@1+battery-8@1");
+  // At the warning level, the gauge warns.
+  for (auto [level, gauge] : {std::pair{21, "battery-2"}, {20, "battery-2!"}}) {
+    h.device->setBatteryProperty("batteryPercentSingle", level);
+    h.sim.deviceInfoCache.removeAll();
+    h.setting->updateButtonImage();
+    EXPECT_EQ(shown(), std::string("headphones-fill@1+") + gauge + "@1");
+  }
 }
 
 TEST(DevicePresentation, WhileTheOutputIsFixedTheDimmedPictureOrTheRefreshSymbol) {

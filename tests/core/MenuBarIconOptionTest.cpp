@@ -22,12 +22,12 @@ TEST(MenuBarIconOption, RawValuesAndGauges) {
 TEST(MenuBarIconOption, ANarrowPicturesGaugeOverlapsItMore) {
   SimImages images;
   images.artwork = {{"headphones-fill", {20, 16}}, {"mouse", {20, 18}}, {"battery-9", {8, 10}}};
-  auto mouse = std::dynamic_pointer_cast<SimImages::SimImage>(image(images, MenuBarIconOption::mouse, 85, 1.0));
+  auto mouse = std::dynamic_pointer_cast<SimImages::SimImage>(image(images, MenuBarIconOption::mouse, 85, false, 1.0));
   EXPECT_EQ(std::dynamic_pointer_cast<SimImages::SimImage>(mouse->layers[0].image)->name, "mouse");
   EXPECT_DOUBLE_EQ(mouse->layers[1].x, 16.0);
 
   // Missing artwork is logged, not fatal: without its gauge, the icon alone.
-  EXPECT_EQ(SimImages::describe(image(images, MenuBarIconOption::headphones, 5, 0.25)), "headphones-fill");
+  EXPECT_EQ(SimImages::describe(image(images, MenuBarIconOption::headphones, 5, true, 0.25)), "headphones-fill");
   EXPECT_TRUE(std::ranges::equal(availableIconsForMenu(images), iconsForMenu()));
 }
 

@@ -61,7 +61,8 @@ TEST(TrayImage, EveryStateStandsOutFromLightAndDarkPanels) {
       {"outline", outline},
       {"filled", connectedImage(images, option)},
       {"dimmed", connectedImage(images, option, dimmed)},
-      {"gauge", image(images, option, 60, dimmed)}};
+      {"gauge", image(images, option, 60, false, dimmed)},
+      {"low gauge", image(images, option, 15, true, dimmed)}};
   const QColor dark[] = {QColor("#000000"), QColor("#2d2d2d")}, light[] = {QColor("#ffffff"), QColor("#f6f5f4")};
   auto check = [&](const QColor& ink, std::optional<QColor> halo, const QColor& panel) {
     for (const auto& [state, picture] : states) {
@@ -104,15 +105,46 @@ TEST(TrayImage, EveryOptionHasItsOwnOutlineAndFilledPictureInThePanelsColour) {
   EXPECT_FALSE(headphones->png().empty());
 }
 
-TEST(TrayImage, TheGaugeFillsWithTheLevelAndSitsBesideTheDimmedIcon) {
+// At the tray's sizes the gauge's fill is at least two whole pixels wide
+// and rises with the level; a low gauge is drawn in the warning colour,
+// the picture beside it staying in the panel's.
+TEST(TrayImage, TheGaugeIsReadableAtSmallSizesAndWarnsInItsOwnColour) {
   SvgImages images;
-  int previous = 0;
-  for (int level : {0, 10, 50, 100}) {
-    const int fill = inked(drawn(images.named(batteryImageName(level))));
-    EXPECT_GT(fill, previous) << level;
-    previous = fill;
+  const auto gauge = [&images](int level, bool low, int pixels) {
+    return drawn(image(images, MenuBarIconOption::headphones, level, low, 1.0), pixels);
+  };
+  for (int pixels : {16, 22, 32}) {
+    const auto empty = gauge(0, false, pixels);
+    int previousHeight = 0;
+    for (int level : {20, 50, 100}) {
+      // The fill: whole pixels this level covers that an empty gauge leaves
+      // clear; its widest run, and the rows it is in.
+      const auto full = gauge(level, false, pixels);
+      int width = 0, height = 0;
+      for (int y = 0; y < full.height(); ++y) {
+        int run = 0, widest = 0;
+        for (int x = 0; x < full.width(); ++x) {
+          run = qAlpha(full.pixel(x, y)) == 255 && qAlpha(empty.pixel(x, y)) < 128 ? run + 1 : 0;
+          widest = std::max(widest, run);
+        }
+        width = std::max(width, widest);
+        height += widest > 0;
+      }
+      EXPECT_GE(width, 2) << pixels << " px, " << level << " %";
+      EXPECT_GT(height, previousHeight) << pixels << " px, " << level << " %";
+      previousHeight = height;
+    }
+    std::set<QRgb> colours;
+    const auto low = gauge(20, true, pixels);
+    for (int y = 0; y < low.height(); ++y) {
+      for (int x = 0; x < low.width(); ++x) {
+        if (qAlpha(low.pixel(x, y)) == 255) colours.insert(low.pixel(x, y) | 0xff000000);
+      }
+    }
+    EXPECT_EQ(colours, (std::set<QRgb>{ink.rgb(), TrayImage::warningColour(ink).rgb()})) << pixels << " px";
   }
-  const auto composed = image(images, MenuBarIconOption::headphones, 80, 0.25);
+
+  const auto composed = image(images, MenuBarIconOption::headphones, 80, false, 0.25);
   EXPECT_DOUBLE_EQ(composed->size().width, 24 + 8 + 3);
   const auto picture = drawn(composed);
   int maximum = 0;
@@ -121,8 +153,11 @@ TEST(TrayImage, TheGaugeFillsWithTheLevelAndSitsBesideTheDimmedIcon) {
   }
   EXPECT_NEAR(maximum, 0.25 * 255, 2); // dimmed all over
   // The same recipe is the same picture: the tray sends nothing for it.
-  EXPECT_EQ(std::dynamic_pointer_cast<TrayImage>(composed)->key(),
-            std::dynamic_pointer_cast<TrayImage>(image(images, MenuBarIconOption::headphones, 80, 0.25))->key());
+  const auto key = [&images](bool low) {
+    return std::dynamic_pointer_cast<TrayImage>(image(images, MenuBarIconOption::headphones, 80, low, 0.25))->key();
+  };
+  EXPECT_EQ(std::dynamic_pointer_cast<TrayImage>(composed)->key(), key(false));
+  EXPECT_NE(key(true), key(false));
 }
 
 } // namespace lb
