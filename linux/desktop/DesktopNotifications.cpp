@@ -6,6 +6,7 @@
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QImage>
+#include <QPainter>
 #include <QVariantMap>
 
 namespace lb {
@@ -29,6 +30,18 @@ QDBusArgument& operator<<(QDBusArgument& argument, const ImageData& data) {
 // Only sent, never received.
 const QDBusArgument& operator>>(const QDBusArgument& argument, ImageData&) { return argument; }
 
+QImage onTile(const QImage& picture) {
+  QImage tile(picture.size(), QImage::Format_RGBA8888);
+  tile.fill(Qt::transparent);
+  QPainter painter(&tile);
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setPen(Qt::NoPen);
+  painter.setBrush(Qt::white);
+  painter.drawRoundedRect(QRectF(tile.rect()), 20, 20, Qt::RelativeSize);
+  painter.drawImage(0, 0, picture);
+  return tile;
+}
+
 } // namespace
 
 } // namespace lb
@@ -44,14 +57,14 @@ void DesktopNotifications::show(const Notification& notification, Id replacing, 
                     {"desktop-entry", QString("lanternbud")}};
   QImage picture;
   if (!notification.png.empty() && picture.loadFromData(notification.png.data(), int(notification.png.size()), "PNG")) {
-    hints.insert("image-data", QVariant::fromValue(ImageData{picture.convertToFormat(QImage::Format_RGBA8888)}));
+    hints.insert("image-data", QVariant::fromValue(ImageData{onTile(picture)}));
   }
   auto call = QDBusMessage::createMethodCall("org.freedesktop.Notifications", "/org/freedesktop/Notifications",
                                              "org.freedesktop.Notifications", "Notify");
   call << QString("Lanternbud") << uint(replacing) << QString("lanternbud")
        << QString::fromStdString(notification.summary) << QString::fromStdString(notification.body) << QStringList()
        << hints << -1;
-  auto* watcher = new QDBusPendingCallWatcher(session_.asyncCall(call));
+  auto* watcher = new QDBusPendingCallWatcher(session_.asyncCall(call), &calls_);
   QObject::connect(watcher, &QDBusPendingCallWatcher::finished, [done = std::move(done)](QDBusPendingCallWatcher* w) {
     QDBusPendingReply<uint> reply = *w;
     w->deleteLater();

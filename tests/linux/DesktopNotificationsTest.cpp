@@ -5,6 +5,7 @@
 #include <QBuffer>
 #include <QDBusArgument>
 #include <QImage>
+#include <QPainter>
 
 #include <gtest/gtest.h>
 
@@ -25,9 +26,10 @@ TEST(DesktopNotifications, NotifyWithUrgencyPictureAndReplacement) {
   };
   QByteArray png;
   QBuffer buffer(&png);
-  QImage red(4, 4, QImage::Format_ARGB32);
-  red.fill(Qt::red);
-  red.save(&buffer, "PNG");
+  QImage half(16, 16, QImage::Format_ARGB32);
+  half.fill(Qt::transparent);
+  QPainter(&half).fillRect(8, 0, 8, 16, Qt::red);
+  half.save(&buffer, "PNG");
   Notification warning{"Lantern Buds: left bud at 15 %", "Charge it soon.", {png.begin(), png.end()}, false};
   const auto nobody = shown(warning, 0);
   ASSERT_FALSE(nobody);
@@ -49,15 +51,18 @@ TEST(DesktopNotifications, NotifyWithUrgencyPictureAndReplacement) {
   EXPECT_EQ(hints(0).value("urgency").toUInt(), 1u);
   EXPECT_EQ(hints(1).value("urgency").toUInt(), 2u);
   EXPECT_FALSE(hints(1).contains("image-data"));
-  // (iiibiiay): 4 × 4 pixels, RGBA with alpha, the first one red.
+  // (iiibiiay): 16 × 16 pixels, RGBA with alpha, on a white tile.
   const auto image = hints(0).value("image-data").value<QDBusArgument>();
   int width = 0, height = 0, rowStride = 0, bits = 0, channels = 0;
   bool alpha = false;
   QByteArray pixels;
   image.beginStructure();
   image >> width >> height >> rowStride >> alpha >> bits >> channels >> pixels;
-  EXPECT_EQ(std::tuple(width, height, rowStride, alpha, bits, channels, pixels.size(), pixels.left(4)),
-            std::tuple(4, 4, 16, true, 8, 4, 64, QByteArray("\xff\x00\x00\xff", 4)));
+  image.endStructure();
+  const auto at = [&pixels](int x, int y) { return pixels.mid((y * 16 + x) * 4, 4); };
+  EXPECT_EQ(
+      std::tuple(width, height, rowStride, alpha, bits, channels, pixels.size(), at(2, 8), at(12, 8)),
+      std::tuple(16, 16, 64, true, 8, 4, 1024, QByteArray("\xff\xff\xff\xff", 4), QByteArray("\xff\x00\x00\xff", 4)));
 }
 
 } // namespace lb
