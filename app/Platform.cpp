@@ -48,7 +48,7 @@ Platform::Platform(UserDefaults& defaults, Tunables& tunables, std::string backe
       globalKeys_(globalKeys()), shortcuts_(std::make_unique<ShortcutBinder>(defaults, *globalKeys_)),
       scriptsFolder_(std::move(scriptsFolder)) {
   if (desktop.tray != TrayHost::Kind::none) {
-    statusBar_ = std::make_unique<TrayStatusBar>(desktop.tray);
+    statusBar_ = std::make_unique<TrayStatusBar>(desktop.tray, notifications_);
   } else {
     statusBar_ = std::make_unique<LoggingStatusBar>();
   }

@@ -9,10 +9,10 @@
 #include "linux/bluez/BluezLowEnergyCentral.h"
 #include "linux/battery/LinuxBatterySources.h"
 #include "linux/battery/PropertyList.h"
+#include "linux/desktop/DesktopNotifications.h"
 #include "linux/desktop/XembedTray.h"
 #include "scripting/ScriptingService.h"
 #include "linux/system/TerminationSignals.h"
-#include "ui/DesktopNotification.h"
 #include "ui/TrayHost.h"
 
 #include <QCoreApplication>
@@ -76,7 +76,8 @@ TrayHost::Kind findTray(const QDBusConnection& session, Tunables& tunables, bool
   PXR_LOG_ERROR(std::string(advice));
   std::cerr << "lanternbud: " << advice << "\n";
   if (session.isConnected()) {
-    sendDesktopNotification(session, localized("Lanternbud has no tray icons"), localized(advice));
+    DesktopNotifications(session).show({localized("Lanternbud has no tray icons"), localized(advice), {}, false}, 0,
+                                       [](const Result<Notifications::Id>&) {});
   }
   return host;
 }

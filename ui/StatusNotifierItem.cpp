@@ -1,7 +1,7 @@
 #include "ui/StatusNotifierItem.h"
 
+#include "foundation/PXRLog.h"
 #include "ui/DBusMenuExporter.h"
-#include "ui/DesktopNotification.h"
 #include "ui/StatusNotifierItemAdaptor.h"
 #include "ui/StatusNotifierRegistrar.h"
 #include "ui/TrayMetrics.h"
@@ -90,7 +90,9 @@ void StatusNotifierItem::setMenu(std::vector<StatusMenuEntry> entries) {
 }
 
 bool StatusNotifierItem::showMessage(const std::string& title, const std::string& text) {
-  sendDesktopNotification(QDBusConnection::sessionBus(), title, text);
+  bar_.notifications().show({title, text, {}, false}, 0, [title](const Result<Notifications::Id>& shown) {
+    if (!shown) PXR_LOG_ERROR("No notification service showed “" + title + "”: " + shown.failure().reason);
+  });
   return true;
 }
 

@@ -6,7 +6,8 @@
 
 namespace lb {
 
-TrayStatusBar::TrayStatusBar(TrayHost::Kind host) : panel_(QDBusConnection::sessionBus()) {
+TrayStatusBar::TrayStatusBar(TrayHost::Kind host, Notifications& notifications)
+    : notifications_(notifications), panel_(QDBusConnection::sessionBus()) {
   if (host == TrayHost::Kind::statusNotifierItem) {
     registrar_ = std::make_unique<StatusNotifierRegistrar>(QDBusConnection::sessionBus());
   }

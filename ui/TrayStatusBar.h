@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ports/Notifications.h"
 #include "ports/StatusBar.h"
 #include "ui/PanelWatcher.h"
 #include "ui/TrayHost.h"
@@ -28,7 +29,8 @@ public:
 // chosen from it comes back through setPaint.
 class TrayStatusBar final : public StatusBar {
 public:
-  explicit TrayStatusBar(TrayHost::Kind host);
+  // An item's messages go out through `notifications`.
+  TrayStatusBar(TrayHost::Kind host, Notifications& notifications);
   ~TrayStatusBar() override;
 
   double thickness() const override { return trayMetrics::thickness; }
@@ -42,8 +44,10 @@ public:
   std::optional<QColor> halo() const { return halo_; }
   // An item leaving the tray.
   void forget(PaintedStatusItem* item);
+  Notifications& notifications() { return notifications_; }
 
 private:
+  Notifications& notifications_;
   PanelWatcher panel_;
   QColor colour_{Qt::black};
   std::optional<QColor> halo_;

@@ -16,11 +16,17 @@
 
 using namespace lb;
 
+// Nothing here shows a message.
+struct NoNotifications final : Notifications {
+  void show(const Notification&, Id, Done) override {}
+};
+
 int main(int argc, char** argv) {
   qputenv("QT_QPA_PLATFORM", "offscreen");
   QApplication application(argc, argv);
   const int rounds = argc > 1 ? std::atoi(argv[1]) : 200;
-  TrayStatusBar bar(TrayHost::Kind::xembed);
+  NoNotifications notifications;
+  TrayStatusBar bar(TrayHost::Kind::xembed, notifications);
   bar.setPaint({"white", false});
   SvgImages images;
   std::vector<std::unique_ptr<StatusItem>> items;
