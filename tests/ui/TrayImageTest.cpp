@@ -61,8 +61,7 @@ TEST(TrayImage, EveryStateStandsOutFromLightAndDarkPanels) {
       {"outline", outline},
       {"filled", connectedImage(images, option)},
       {"dimmed", connectedImage(images, option, dimmed)},
-      {"gauge", image(images, option, 60, false, dimmed)},
-      {"low gauge", image(images, option, 15, true, dimmed)}};
+      {"gauge", image(images, option, 60, false, dimmed)}};
   const QColor dark[] = {QColor("#000000"), QColor("#2d2d2d")}, light[] = {QColor("#ffffff"), QColor("#f6f5f4")};
   auto check = [&](const QColor& ink, std::optional<QColor> halo, const QColor& panel) {
     for (const auto& [state, picture] : states) {
