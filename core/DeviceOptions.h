@@ -2,6 +2,7 @@
 
 #include "core/MenuBarIconOption.h"
 #include "core/ScriptType.h"
+#include "foundation/BluetoothAddress.h"
 #include "foundation/SettingsValue.h"
 
 #include <cstdint>
@@ -58,6 +59,8 @@ public:
   std::int64_t deviceID() const { return option<std::int64_t>(deviceOption::deviceID, 0); }
   // The address as saved, whether or not the system knows the device.
   std::optional<std::string> storedAddress() const { return value<std::string>(deviceOption::device); }
+  // The same, read as an address: none when missing or malformed.
+  std::optional<BluetoothAddress> address() const { return BluetoothAddress::parse(storedAddress().value_or("")); }
   MenuBarIconOption icon() const {
     auto raw = value<std::string>(deviceOption::icon);
     auto known = raw ? menuBarIconOption(*raw) : std::nullopt;

@@ -4,7 +4,6 @@
 #include "core/ConnectionTracker.h"
 #include "core/OutputFixer.h"
 #include "core/Texts.h"
-#include "foundation/BluetoothAddress.h"
 
 #include <algorithm>
 
@@ -13,6 +12,10 @@ namespace lb {
 std::optional<SettingsValue::Dictionary> DevicePresentation::deviceCachedInfo(BatteryReading reading) {
   auto cached = deviceInfoCache_.cachedValue(&device_);
   if (cached && (cached->isCurrent() || reading == BatteryReading::lastKnown)) return cached->value;
+  return storedFreshInfo();
+}
+
+std::optional<SettingsValue::Dictionary> DevicePresentation::storedFreshInfo() {
   auto fresh = deviceFreshInfo();
   deviceInfoCache_.setValue(&device_, fresh);
   return fresh;
@@ -28,10 +31,9 @@ void DevicePresentation::watchBattery() {
 
 void DevicePresentation::readLevelsForWarnings() {
   if (tracker_.isConnected() != true || !warnsOfLowBattery()) return;
-  auto fresh = deviceFreshInfo();
-  deviceInfoCache_.setValue(&device_, fresh);
+  const auto fresh = storedFreshInfo();
   const auto levels = fresh ? BatteryType::from(*fresh) : std::nullopt;
-  const auto address = BluetoothAddress::parse(options_.storedAddress().value_or(""));
+  const auto address = options_.address();
   if (!levels || !address) return;
   warnings_.levelsRead({address->toString(), device_.deviceNameOrUnknown(),
                         [this] {
@@ -100,7 +102,7 @@ std::optional<std::string> DevicePresentation::toolTipString() {
   std::string text = *status + ".";
   auto found = device_.device();
   if (found && found->isConnected()) text += "\n" + batteryLevelString() + ".";
-  const auto address = BluetoothAddress::parse(options_.storedAddress().value_or(""));
+  const auto address = options_.address();
   if (auto warning = address ? warnings_.unshown(address->toString()) : std::nullopt) text += "\n" + *warning;
   return text;
 }

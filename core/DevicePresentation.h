@@ -76,6 +76,8 @@ public:
 private:
   // Connected but could be, and is not, the sound output.
   bool isNotTheOutput(bool connected) const;
+  // Read now, and kept for the pictures and texts that follow.
+  std::optional<SettingsValue::Dictionary> storedFreshInfo();
   void readLevelsForWarnings();
 
   const DeviceHandle& device_;

@@ -178,6 +178,7 @@ public:
   std::optional<std::string> scriptingAddress() const;
   // The address as saved, whether or not the system knows the device.
   std::optional<std::string> storedAddress() const { return options_.storedAddress(); }
+  std::optional<BluetoothAddress> address() const { return options_.address(); }
   // Only while connected, even when a level is cached.
   std::optional<int> scriptingBatteryLevel(BatteryReading reading = BatteryReading::ifStale);
   std::string scriptingIconName() const { return std::string(rawValue(icon())); }

@@ -170,7 +170,7 @@ auto DeviceSettingManager::remove(std::int64_t deviceID) -> Result<void, RemoveE
   list_.erase(found);
   services_.defaults.removeValue(setting->shortCutKey());
   services_.defaults.removeValue(setting->oldShortCutKey());
-  if (const auto address = BluetoothAddress::parse(setting->storedAddress().value_or(""))) {
+  if (const auto address = setting->address()) {
     services_.lowBatteryWarnings.forget(address->toString());
   }
   noteChange();

@@ -153,7 +153,7 @@ void DeviceStatusItem::popUpMenu(const StatusItemClick& click) {
 }
 
 std::string DeviceStatusItem::identity() const {
-  const auto address = BluetoothAddress::parse(options_.storedAddress().value_or(""));
+  const auto address = options_.address();
   if (!address) return "lanternbud-device-" + std::to_string(options_.deviceID());
   std::string hex;
   for (const char c : address->toString()) {

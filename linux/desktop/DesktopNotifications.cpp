@@ -13,7 +13,7 @@ namespace lb {
 
 namespace {
 
-// The specification's raw picture: (iiibiiay), RGBA rows of 8-bit samples.
+// The raw picture the service takes: (iiibiiay), RGBA rows of 8-bit samples.
 struct ImageData {
   QImage image;
 };
