@@ -13,6 +13,7 @@
 #include "linux/audio/PulseAudioSystem.h"
 #include "linux/xdg/XdgAutostart.h"
 #include "foundation/JsonSettingsStore.h"
+#include "linux/xdg/XdgBatteryHistoryFiles.h"
 #include "foundation/XdgDirectories.h"
 #include "sim/SimLoginItems.h"
 
@@ -74,8 +75,7 @@ std::unique_ptr<Platform> Platform::real(UserDefaults& defaults, Tunables& tunab
   platform->pulse_ = std::make_unique<PulseAudioSystem>();
   platform->loginItems_ = std::make_unique<XdgAutostart>(XdgAutostart::defaultEntryFile(),
                                                          QCoreApplication::applicationFilePath().toStdString());
-  platform->wire(bluetooth, *platform->pulse_, *platform->batterySources_, *platform->loginItems_,
-                 "battery-warnings.json");
+  platform->wire(bluetooth, *platform->pulse_, *platform->batterySources_, *platform->loginItems_, "");
   return platform;
 }
 
@@ -85,7 +85,7 @@ std::unique_ptr<Platform> Platform::demo(UserDefaults& defaults, Tunables& tunab
   platform->demo_ = std::make_unique<DemoWorld>(platform->loop_);
   platform->loginItems_ = std::make_unique<SimLoginItems>();
   auto& demo = *platform->demo_;
-  platform->wire(demo.bluetooth, demo.audio, demo.batterySources, *platform->loginItems_, "demo-battery-warnings.json");
+  platform->wire(demo.bluetooth, demo.audio, demo.batterySources, *platform->loginItems_, "demo-");
   return platform;
 }
 
@@ -95,15 +95,19 @@ std::optional<std::uint64_t> Platform::soundServerRequests() const {
 }
 
 void Platform::wire(Bluetooth& bluetooth, AudioSystem& audio, BatterySources& batterySources, LoginItems& loginItems,
-                    const std::string& warningStateFile) {
+                    const std::string& stateNamePrefix) {
   audioHardware_ = std::make_unique<AudioHardware>(audio, loop_);
   outputDeviceManager_ = std::make_unique<OutputDeviceManager>(*audioHardware_, tunables_);
   inputDeviceManager_ = std::make_unique<InputDeviceManager>(*audioHardware_, tunables_, loop_);
   batteryInfo_ = std::make_unique<BatteryInfo>(batterySources, tunables_, loop_, loop_.now());
   deviceInfoCache_ = std::make_unique<DeviceInfoCache>(loop_, 1000, tunables_(tunable::DeviceInfoStalenessInterval));
-  warningState_ = std::make_unique<JsonSettingsStore>(XdgDirectories::stateHome() / "lanternbud" / warningStateFile);
+  warningState_ = std::make_unique<JsonSettingsStore>(XdgDirectories::stateHome() / "lanternbud" /
+                                                      (stateNamePrefix + "battery-warnings.json"));
   lowBatteryWarnings_ = std::make_unique<LowBatteryWarnings>(notifications_, *warningState_, desktopSettings_,
                                                              tunables_, loop_);
+  historyFiles_ = std::make_unique<XdgBatteryHistoryFiles>(
+      XdgBatteryHistoryFiles::folderNamed(stateNamePrefix + "battery-history"));
+  batteryHistories_ = std::make_unique<BatteryHistories>(*historyFiles_, loop_);
   services_ = std::make_unique<Services>(Services{loop_,
                                                   bluetooth,
                                                   *statusBar_,
@@ -123,7 +127,8 @@ void Platform::wire(Bluetooth& bluetooth, AudioSystem& audio, BatterySources& ba
                                                   *inputDeviceManager_,
                                                   *batteryInfo_,
                                                   *deviceInfoCache_,
-                                                  *lowBatteryWarnings_});
+                                                  *lowBatteryWarnings_,
+                                                  *batteryHistories_});
 }
 
 } // namespace lb

@@ -64,9 +64,10 @@ public:
 private:
   Platform(UserDefaults& defaults, Tunables& tunables, std::string backend, std::filesystem::path scriptsFolder,
            Desktop desktop);
-  // The warnings' state is kept in that file of the state folder.
+  // The warnings' state and the battery histories are kept in the state
+  // folder, under names that begin with the prefix ("demo-" for the demo).
   void wire(Bluetooth& bluetooth, AudioSystem& audio, BatterySources& batterySources, LoginItems& loginItems,
-            const std::string& warningStateFile);
+            const std::string& stateNamePrefix);
 
   UserDefaults& defaults_;
   Tunables& tunables_;
@@ -101,6 +102,8 @@ private:
   std::unique_ptr<DeviceInfoCache> deviceInfoCache_;
   std::unique_ptr<SettingsStore> warningState_;
   std::unique_ptr<LowBatteryWarnings> lowBatteryWarnings_;
+  std::unique_ptr<BatteryHistoryFiles> historyFiles_;
+  std::unique_ptr<BatteryHistories> batteryHistories_;
   std::unique_ptr<Services> services_;
 };
 

@@ -142,6 +142,7 @@ int Program::runApplication(UserDefaults& defaults, Tunables& tunables, bool dem
   if (session.isConnected()) session.unregisterService(bus::serviceName);
   app.applicationWillTerminate();
   platform->endScripts();
+  platform->services().batteryHistories.saveAll();
   if (auto problem = platform->services().defaults.saveProblem()) {
     PXR_LOG_ERROR("The settings of this run are not saved (" + *problem +
                   "): changes since the last save are lost; goodbye.");

@@ -19,8 +19,8 @@ QTranslator& ownTexts() {
 }
 
 // The texts are looked up by their English alone: one context holds them all.
-std::optional<std::string> translation(std::string_view english) {
-  const auto translated = ownTexts().translate("Lanternbud", std::string(english).c_str());
+std::optional<std::string> translation(std::string_view english, int count) {
+  const auto translated = ownTexts().translate("Lanternbud", std::string(english).c_str(), nullptr, count);
   if (translated.isNull()) return std::nullopt;
   return translated.toStdString();
 }

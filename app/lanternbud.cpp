@@ -104,8 +104,11 @@ int main(int argc, char** argv) {
   // what a user sees at a terminal.
   defaults.registerDefaults({{"LogLaunch", true}, {"LogTray", true}});
   // The demo's earbuds run down a point every 3 s: read every 2 s, each
-  // warning comes at its level.
-  if (demo) defaults.registerDefaults({{std::string(lb::tunable::DeviceInfoStalenessInterval.key), 2.0}});
+  // warning comes at its level, and a minute of that fall is a trend.
+  if (demo) {
+    defaults.registerDefaults({{std::string(lb::tunable::DeviceInfoStalenessInterval.key), 2.0},
+                               {std::string(lb::tunable::BatteryEstimateMinimumSpan.key), 60.0}});
+  }
   lb::LinuxLogger::install([&defaults](const std::string& area) { return defaults.boolValue(area, false); },
                            processName);
   lb::installTranslations();

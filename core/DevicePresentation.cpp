@@ -15,23 +15,29 @@ std::optional<SettingsValue::Dictionary> DevicePresentation::deviceCachedInfo(Ba
   return storedFreshInfo();
 }
 
+// Every level read while connected goes into the history.
 std::optional<SettingsValue::Dictionary> DevicePresentation::storedFreshInfo() {
   auto fresh = deviceFreshInfo();
   deviceInfoCache_.setValue(&device_, fresh);
+  const auto levels = fresh ? BatteryType::from(*fresh) : std::nullopt;
+  const auto address = options_.address();
+  auto found = device_.device();
+  if (levels && address && found && found->isConnected()) histories_.levelsRead(address->toString(), *levels);
   return fresh;
 }
 
 void DevicePresentation::watchBattery() {
   const auto interval = std::max(tunables_(tunable::DeviceInfoStalenessInterval), Seconds(1));
   batteryTimer_ = std::make_unique<PXRTimer>(interval, true, [this, weak = device_.lifetime()] {
-    if (const auto alive = weak.lock()) readLevelsForWarnings();
+    if (const auto alive = weak.lock()) readLevels();
   });
   batteryTimer_->schedule(loop_);
 }
 
-void DevicePresentation::readLevelsForWarnings() {
-  if (tracker_.isConnected() != true || !warnsOfLowBattery()) return;
+void DevicePresentation::readLevels() {
+  if (tracker_.isConnected() != true) return;
   const auto fresh = storedFreshInfo();
+  if (!warnsOfLowBattery()) return;
   const auto levels = fresh ? BatteryType::from(*fresh) : std::nullopt;
   const auto address = options_.address();
   if (!levels || !address) return;
@@ -50,6 +56,18 @@ std::optional<SettingsValue::Dictionary> DevicePresentation::deviceFreshInfo() {
   auto found = device_.device();
   if (!found || tunables_(tunable::DisableMontereyBatteryInfo)) return std::nullopt;
   return batteryInfo_.fallbackInfo(*found);
+}
+
+const BatteryHistory* DevicePresentation::batteryHistory() {
+  const auto address = options_.address();
+  return address ? &histories_.of(address->toString()) : nullptr;
+}
+
+std::optional<std::string> DevicePresentation::timeLeftText() {
+  auto found = device_.device();
+  const auto* history = found && found->isConnected() ? batteryHistory() : nullptr;
+  if (!history) return std::nullopt;
+  return BatteryHistories::timeLeftText(history->timeLeft(loop_.now(), tunables_(tunable::BatteryEstimateMinimumSpan)));
 }
 
 std::optional<int> DevicePresentation::batteryLevel(BatteryReading reading) {
@@ -101,7 +119,11 @@ std::optional<std::string> DevicePresentation::toolTipString() {
   if (!status) return std::nullopt;
   std::string text = *status + ".";
   auto found = device_.device();
-  if (found && found->isConnected()) text += "\n" + batteryLevelString() + ".";
+  if (found && found->isConnected()) {
+    text += "\n" + batteryLevelString();
+    if (auto left = timeLeftText()) text += ", " + *left;
+    text += ".";
+  }
   const auto address = options_.address();
   if (auto warning = address ? warnings_.unshown(address->toString()) : std::nullopt) text += "\n" + *warning;
   return text;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/BatteryHistories.h"
 #include "core/BatteryInfo.h"
 #include "core/DeviceHandle.h"
 #include "core/DeviceOptions.h"
@@ -33,19 +34,24 @@ public:
   DevicePresentation(const DeviceHandle& device, const DeviceOptions& options, const ConnectionTracker& tracker,
                      const OutputFixer& outputFixer, EventLoop& loop, const Tunables& tunables,
                      BatteryInfo& batteryInfo, DeviceInfoCache& deviceInfoCache, LowBatteryWarnings& warnings,
-                     Images& images)
+                     BatteryHistories& histories, Images& images)
       : device_(device), options_(options), tracker_(tracker), outputFixer_(outputFixer), loop_(loop),
         tunables_(tunables), batteryInfo_(batteryInfo), deviceInfoCache_(deviceInfoCache), warnings_(warnings),
-        images_(images) {}
+        histories_(histories), images_(images) {}
 
   // Reads the levels afresh every "DeviceInfoStalenessInterval" while the
-  // device is connected and warns of a low battery, where its user wants it.
+  // device is connected, for its history and to warn of a low battery,
+  // where its user wants it.
   void watchBattery();
   bool warnsOfLowBattery() const { return options_.warnsOfLowBattery(warnings_.onByDefault()); }
 
   // The device's information, reused for "DeviceInfoStalenessInterval".
   std::optional<SettingsValue::Dictionary> deviceCachedInfo(BatteryReading reading = BatteryReading::ifStale);
   std::optional<SettingsValue::Dictionary> deviceFreshInfo();
+  // The levels read so far; none for a device without an address.
+  const BatteryHistory* batteryHistory();
+  // "about 5 hours left", while connected and steadily discharging.
+  std::optional<std::string> timeLeftText();
   // One level; of two earbuds the lower one that is not zero.
   std::optional<int> batteryLevel(BatteryReading reading = BatteryReading::ifStale);
   // The battery text with its percent signs doubled, "85%%" or "L: 40%% R: 70%%".
@@ -54,7 +60,8 @@ public:
   std::string batteryLevelString(BatteryReading reading = BatteryReading::ifStale);
   // "Headphones - Connected (Not Sound Output)"
   std::optional<std::string> statusString();
-  // The status and, while connected, the battery, on two lines; a third
+  // The status and, while connected, the battery with the time left, on
+  // two lines; a third
   // with a warning that no notification service showed.
   std::optional<std::string> toolTipString();
   // What the settings list says under the name, from what is known without
@@ -78,7 +85,7 @@ private:
   bool isNotTheOutput(bool connected) const;
   // Read now, and kept for the pictures and texts that follow.
   std::optional<SettingsValue::Dictionary> storedFreshInfo();
-  void readLevelsForWarnings();
+  void readLevels();
 
   const DeviceHandle& device_;
   const DeviceOptions& options_;
@@ -89,6 +96,7 @@ private:
   BatteryInfo& batteryInfo_;
   DeviceInfoCache& deviceInfoCache_;
   LowBatteryWarnings& warnings_;
+  BatteryHistories& histories_;
   Images& images_;
   std::unique_ptr<PXRTimer> batteryTimer_;
 };

@@ -15,7 +15,7 @@ DeviceSetting::DeviceSetting(Services& services, SettingsValue::Dictionary optio
       tracker_(*this, options_, connection_, outputFixer_, scripts_, services.loop, services.tunables,
                services.bluetooth, services.outputDeviceManager, services.inputDeviceManager, services.deviceInfoCache),
       presentation_(*this, options_, tracker_, outputFixer_, services.loop, services.tunables, services.batteryInfo,
-                    services.deviceInfoCache, services.lowBatteryWarnings, services.images),
+                    services.deviceInfoCache, services.lowBatteryWarnings, services.batteryHistories, services.images),
       statusItem_(*this, options_, *this, tracker_, connection_, presentation_, services.statusBar, services.windows,
                   services.shortcuts, services.tunables) {}
 

@@ -171,6 +171,8 @@ public:
   std::optional<std::string> statusString() { return presentation_.statusString(); }
   std::optional<std::string> toolTipString() { return presentation_.toolTipString(); }
   std::string summaryString() { return presentation_.summaryString(); }
+  const BatteryHistory* batteryHistory() { return presentation_.batteryHistory(); }
+  std::optional<std::string> timeLeftText() { return presentation_.timeLeftText(); }
 
   // What scripts see and do (DeviceSettingScripting.cpp).
   std::string scriptingName() const { return deviceName().value_or(""); }

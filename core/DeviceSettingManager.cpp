@@ -172,6 +172,7 @@ auto DeviceSettingManager::remove(std::int64_t deviceID) -> Result<void, RemoveE
   services_.defaults.removeValue(setting->oldShortCutKey());
   if (const auto address = setting->address()) {
     services_.lowBatteryWarnings.forget(address->toString());
+    services_.batteryHistories.forget(address->toString());
   }
   noteChange();
   if (!synchronize()) return RemoveError::notSaved;

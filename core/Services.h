@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/BatteryHistories.h"
 #include "core/BatteryInfo.h"
 #include "core/InputDeviceManager.h"
 #include "core/LowBatteryWarnings.h"
@@ -51,6 +52,7 @@ struct Services {
   BatteryInfo& batteryInfo;
   DeviceInfoCache& deviceInfoCache;
   LowBatteryWarnings& lowBatteryWarnings;
+  BatteryHistories& batteryHistories;
 };
 
 } // namespace lb

@@ -14,7 +14,7 @@ void installTranslator(Translator translator) { installedTranslator.store(transl
 std::string localized(std::string_view english) {
   // Translations are looked up by the key and say what its Linux wording says.
   if (auto translator = installedTranslator.load(std::memory_order_acquire)) {
-    if (auto translated = translator(english)) return *std::move(translated);
+    if (auto translated = translator(english, -1)) return *std::move(translated);
   }
   static const std::map<std::string_view, std::string_view> linux{
       {"Your Mac could not connect to “%@”.", "Your computer could not connect to “%@”."},
@@ -38,6 +38,22 @@ std::string localized(std::string_view english) {
   };
   auto found = linux.find(english);
   return std::string(found == linux.end() ? english : found->second);
+}
+
+std::string localized(std::string_view english, std::nullptr_t, int count) {
+  std::optional<std::string> text;
+  if (auto translator = installedTranslator.load(std::memory_order_acquire)) text = translator(english, count);
+  if (!text) {
+    // English has one form for one and another for the rest.
+    static const std::map<std::string_view, std::string_view> singular{
+        {"about %n hours left", "about %n hour left"},
+        {"about %n minutes left", "about %n minute left"},
+    };
+    const auto found = singular.find(english);
+    text = std::string(count == 1 && found != singular.end() ? found->second : english);
+  }
+  if (const auto at = text->find("%n"); at != std::string::npos) text->replace(at, 2, std::to_string(count));
+  return *text;
 }
 
 std::string numbered(std::string_view format, std::initializer_list<std::string_view> arguments) {

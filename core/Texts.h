@@ -2,6 +2,7 @@
 
 #include "foundation/Translatable.h"
 
+#include <cstddef>
 #include <initializer_list>
 #include <optional>
 #include <string>
@@ -14,6 +15,12 @@ namespace lb {
 // English. On Linux a few English texts read differently where they name
 // places that do not exist here.
 std::string localized(std::string_view english);
+
+// `english` with "%n" as `count`, in the plural form that the user's
+// language takes for it ("about %n hours left"). The middle argument is
+// null, as in Qt's tr(), so that the translators' tools see a text with
+// plural forms.
+std::string localized(std::string_view english, std::nullptr_t, int count);
 
 // `format` with its first "%@" replaced by `argument`, and "%%" as "%".
 std::string formatted(std::string_view format, std::string_view argument);
@@ -38,8 +45,9 @@ struct Wording {
 };
 
 // The translation of `english` into the user's language, or nothing when
-// it has none.
-using Translator = std::optional<std::string> (*)(std::string_view english);
+// it has none; for a text with plural forms, the form for `count` (-1 for
+// any other text), with its "%n" left in.
+using Translator = std::optional<std::string> (*)(std::string_view english, int count);
 
 // Installed by the program once at start, before other threads run; any
 // thread may make texts from then on. Null goes back to English.

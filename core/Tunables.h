@@ -138,6 +138,9 @@ inline const Tunable<Seconds> DeviceInfoStalenessInterval{
 // A device whose warnings are on warns once at or below each level.
 inline const Tunable<std::int64_t> LowBatteryWarningLevel{"LowBatteryWarningLevel", 20, each, {1, 95}};
 inline const Tunable<std::int64_t> LowBatteryCriticalLevel{"LowBatteryCriticalLevel", 5, each, {0, 95}};
+// A battery's time left is told from a steady fall this long at least.
+inline const Tunable<Seconds> BatteryEstimateMinimumSpan{
+    "BatteryEstimateMinimumSpan", Seconds(1800.0), each, {10, 86400}};
 inline const Tunable<bool> DisableMontereyBatteryInfo{"DisableMontereyBatteryInfo", false, each};
 // Off: on Linux the battery sources are live mirrors of BlueZ and UPower,
 // never stale, so a helper process would only cost a process a device.

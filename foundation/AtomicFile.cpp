@@ -1,5 +1,7 @@
 #include "foundation/AtomicFile.h"
 
+#include "foundation/FaultPoint.h"
+
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -45,6 +47,7 @@ Result<> AtomicFile::write(const std::filesystem::path& path, std::string_view c
     return fail("closing");
   }
   descriptor = -1;
+  faultPoint("before-rename");
   if (std::rename(temporary.c_str(), path.c_str()) != 0) return fail("renaming into place");
 
   // The rename itself lives in the directory; flush that too.

@@ -5,6 +5,7 @@
 #include "sim/InMemorySettingsStore.h"
 #include "sim/SimAlerts.h"
 #include "sim/SimAudioSystem.h"
+#include "sim/SimBatteryHistoryFiles.h"
 #include "sim/SimBatterySources.h"
 #include "sim/SimBluetooth.h"
 #include "sim/SimImages.h"
@@ -69,7 +70,8 @@ struct SimulatedPlatform {
                     inputDeviceManager,
                     batteryInfo,
                     deviceInfoCache,
-                    lowBatteryWarnings};
+                    lowBatteryWarnings,
+                    batteryHistories};
   }
 
   VirtualEventLoop loop;
@@ -99,6 +101,8 @@ struct SimulatedPlatform {
   SimNotifications notifications{loop};
   InMemorySettingsStore warningState; // what the user was told of batteries
   LowBatteryWarnings lowBatteryWarnings{notifications, warningState, desktopSettings, tunables, loop};
+  SimBatteryHistoryFiles historyFiles;
+  BatteryHistories batteryHistories{historyFiles, loop};
   Services services = servicesWith({});
 };
 

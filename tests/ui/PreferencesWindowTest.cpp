@@ -465,7 +465,7 @@ TEST_F(PreferencesWindowTest, TheAboutTabShowsTheVersionOpensTheManualAndSavesAR
   };
   auto* outcome = find<QLabel>("reportOutcome");
   // The name offered is in the user's language.
-  installTranslator([](std::string_view english) {
+  installTranslator([](std::string_view english, int) {
     return english == "Lanternbud Report %1" ? std::optional<std::string>("Lanternbud-Bericht %1") : std::nullopt;
   });
   click("saveReport");
