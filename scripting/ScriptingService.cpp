@@ -34,6 +34,7 @@ public slots:
   QDBusObjectPath FindDevice(const QString& query) { return service_.findDevice(query); }
   QDBusObjectPath AddDevice(const QString& address) { return service_.addDevice(address); }
   void RemoveDevice(const QDBusObjectPath& path) { service_.removeDevice(path); }
+  QString BatteryHistory(const QDBusObjectPath& path) { return service_.batteryHistory(path); }
   QString GetSetting(const QString& key) { return service_.getSetting(key); }
   QString SetSetting(const QString& key, const QString& json) { return service_.setSetting(key, json); }
   QString UnsetSetting(const QString& key) { return service_.unsetSetting(key); }
@@ -198,6 +199,20 @@ void ScriptingService::removeDevice(const QDBusObjectPath& path) {
     }
   }
   fail("NoSuchDevice", "No device has the path " + quoted(path.path()) + ".");
+}
+
+QString ScriptingService::batteryHistory(const QDBusObjectPath& path) {
+  if (auto* registry = app_.deviceSettingManager()) {
+    for (const auto& setting : registry->deviceSettingList()) {
+      if (devicePath(setting->deviceID()) != path.path()) continue;
+      if (const auto* history = setting->batteryHistory()) return QString::fromStdString(history->toJson()).trimmed();
+      fail("NoAddress", QString::fromStdString(setting->deviceName().value_or("The device")) +
+                            " has no Bluetooth address, so no battery history is kept.");
+      return {};
+    }
+  }
+  fail("NoSuchDevice", "No device has the path " + quoted(path.path()) + ".");
+  return {};
 }
 
 QString ScriptingService::getSetting(const QString& key) {

@@ -26,6 +26,8 @@ namespace lb {
 //     Devices (ao): one path per device, in the tray's order
 //     ShowPreferences(), Quit(), FindDevice(s) -> o (by ID, name or address)
 //     AddDevice(s address) -> o, RemoveDevice(o)
+//     BatteryHistory(o) -> s json: {"lastRead": seconds, "sides": {"left":
+//     [[seconds, level], …]}}, seconds since 1970
 //     GetSetting(s key) -> s json, SetSetting(s key, s json) -> s when,
 //     UnsetSetting(s key) -> s when: "now", or "nextStart" for a tunable
 //     that this run has read already
@@ -63,6 +65,7 @@ public:
   QDBusObjectPath findDevice(const QString& query);
   QDBusObjectPath addDevice(const QString& address);
   void removeDevice(const QDBusObjectPath& path);
+  QString batteryHistory(const QDBusObjectPath& path);
   QString getSetting(const QString& key);
   QString setSetting(const QString& key, const QString& json);
   QString unsetSetting(const QString& key);

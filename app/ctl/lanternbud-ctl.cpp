@@ -9,9 +9,11 @@
 #include "scripting/BusNames.h"
 
 #include <QCoreApplication>
+#include <QDateTime>
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <filesystem>
@@ -34,6 +36,8 @@ Commands:
   disconnect <device> [--no-wait]
   toggle <device> [--no-wait]    as a click on its tray item does
   battery <device>               its battery level text
+  battery <device> --history [--json]
+                                 the levels kept of the last 60 days
   add <address>                  add a paired device to the tray
   remove <device>                take a device out of the tray
   config get <Key>               a setting's value, as JSON
@@ -73,7 +77,12 @@ const std::map<std::string, std::string> commandHelp = {
             "such\ndevice; 1: added already, or added but not saved (the settings cannot be written).\n"},
     {"remove", "lanternbud-ctl remove <device>\n\nTakes the device out of the tray, with its scripts and "
                "shortcut.\n"},
-    {"battery", "lanternbud-ctl battery <device>\n\nPrints \"Battery Level: 85%\" or \"Battery Level: Unknown\".\n"},
+    {"battery",
+     "lanternbud-ctl battery <device> [--history [--json]]\n\nPrints \"Battery Level: 85%\" or \"Battery Level: "
+     "Unknown\".\nWith --history, every change of a level read while the device was connected, kept\n"
+     "for 60 days (thinned as it ages), one per line: local time, side, level. With --json\nan object: "
+     "{\"lastRead\": time, \"readings\": [{\"time\": time, \"side\": \"left\", \"level\": 55}, ...]}, "
+     "times\nin ISO 8601, UTC; the side is \"battery\", or \"left\" and \"right\" for earbuds.\n"},
     {"report",
      "lanternbud-ctl report <FILE> [--no-mask]\n\nSaves a diagnostic report to FILE: one .tar.gz with Lanternbud's log "
      "files, the\njournal's last hours, and what BlueZ and the sound server say of their devices.\nThe running "
@@ -202,6 +211,46 @@ int request(ProgramClient& client, const QString& path, const std::string& comma
   }
   return fail(failed, name + " did not " + (target ? "connect" : "disconnect") +
                           " within 75 s; the journal says why (journalctl -t lanternbud).");
+}
+
+// The levels the program kept of the device, oldest first.
+int history(ProgramClient& client, const QString& path, bool json) {
+  auto reply = client.application("BatteryHistory", {QVariant::fromValue(QDBusObjectPath(path))});
+  if (reply.type() == QDBusMessage::ErrorMessage) return fail(failed, reply.errorMessage().toStdString());
+  const auto kept = nlohmann::json::parse(reply.arguments().value(0).toString().toStdString(), nullptr, false);
+  if (!kept.is_object()) return fail(failed, "Lanternbud's answer is not a history.");
+  const auto utc = [](std::int64_t seconds) {
+    return QDateTime::fromSecsSinceEpoch(seconds, Qt::UTC).toString(Qt::ISODate).toStdString();
+  };
+  auto readings = nlohmann::ordered_json::array();
+  const auto sides = kept.value("sides", nlohmann::json::object());
+  for (const auto& [side, levels] : sides.items()) {
+    for (const auto& reading : levels) {
+      readings.push_back({{"time", reading.at(0).get<std::int64_t>()}, {"side", side}, {"level", reading.at(1)}});
+    }
+  }
+  std::stable_sort(readings.begin(), readings.end(),
+                   [](const auto& a, const auto& b) { return a["time"] < b["time"]; });
+  if (json) {
+    for (auto& reading : readings) reading["time"] = utc(reading["time"].get<std::int64_t>());
+    const auto lastRead = kept.value("lastRead", nlohmann::json());
+    nlohmann::json answer{
+        {"lastRead", lastRead.is_number() ? nlohmann::json(utc(lastRead.get<std::int64_t>())) : lastRead},
+        {"readings", readings}};
+    std::cout << answer.dump(2) << "\n";
+    return ok;
+  }
+  if (readings.empty()) {
+    const auto name = lb::pxrPrintable(client.property(path, "Name").toString().toStdString());
+    std::cout << "No battery levels are kept of " << name << " yet: they are read while it is connected.\n";
+  }
+  for (const auto& reading : readings) {
+    const auto time =
+        QDateTime::fromSecsSinceEpoch(reading["time"].get<std::int64_t>()).toString("yyyy-MM-dd HH:mm:ss");
+    std::printf("%s  %-7s %3d%%\n", time.toStdString().c_str(), reading["side"].get<std::string>().c_str(),
+                reading["level"].get<int>());
+  }
+  return ok;
 }
 
 int add(ProgramClient& client, const std::string& address) {
@@ -350,6 +399,8 @@ int run(const std::vector<std::string>& words) {
   }
   std::vector<std::string> arguments(words.begin() + 1, words.end());
   const bool wait = std::erase(arguments, "--no-wait") == 0;
+  const bool withHistory = command == "battery" && std::erase(arguments, "--history") > 0;
+  const bool json = withHistory && std::erase(arguments, "--json") > 0;
   if (arguments.size() != 1)
     return fail(usageError, "usage: " + commandHelp.at(command).substr(0, commandHelp.at(command).find('\n')));
   if (command == "add") return add(client, arguments[0]);
@@ -357,6 +408,7 @@ int run(const std::vector<std::string>& words) {
   auto path = find(client, arguments[0], status);
   if (!path) return status;
   if (command == "show") return show(client, *path);
+  if (withHistory) return history(client, *path, json);
   if (command == "battery") {
     std::cout << lb::pxrPrintable(client.property(*path, "BatteryLevelString").toString().toStdString()) << "\n";
     return ok;

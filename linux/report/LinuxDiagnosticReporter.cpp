@@ -8,6 +8,7 @@
 #include "linux/report/PXRDiagnosticReporter.h"
 #include "linux/report/ReportCancelled.h"
 #include "linux/report/SoundServerState.h"
+#include "linux/xdg/XdgBatteryHistoryFiles.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -49,6 +50,7 @@ std::optional<std::string> contents(const std::filesystem::path& file) {
 
 LinuxDiagnosticReporter::Sources LinuxDiagnosticReporter::Sources::thisMachine() {
   return {{OurLogFile::path("lanternbud"), OurLogFile::path("LanternbudHelperTool")},
+          XdgBatteryHistoryFiles::folderNamed("battery-history"),
           "/etc/bluetooth/main.conf",
           std::nullopt,
           std::nullopt};
@@ -66,6 +68,13 @@ Result<void> LinuxDiagnosticReporter::saveReport(const std::filesystem::path& de
     // A log file that is not there (the helper never ran) is left out.
     for (const auto& file : sources_.logFiles) {
       if (auto text = contents(file)) items.push_back({file.filename().string(), masked(pxrPrintableLines(*text)), {}});
+    }
+    // Named by the device's address, which is masked like the rest.
+    std::error_code absent;
+    for (const auto& entry : std::filesystem::directory_iterator(sources_.batteryHistories, absent)) {
+      const auto name = entry.path().filename().string();
+      if (entry.path().extension() != ".json" || name.starts_with(".")) continue;
+      if (auto text = contents(entry.path())) items.push_back({masked("Battery History " + name), masked(*text), {}});
     }
     throwIfCancelled(cancelled);
     progress(1, steps, std::string(translatable("Asking BlueZ about the adapters and paired devices")));

@@ -12,12 +12,15 @@ namespace lb {
 
 // The diagnostic report on Linux: the program's and the helper's log files,
 // BlueZ's adapters and paired devices with /etc/bluetooth/main.conf, the
-// sound server's devices and cards, and three extracts of the journal.
+// sound server's devices and cards, three extracts of the journal, and each
+// device's battery history.
 class LinuxDiagnosticReporter final : public DiagnosticReporter {
 public:
   // Where the report's parts are read from.
   struct Sources {
     std::vector<std::filesystem::path> logFiles;
+    // The folder of the battery histories, one file per device.
+    std::filesystem::path batteryHistories;
     std::filesystem::path bluetoothConfig;
     // The journal folder; none: this machine's journal.
     std::optional<std::filesystem::path> journal;
@@ -25,8 +28,8 @@ public:
     // report is made.
     std::optional<QDBusConnection> systemBus;
 
-    // This machine's: the log files in the user's state folder, the system
-    // bus.
+    // This machine's: the log files and histories in the user's state
+    // folder, the system bus.
     static Sources thisMachine();
   };
 

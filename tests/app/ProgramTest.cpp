@@ -357,6 +357,17 @@ TEST_F(ProgramTest, AMouseRunningLowRaisesOneNotification) {
   };
   EXPECT_TRUE(test::waitUntil([&] { return !aboutTheMouse().isEmpty(); }));
   EXPECT_EQ(aboutTheMouse(), QStringList{"MX Mouse: battery at 18 %"});
+
+  // Both levels are in its history, oldest first, for people and scripts.
+  const auto history = program->ctl({"battery", "MX Mouse", "--history"}).output;
+  EXPECT_NE(history.find("battery  18%\n"), std::string::npos) << history;
+  EXPECT_LT(history.find("battery  25%\n"), history.find("battery  18%\n")) << history;
+  const auto json = nlohmann::json::parse(program->ctl({"battery", "MX Mouse", "--history", "--json"}).output, nullptr,
+                                          false);
+  ASSERT_TRUE(json.contains("readings")) << json;
+  EXPECT_EQ(json["readings"].back()["side"], "battery");
+  EXPECT_EQ(json["readings"].back()["level"], 18);
+  EXPECT_EQ(program->ctl({"battery", "MX Mouse", "--json"}).status, 2); // --json goes with --history
 }
 
 // The helper tool is the program under another name, printing a device's

@@ -68,6 +68,10 @@ TEST(Report, SaysWhatBluetoothAndSoundWereDoingWithAddressesMasked) {
 
   // Running: the program writes it; a helper that never ran has no log.
   ASSERT_TRUE(program.start());
+  // A device's battery history, named by its address.
+  std::filesystem::create_directories(program.stateFolder() / "battery-history");
+  test::writeFile(program.stateFolder() / "battery-history/001B66AABBCC.json",
+                  R"({"sides": {"battery": [[1764100000, 80]]}})");
   auto masked = program.ctl({"report", QString::fromStdString(out / "Lanternbud Report.tar.gz")});
   EXPECT_EQ(masked.status, 0) << masked.errors;
   files = unpacked(out / "Lanternbud Report.tar.gz");
@@ -84,9 +88,12 @@ TEST(Report, SaysWhatBluetoothAndSoundWereDoingWithAddressesMasked) {
   EXPECT_NE(bluetooth.find("Name: K380 Keyboard"), std::string::npos);
   EXPECT_NE(files["Lanternbud Report/Sound.txt"].find("wh_headset “WH Headset”"), std::string::npos);
   EXPECT_NE(files["Lanternbud Report/Sound.txt"].find("Default sink: "), std::string::npos);
+  EXPECT_EQ(files["Lanternbud Report/Battery History 001B66XXXXXX.json"],
+            R"({"sides": {"battery": [[1764100000, 80]]}})");
   for (auto [name, text] : files) {
+    text += name;
     std::transform(text.begin(), text.end(), text.begin(), [](unsigned char c) { return std::tolower(c); });
-    for (const char* half : {"aa:bb:cc", "aa_bb_cc", "aa-bb-cc", "44:55:66", "44_55_66"})
+    for (const char* half : {"aa:bb:cc", "aa_bb_cc", "aa-bb-cc", "aabbcc", "44:55:66", "44_55_66"})
       EXPECT_EQ(text.find(half), std::string::npos) << half << " in " << name;
   }
 

@@ -13,6 +13,7 @@ TEST(LinuxDiagnosticReporter, ACancelledReportLeavesNothing) {
   test::TemporaryDirectory folder;
   test::writeFile(folder / "lanternbud App Log.log", "Connecting 00:1B:66:AA:BB:CC\n");
   LinuxDiagnosticReporter reporter({{folder / "lanternbud App Log.log"},
+                                    folder / "no histories",
                                     folder / "main.conf",
                                     folder / "no journal",
                                     QDBusConnection("not connected")});
