@@ -5,6 +5,7 @@
 #include "core/SettingKeys.h"
 #include "ui/AddByAddressDialog.h"
 #include "ui/AdvancedSheet.h"
+#include "ui/BatteryHistoryPlot.h"
 #include "ui/DeviceChooser.h"
 #include "ui/IconPicker.h"
 #include "ui/ShortcutRecorder.h"
@@ -82,7 +83,7 @@ DeviceListPane::DeviceListPane(DeviceSettingManager& registry, Services& service
       deviceLabel_(new QLabel(this)), iconButton_(new QToolButton(this)),
       shortcut_(new ShortcutRecorder(services.shortcuts, this)), picker_(new IconPicker(services.images, this)),
       advancedButton_(button(uiText("Ad&vanced…"), uiText("Scripts of the device"), this)),
-      removeButton_(button("−", uiText("Remove the device"), this)),
+      removeButton_(button("−", uiText("Remove the device"), this)), batteryPlot_(new BatteryHistoryPlot(this)),
       launchAtLogin_(new QCheckBox(uiText("Start Lanternbud at &login"), this)) {
   list_->setObjectName("devices");
   list_->setAccessibleName(uiText("Devices"));
@@ -176,6 +177,10 @@ DeviceListPane::DeviceListPane(DeviceSettingManager& registry, Services& service
   advancedRow->addWidget(advancedButton_);
   advancedRow->addStretch();
   detail->addRow(advancedRow);
+  auto* batteryTitle = new QLabel(uiText("Battery"), this);
+  batteryTitle->setFont(deviceLabel_->font());
+  detail->addRow(batteryTitle);
+  detail->addRow(batteryPlot_);
 
   auto* listButtons = new QHBoxLayout;
   listButtons->addWidget(addButton);
@@ -306,6 +311,8 @@ void DeviceListPane::showSelected() {
   for (QWidget* widget : std::initializer_list<QWidget*>{iconButton_, advancedButton_, removeButton_}) {
     widget->setEnabled(setting != nullptr);
   }
+  batteryPlot_->setHistory(setting ? setting->batteryHistory() : nullptr, services_.loop.now(),
+                           setting ? setting->timeLeftText() : std::nullopt);
 }
 
 void DeviceListPane::openAdvancedSheet() {

@@ -18,6 +18,7 @@ class QToolButton;
 
 namespace lb {
 
+class BatteryHistoryPlot;
 class DeviceChooser;
 class IconPicker;
 class DeviceSetting;
@@ -26,7 +27,8 @@ class ShortcutRecorder;
 struct Services;
 
 // The devices tab: the list of devices in the registry's order, and for the
-// selected one its name, its picture, its options and its scripts; adding
+// selected one its name, its picture, its options, its scripts and its
+// battery's history; adding
 // from BlueZ's paired devices or by address, removing, and starting at
 // login. Every change applies at once and is saved at once.
 class DeviceListPane final : public QWidget {
@@ -82,6 +84,7 @@ private:
   std::vector<Switch> switches_;
   QPushButton* advancedButton_;
   QPushButton* removeButton_;
+  BatteryHistoryPlot* batteryPlot_;
   QCheckBox* launchAtLogin_;
   QPointer<DeviceChooser> chooser_;
   std::unique_ptr<NotificationRegistration> changes_;
