@@ -4,6 +4,14 @@
 <context>
     <name>Lanternbud</name>
     <message>
+        <source>left</source>
+        <translation>links</translation>
+    </message>
+    <message>
+        <source>right</source>
+        <translation>rechts</translation>
+    </message>
+    <message>
         <source>Version %@</source>
         <translation>Version %@</translation>
     </message>
@@ -126,6 +134,36 @@
     <message>
         <source>Unable to write script to the folder.</source>
         <translation>Das Skript konnte nicht in den Ordner geschrieben werden.</translation>
+    </message>
+    <message numerus="yes">
+        <source>about %n hours left</source>
+        <translation>
+            <numerusform>noch etwa %n Stunde</numerusform>
+            <numerusform>noch etwa %n Stunden</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>about %n minutes left</source>
+        <translation>
+            <numerusform>noch etwa %n Minute</numerusform>
+            <numerusform>noch etwa %n Minuten</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Battery history</source>
+        <translation>Akkuverlauf</translation>
+    </message>
+    <message>
+        <source>No battery levels have been read yet; they are kept while the device is connected.</source>
+        <translation>Noch keine Akkustände gelesen; sie werden festgehalten, solange das Gerät verbunden ist.</translation>
+    </message>
+    <message>
+        <source>Last read: %1</source>
+        <translation>Zuletzt gelesen: %1</translation>
+    </message>
+    <message>
+        <source>now</source>
+        <translation>jetzt</translation>
     </message>
     <message>
         <source>Your Mac could not connect to “%@”.</source>
@@ -282,6 +320,10 @@
     <message>
         <source>&amp;Shortcut:</source>
         <translation>&amp;Tastenkürzel:</translation>
+    </message>
+    <message>
+        <source>Battery</source>
+        <translation>Akku</translation>
     </message>
     <message>
         <source>Click + to add a paired device.</source>

@@ -35,9 +35,7 @@ Commands:
   connect <device> [--no-wait]   connect it; waits until it is connected
   disconnect <device> [--no-wait]
   toggle <device> [--no-wait]    as a click on its tray item does
-  battery <device>               its battery level text
-  battery <device> --history [--json]
-                                 the levels kept of the last 60 days
+  battery <device> [--history [--json]]  its battery level text, or history
   add <address>                  add a paired device to the tray
   remove <device>                take a device out of the tray
   config get <Key>               a setting's value, as JSON
