@@ -153,10 +153,17 @@ std::string BatteryHistory::toJson() const {
   for (const auto& [side, series] : sides_) {
     SettingsValue::Array readings;
     readings.reserve(series.size());
-    for (const auto& reading : series) readings.push_back(SettingsValue::Array{secondsOf(reading.at), reading.level});
+    for (const auto& reading : series) {
+      SettingsValue::Array pair;
+      pair.reserve(2);
+      pair.emplace_back(secondsOf(reading.at));
+      pair.emplace_back(reading.level);
+      readings.emplace_back(std::move(pair));
+    }
     sides.insert_or_assign(side, std::move(readings));
   }
-  SettingsValue::Dictionary history{{sidesKey, std::move(sides)}};
+  SettingsValue::Dictionary history;
+  history.insert_or_assign(sidesKey, std::move(sides));
   if (lastRead_) history.insert_or_assign(lastReadKey, secondsOf(*lastRead_));
   return SettingsJson::writeLine(history) + "\n";
 }
