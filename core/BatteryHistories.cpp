@@ -53,11 +53,12 @@ const BatteryHistory& BatteryHistories::of(const std::string& address) {
   return kept.history;
 }
 
+// The entry stays, empty: a device added again at once begins anew rather
+// than reading a file whose removal is still on its way.
 void BatteryHistories::forget(const std::string& address) {
   auto& kept = histories_[address];
-  kept.history = {};
-  save(address, kept, true);
-  histories_.erase(address);
+  kept = {};
+  save(address, kept);
 }
 
 void BatteryHistories::saveAll() {
@@ -65,16 +66,20 @@ void BatteryHistories::saveAll() {
     std::unique_lock lock(writing_);
     const bool behind = written_[address] < kept.generation;
     lock.unlock();
-    if (behind && !kept.readOnly) write(address, {kept.generation, kept.history});
+    if (behind && !kept.readOnly) write(address, snapshotOf(kept));
   }
 }
 
-void BatteryHistories::save(const std::string& address, Kept& kept, bool removing) {
+void BatteryHistories::save(const std::string& address, Kept& kept) {
   kept.generation = ++generations_;
   kept.savedAt = loop_.now();
-  if (kept.readOnly && !removing) return;
-  Snapshot snapshot{kept.generation, removing ? std::nullopt : std::optional(kept.history)};
-  loop_.runOnWorker([this, address, snapshot = std::move(snapshot)] { write(address, snapshot); });
+  if (kept.readOnly) return;
+  loop_.runOnWorker([this, address, snapshot = snapshotOf(kept)] { write(address, snapshot); });
+}
+
+// An empty history needs no file.
+BatteryHistories::Snapshot BatteryHistories::snapshotOf(const Kept& kept) {
+  return {kept.generation, kept.history.empty() ? std::nullopt : std::optional(kept.history)};
 }
 
 void BatteryHistories::write(const std::string& address, const Snapshot& snapshot) {

@@ -53,7 +53,8 @@ private:
     std::optional<BatteryHistory> history; // none: remove the file
   };
 
-  void save(const std::string& address, Kept& kept, bool removing = false);
+  void save(const std::string& address, Kept& kept);
+  static Snapshot snapshotOf(const Kept& kept);
   // Any thread.
   void write(const std::string& address, const Snapshot& snapshot);
 

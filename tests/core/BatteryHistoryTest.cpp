@@ -106,6 +106,9 @@ TEST(BatteryHistory, RecordedFromWhatIsReadAndRemovedWithTheDevice) {
   EXPECT_EQ(restarted.of(address).sides(), d.setting->batteryHistory()->sides());
 
   ASSERT_TRUE(d.registry->remove(d.setting->deviceID()));
+  // Added again before the file is gone: it begins anew, with what it reads now.
+  EXPECT_EQ(d.registry->add(d.address).value().batteryHistory()->sides().at("battery").size(), 1u);
+  ASSERT_TRUE(d.registry->remove(d.registry->deviceSettingList().at(0)->deviceID()));
   d.sim.loop.runDue();
   EXPECT_FALSE(d.sim.historyFiles.read(address).value());
 }
