@@ -10,8 +10,7 @@ namespace lb {
 
 void BatteryHistories::levelsRead(const std::string& address, const BatteryType& levels) {
   const auto now = loop_.now();
-  of(address);
-  auto& kept = histories_.at(address);
+  auto& kept = loaded(address);
   if (kept.history.record(levels, now)) {
     // Hourly: thinning goes over the whole history.
     if (timeBetween(kept.thinnedAt, now) >= Seconds(3600)) {
@@ -24,25 +23,25 @@ void BatteryHistories::levelsRead(const std::string& address, const BatteryType&
   }
 }
 
-const BatteryHistory& BatteryHistories::of(const std::string& address) {
-  if (auto found = histories_.find(address); found != histories_.end() && found->second.generation) {
-    return found->second.history;
-  }
+const BatteryHistory& BatteryHistories::of(const std::string& address) { return loaded(address).history; }
+
+BatteryHistories::Kept& BatteryHistories::loaded(const std::string& address) {
   auto& kept = histories_[address];
+  if (kept.generation) return kept;
   kept.generation = ++generations_;
   const auto text = files_.read(address);
   if (!text) {
     PXR_LOG_ERROR("The battery history of " + address + " could not be read (" + text.failure().reason +
                   "); what is read in this run is not saved until it can be.");
     kept.readOnly = true;
-    return kept.history;
+    return kept;
   }
-  if (!text.value()) return kept.history;
+  if (!text.value()) return kept;
   std::string error;
   if (auto history = BatteryHistory::fromJson(*text.value(), error)) {
     kept.history = *std::move(history);
     kept.history.thin(loop_.now());
-    return kept.history;
+    return kept;
   }
   const auto aside = files_.setAside(address);
   PXR_LOG_ERROR("The battery history of " + address + " is not a history (" + error + ")" +
@@ -50,7 +49,7 @@ const BatteryHistory& BatteryHistories::of(const std::string& address) {
                        : " and could not be moved aside (" + aside.failure().reason +
                              "); what is read in this run is not saved."));
   kept.readOnly = !aside;
-  return kept.history;
+  return kept;
 }
 
 // The entry stays, empty: a device added again at once begins anew rather

@@ -53,6 +53,8 @@ private:
     std::optional<BatteryHistory> history; // none: remove the file
   };
 
+  // The device's entry, read from its file the first time.
+  Kept& loaded(const std::string& address);
   void save(const std::string& address, Kept& kept);
   static Snapshot snapshotOf(const Kept& kept);
   // Any thread.

@@ -24,6 +24,10 @@ struct AtomicFile {
   // How the temporary files of `fileName` begin: a writer killed before its
   // rename leaves one behind, which the next writer may remove.
   static std::string temporaryPrefix(const std::string& fileName) { return "." + fileName + ".partial-"; }
+  // Whether `fileName` is such a leftover, of whichever file.
+  static bool isTemporary(std::string_view fileName) {
+    return fileName.starts_with('.') && fileName.find(".partial-") != std::string_view::npos;
+  }
 };
 
 } // namespace lb

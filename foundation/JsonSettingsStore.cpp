@@ -78,16 +78,6 @@ Result<std::filesystem::path> moveAside(const std::filesystem::path& file) {
   return Failure{"too many files were kept aside in one second"};
 }
 
-// Settings can say where a user's scripts are and what they run: a folder
-// made for them is the user's alone.
-std::error_code makeFolder(const std::filesystem::path& folder) {
-  std::error_code error;
-  if (std::filesystem::exists(folder, error)) return error;
-  std::filesystem::create_directories(folder, error);
-  if (!error) std::filesystem::permissions(folder, std::filesystem::perms::owner_all, error);
-  return error;
-}
-
 } // namespace
 
 // An exclusive advisory lock on "<file>.lock" for as long as it lives; none
@@ -95,7 +85,7 @@ std::error_code makeFolder(const std::filesystem::path& folder) {
 class JsonSettingsStore::FileLock {
 public:
   explicit FileLock(const std::filesystem::path& file) {
-    makeFolder(file.parent_path());
+    XdgDirectories::makePrivateFolder(file.parent_path());
     descriptor_ = ::open((file.string() + ".lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
     if (descriptor_ >= 0) {
       while (::flock(descriptor_, LOCK_EX) != 0 && errno == EINTR) {
@@ -269,7 +259,7 @@ bool JsonSettingsStore::save(const SettingsValue::Dictionary& values) {
   std::optional<std::string> problem;
   if (!target) {
     problem = target.failure().reason;
-  } else if (auto error = makeFolder(path.parent_path())) {
+  } else if (auto error = XdgDirectories::makePrivateFolder(path.parent_path())) {
     problem = "creating " + path.parent_path().string() + " failed (" + error.message() + ")";
   } else if (auto written = AtomicFile::write(path, SettingsJson::write(values), 0600); !written) {
     problem = "writing " + path.string() + " failed (" + written.failure().reason + ")";

@@ -15,6 +15,14 @@ std::filesystem::path fromEnvironment(const char* variable, const char* fallback
 
 } // namespace
 
+std::error_code XdgDirectories::makePrivateFolder(const std::filesystem::path& folder) {
+  std::error_code error;
+  if (std::filesystem::exists(folder, error)) return error;
+  std::filesystem::create_directories(folder, error);
+  if (!error) std::filesystem::permissions(folder, std::filesystem::perms::owner_all, error);
+  return error;
+}
+
 std::filesystem::path XdgDirectories::home() {
   if (const char* value = std::getenv("HOME"); value && value[0] == '/') return value;
   if (const passwd* entry = getpwuid(getuid()); entry && entry->pw_dir) return entry->pw_dir;

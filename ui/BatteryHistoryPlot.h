@@ -29,7 +29,6 @@ public:
   // first time shown at its left and now at its right.
   QRectF plotArea() const;
   Date shownFrom() const { return from_; }
-  Date shownTo() const { return to_; }
 
 protected:
   bool eventFilter(QObject* watched, QEvent* event) override;

@@ -72,9 +72,9 @@ Result<void> LinuxDiagnosticReporter::saveReport(const std::filesystem::path& de
     // Named by the device's address, which is masked like the rest.
     std::error_code absent;
     for (const auto& entry : std::filesystem::directory_iterator(sources_.batteryHistories, absent)) {
-      const auto name = entry.path().filename().string();
-      if (entry.path().extension() != ".json" || name.starts_with(".")) continue;
-      if (auto text = contents(entry.path())) items.push_back({masked("Battery History " + name), masked(*text), {}});
+      if (entry.path().extension() != ".json") continue;
+      if (auto text = contents(entry.path()))
+        items.push_back({masked("Battery History " + entry.path().filename().string()), masked(*text), {}});
     }
     throwIfCancelled(cancelled);
     progress(1, steps, std::string(translatable("Asking BlueZ about the adapters and paired devices")));

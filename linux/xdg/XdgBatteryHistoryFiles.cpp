@@ -14,9 +14,7 @@ namespace lb {
 XdgBatteryHistoryFiles::XdgBatteryHistoryFiles(std::filesystem::path folder) : folder_(std::move(folder)) {
   std::error_code error;
   for (const auto& entry : std::filesystem::directory_iterator(folder_, error)) {
-    const auto name = entry.path().filename().string();
-    if (name.starts_with(".") && name.find(".partial-") != std::string::npos)
-      std::filesystem::remove(entry.path(), error);
+    if (AtomicFile::isTemporary(entry.path().filename().string())) std::filesystem::remove(entry.path(), error);
   }
 }
 
@@ -40,12 +38,8 @@ Result<std::optional<std::string>> XdgBatteryHistoryFiles::read(const std::strin
 }
 
 Result<> XdgBatteryHistoryFiles::write(const std::string& address, std::string_view text) {
-  std::error_code error;
-  if (!std::filesystem::exists(folder_, error)) {
-    std::filesystem::create_directories(folder_, error);
-    if (!error) std::filesystem::permissions(folder_, std::filesystem::perms::owner_all, error);
-    if (error) return Failure{"creating " + folder_.string() + " failed (" + error.message() + ")"};
-  }
+  if (auto error = XdgDirectories::makePrivateFolder(folder_))
+    return Failure{"creating " + folder_.string() + " failed (" + error.message() + ")"};
   auto written = AtomicFile::write(fileOf(address), text, 0600);
   if (!written) return Failure{"writing " + fileOf(address).string() + " failed (" + written.failure().reason + ")"};
   return {};
